@@ -1,0 +1,80 @@
+#include <fmt/core.h>
+
+#include <string>
+
+#include "app/component.h"
+#include "app/options.h"
+#include "frame/stats_output_method.h"
+#include "platform/code_page.h"
+#include "platform/path.h"
+#include "platform/registry.h"
+#include "prefs/preferences.h"
+
+namespace orvo::app {
+namespace {
+
+struct KnownClass {
+  const char* name;
+  Guid class_id;
+};
+
+constexpr KnownClass kClasses[] = {
+    {"CSVStatsOutput", kCsvStatsOutputClass},
+    {"StatsOutputPrefs", kStatsOutputPrefsClass},
+};
+
+std::u16string ClassKey(const Guid& class_id) {
+  return u"CLSID\\" + FormatGuid(class_id);
+}
+
+std::string SystemPath(std::u16string_view path) {
+  std::string system;
+  return Succeeded(PathToSystem(path, &system)) ? system : ToUtf8(path);
+}
+
+/// Where a class comes from: what the registry says, else the library beside the command, else why it cannot be had.
+std::string Origin(const Registry& registry, const KnownClass& known) {
+  ComPtr<IClassFactory> factory;
+  Status status = GetClassObject(known.class_id, IClassFactory::kIid, factory.OutVoid());
+  if (Failed(status)) return fmt::format("not available: {}", Describe(status));
+  if (auto path = registry.Value(ClassKey(known.class_id) + u"\\InprocServer32"))
+    return "registered: " + SystemPath(*path);
+  return "not registered, found beside the command: " + SystemPath(LibraryBesideCommand());
+}
+
+int ListClasses() {
+  Registry registry;
+  Require(Registry::Read(&registry), Registry::FilePath());
+  for (const KnownClass& known : kClasses) {
+    const std::string prog_id = ToUtf8(registry.Value(ClassKey(known.class_id) + u"\\ProgID").value_or(u"-"));
+    fmt::print("{}  {:<17} {:<33} {}\n", ToUtf8(FormatGuid(known.class_id)), known.name, prog_id,
+               Printable(Origin(registry, known)));
+  }
+  return kDone;
+}
+
+/// Lets the library write or remove its own entries.
+int CallLibrary(const char* entry, const char* done) {
+  const std::u16string library = LibraryBesideCommand();
+  if (library.empty()) throw CommandError(kFailed, "OrvoReports.so: not found beside the command");
+  const std::string path = SystemPath(library);
+  Require(CallLibraryEntry(library, entry), path);
+  fmt::print("{} {} in {}\n", Printable(path), done, Printable(Registry::FilePath()));
+  return kDone;
+}
+
+}  // namespace
+
+void AddClassesCommands(CLI::App& parser, Verb* verb) {
+  parser.add_subcommand("classes", "List the component classes and where each comes from")->callback([verb] {
+    *verb = ListClasses;
+  });
+  parser.add_subcommand("register", "Enter the component classes into the registry")->callback([verb] {
+    *verb = [] { return CallLibrary("DllRegisterServer", "registered"); };
+  });
+  parser.add_subcommand("unregister", "Remove the component classes from the registry")->callback([verb] {
+    *verb = [] { return CallLibrary("DllUnregisterServer", "removed"); };
+  });
+}
+
+}  // namespace orvo::app

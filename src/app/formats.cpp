@@ -1,0 +1,43 @@
+#include "app/formats.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+
+#include "app/messages.h"
+#include "frame/stats_output_method.h"
+
+namespace orvo::app {
+namespace {
+
+constexpr Format kFormats[] = {
+    {"csv", kCsvStatsOutputClass, u".csv", u","},
+    {"tab", kCsvStatsOutputClass, u".txt", u"\t"},
+};
+
+const Format* FindFormat(std::string_view name) {
+  auto found = std::ranges::find_if(kFormats, [&](const Format& format) { return format.name == name; });
+  if (found != std::end(kFormats)) return &*found;
+  throw CommandError(kUsage, fmt::format("--format {}: there is no such format (known: {})", name, FormatNames()));
+}
+
+}  // namespace
+
+std::vector<const Format*> ParseFormats(std::string_view list) {
+  std::vector<const Format*> formats;
+  for (std::size_t begin = 0; begin <= list.size();) {
+    const std::size_t end = std::min(list.find(',', begin), list.size());
+    const Format* format = FindFormat(list.substr(begin, end - begin));
+    if (std::ranges::find(formats, format) == formats.end()) formats.push_back(format);
+    begin = end + 1;
+  }
+  return formats;
+}
+
+std::string FormatNames() {
+  std::string names;
+  for (const Format& format : kFormats) names += (names.empty() ? "" : ", ") + std::string(format.name);
+  return names;
+}
+
+}  // namespace orvo::app

@@ -1,0 +1,147 @@
+#include <fmt/core.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "app/component.h"
+#include "app/formats.h"
+#include "app/messages.h"
+#include "app/options.h"
+#include "app/progress.h"
+#include "app/report_files.h"
+#include "app/settings.h"
+#include "capture/context/capture_engine.h"
+#include "capture/source/capture_file.h"
+#include "frame/stats_output_method.h"
+#include "platform/code_page.h"
+#include "platform/locale.h"
+#include "platform/path.h"
+
+namespace orvo::app {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct MakeOptions {
+  std::string capture;
+  std::string out;
+  std::string formats = "csv";
+  SettingsOptions settings;
+  std::string locale;
+  std::string code_page;
+  bool live = false;
+  bool no_names = false;
+  bool no_progress = false;
+};
+
+void ApplyLocale(const MakeOptions& options) {
+  if (!options.locale.empty() && Failed(SetUserLocale(options.locale))) {
+    throw CommandError(kUsage, fmt::format("--locale {}: there is no such locale", options.locale));
+  }
+  if (!options.code_page.empty() && Failed(SetCodePage(options.code_page))) {
+    throw CommandError(
+        kUsage, fmt::format("--code-page {}: is unknown, or lacks ASCII (try UTF-8, windows-1252)", options.code_page));
+  }
+}
+
+/// Makes a folder with its parents and gives it in full. Ends the command when it is not there afterwards.
+fs::path MakeFolder(const fs::path& path) {
+  std::error_code error;
+  fs::path folder = fs::absolute(path, error);
+  if (!error) fs::create_directories(folder, error);
+  if (error) throw CommandError(kFailed, fmt::format("{}: cannot be made: {}", path.string(), error.message()));
+  return folder;
+}
+
+/// Reads the whole capture into the engine. What is wrong with its end is a warning: the report shows what is there.
+void ReadCapture(const MakeOptions& options, CaptureEngine& engine) {
+  SourceError error;
+  std::unique_ptr<PacketSource> source = OpenCaptureFile(options.capture, &error);
+  if (!source) throw CommandError(kFailed, error.message);
+
+  Progress progress(!options.no_progress, "reading " + options.capture);
+  constexpr std::uint64_t kPacketsBetweenLooks = 4096;
+  std::uint64_t packets = 0;
+  for (Packet packet; source->Next(&packet);) {
+    engine.Add(packet);
+    if (++packets % kPacketsBetweenLooks == 0) {
+      const SourceProgress read = source->progress();
+      progress.Update(read.bytes_read, read.bytes_total, packets);
+    }
+  }
+  progress.Clear();
+  if (const SourceError& warning = source->warning(); Failed(warning.status)) PrintWarning(warning.message);
+}
+
+/// Writes one report in one format; prints the files that it wrote. False when one of them failed.
+bool WriteReport(const MakeOptions& options, const Format& format, const fs::path& folder, CaptureEngine& engine,
+                 IStatsOutputPrefs& preferences) {
+  auto files = MakeObject<ReportFiles>();
+  engine.SetObserver(files.get());
+  auto method = CreateComponent<IStatsOutputMethod>(format.method, fmt::format("the report library ({})", format.name));
+  Require(method->SetFormat(Bstr(format.extension).get(), Bstr(format.separator).get(), &preferences, nullptr),
+          format.name);
+
+  const Bstr report_folder(PathFromSystem(folder.string() + "/"));
+  ComPtr<IStatsContext> context = engine.Context();
+  ComPtr<IGraphCollection> graphs = engine.Graphs();
+  Status status = options.live ? method->OutputLive(context.get(), report_folder.get(), graphs.get())
+                               : method->Output(report_folder.get(), context.get(), graphs.get());
+  engine.SetObserver(nullptr);
+  Require(status, folder.string());
+
+  bool all_written = true;
+  for (const ReportFiles::File& file : files->files()) {
+    if (Failed(file.status)) {
+      PrintMessage(fmt::format("{}: {}", file.path, Describe(file.status)));
+      all_written = false;
+    } else {
+      fmt::print("{} ({} {})\n", Printable(file.path), file.rows, file.rows == 1 ? "row" : "rows");
+    }
+  }
+  return all_written;
+}
+
+int Make(const MakeOptions& options) {
+  ApplyLocale(options);
+  const std::vector<const Format*> formats = ParseFormats(options.formats);
+  ComPtr<IStatsOutputPrefs> preferences = LoadPreferences(options.settings);
+
+  CaptureEngine engine({.plain_names = options.no_names});
+  ReadCapture(options, engine);
+  bool all_written = true;
+  for (const Format* format : formats) {
+    // Several formats would mix their files: each gets a folder of its own then.
+    const fs::path folder =
+        MakeFolder(formats.size() == 1 ? fs::path(options.out) : fs::path(options.out) / format->name);
+    all_written &= WriteReport(options, *format, folder, engine, *preferences);
+  }
+  return all_written ? kDone : kFailed;
+}
+
+}  // namespace
+
+void AddMakeCommand(CLI::App& parser, Verb* verb) {
+  CLI::App* command = parser.add_subcommand("make", "Read a capture and write its report");
+  auto options = std::make_shared<MakeOptions>();
+  command->add_option("CAPTURE", options->capture, "Capture file (pcap, pcapng)")->required()->type_name("");
+  command
+      ->add_option("--out", options->out, "Folder of the report, made when missing; rows are appended to files there")
+      ->required()
+      ->type_name("DIR");
+  command->add_option("--format", options->formats, "Report forms, joined by commas: " + FormatNames())
+      ->type_name("LIST")
+      ->capture_default_str();
+  AddSettingsOptions(*command, &options->settings);
+  command->add_flag("--live", options->live, "Report straight from the live statistics, marked with the current time");
+  command->add_flag("--no-names", options->no_names, "Write plain addresses instead of names");
+  command->add_option("--locale", options->locale, "Locale of dates and times (default: the environment's)")
+      ->type_name("NAME");
+  command->add_option("--code-page", options->code_page, "Encoding of text files (default: the locale's, else UTF-8)")
+      ->type_name("NAME");
+  command->add_flag("--no-progress", options->no_progress, "Show no progress on a terminal");
+  command->callback([verb, options] { *verb = [options] { return Make(*options); }; });
+}
+
+}  // namespace orvo::app

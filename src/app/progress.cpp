@@ -1,0 +1,62 @@
+#include "app/progress.h"
+
+#include <fmt/core.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "app/messages.h"
+
+namespace orvo::app {
+namespace {
+
+constexpr std::chrono::milliseconds kBetweenUpdates(200);
+constexpr const char* kClearLine = "\r\x1b[K";
+
+}  // namespace
+
+Progress::Progress(bool wanted, std::string what)
+    : wanted_(wanted && isatty(STDERR_FILENO) == 1),
+      what_(Printable(what)),
+      begin_(std::chrono::steady_clock::now()),
+      next_(begin_ + kBetweenUpdates) {}
+
+void Progress::Update(std::uint64_t done, std::uint64_t total, std::uint64_t packets) {
+  if (!wanted_) return;
+  const Time now = std::chrono::steady_clock::now();
+  if (now < next_) return;
+  next_ = now + kBetweenUpdates;
+  Show(now, done, total, packets);
+}
+
+void Progress::Show(Time now, std::uint64_t done, std::uint64_t total, std::uint64_t packets) {
+  const double seconds = std::chrono::duration<double>(now - begin_).count();
+  const double rate = static_cast<double>(packets) / seconds;
+  std::string line;
+  if (total != 0 && done != 0) {
+    const double part = static_cast<double>(done) / static_cast<double>(total);
+    const double left = part < 1 ? seconds * (1 - part) / part : 0;
+    line = fmt::format("{} {:3.0f}%, {} packets, {:.0f} a second, {} left", what_, 100 * part, packets, rate,
+                       DurationText(static_cast<std::uint64_t>(left + 0.5)));
+  } else {
+    line = fmt::format("{}: {} packets, {:.0f} a second", what_, packets, rate);
+  }
+  fmt::print(stderr, "{}{}", kClearLine, line);
+  std::fflush(stderr);
+  shown_ = true;
+}
+
+void Progress::Clear() {
+  if (!shown_) return;
+  fmt::print(stderr, "{}", kClearLine);
+  std::fflush(stderr);
+  shown_ = false;
+}
+
+std::string DurationText(std::uint64_t seconds) {
+  if (seconds < 60) return fmt::format("{} s", seconds);
+  if (seconds < 3600) return fmt::format("{} min {} s", seconds / 60, seconds % 60);
+  return fmt::format("{} h {} min", seconds / 3600, seconds % 3600 / 60);
+}
+
+}  // namespace orvo::app

@@ -1,0 +1,104 @@
+#include "text/node_files.h"
+
+#include "platform/error.h"
+#include "prefs/switch_id.h"
+#include "statistics/node_values.h"
+#include "text/columns.h"
+#include "text/hierarchy_file.h"
+#include "text/section_file.h"
+
+namespace orvo {
+namespace {
+
+using node_values::Count;
+using node_values::MaxSize;
+using node_values::MinSize;
+using node_values::Time;
+
+constexpr Column<NodeEntry> kNodeColumns[] = {
+    {kStrFirstTimeSent, NodeFirstTime, Time<&NodeEntry::first_time_sent>},
+    {kStrLastTimeSent, NodeLastTime, Time<&NodeEntry::last_time_sent>},
+    {kStrFirstTimeReceived, NodeFirstTime, Time<&NodeEntry::first_time_received>},
+    {kStrLastTimeReceived, NodeLastTime, Time<&NodeEntry::last_time_received>},
+    {kStrPacketsSent, NodePackets, Count<&NodeEntry::packets_sent>},
+    {kStrBytesSent, kAlways, Count<&NodeEntry::bytes_sent>},
+    {kStrPacketsReceived, NodePackets, Count<&NodeEntry::packets_received>},
+    {kStrBytesReceived, kAlways, Count<&NodeEntry::bytes_received>},
+    {kStrBroadcastPackets, NodeBroadPackets, Count<&NodeEntry::broadcast_packets>},
+    {kStrBroadcastBytes, NodeBroadBytes, Count<&NodeEntry::broadcast_bytes>},
+    {kStrMulticastPackets, NodeMultiPackets, Count<&NodeEntry::multicast_packets>},
+    {kStrMulticastBytes, NodeMultiBytes, Count<&NodeEntry::multicast_bytes>},
+    {kStrMinSizeSent, NodeMinSize, MinSize<&NodeEntry::min_size_sent>},
+    {kStrMaxSizeSent, NodeMaxSize, MaxSize<&NodeEntry::max_size_sent>},
+    {kStrMinSizeReceived, NodeMinSize, MinSize<&NodeEntry::min_size_received>},
+    {kStrMaxSizeReceived, NodeMaxSize, MaxSize<&NodeEntry::max_size_received>},
+};
+
+struct NodeFamily {
+  std::uint32_t gate;
+  StringId title;
+  std::uint8_t type;
+};
+
+constexpr NodeFamily kFamilies[] = {
+    {NodeTypeIP, kStrIp, kAddressIp},          {NodeTypeIPv6, kStrIpv6, kAddressIpv6},
+    {NodeTypeDEC, kStrDecnet, kAddressDecnet}, {NodeTypeApple, kStrAppleTalk, kAddressAppleTalk},
+    {NodeTypeIPX, kStrIpx, kAddressIpx},       {NodeTypePhysical, kStrPhysical, kAddressPhysical},
+};
+
+std::string NodeHeader(const TextReport& report, const ColumnSet<NodeEntry>& columns) {
+  TextBuffer line(512);
+  line.Append("Time Saved");
+  line.Append(report.separator);
+  line.Append(AsciiTextOf(kStrAddress));
+  columns.AppendTitles(report.separator, &line);
+  line.Append('\n');
+  return std::string(line.view());
+}
+
+/// The record of a node entry when it is one of the family's, else null.
+const AddressRecord* FamilyRecord(IAddressTable& addresses, const NodeEntry& node, std::uint8_t type) {
+  if (node.address == kNoAddress) return nullptr;
+  const AddressRecord* record = nullptr;
+  Check(addresses.GetRecord(node.address, &record));
+  return record && record->type == type ? record : nullptr;
+}
+
+void WriteNodeRows(TextReport& report, INodeStats& nodes, std::uint8_t type, const ColumnSet<NodeEntry>& columns,
+                   SectionFile& file) {
+  const std::string time_saved = TimeSaved(report);
+  TextBuffer& row = file.row();
+  std::uint32_t index = kNoAddress;
+  Check(report.addresses->FirstOfType(type, &index));
+  while (index != kNoAddress) {
+    const NodeEntry* node = nullptr;
+    Check(nodes.FindByAddress(index, &node));
+    if (const AddressRecord* record = node ? FamilyRecord(*report.addresses, *node, type) : nullptr) {
+      row.Append(time_saved);
+      row.Append(report.separator);
+      AppendAddress(report, record, &row);
+      columns.AppendValues(report, *node, &row);
+      file.EndRow();
+    }
+    Check(report.addresses->NextOfType(index, &index));
+  }
+}
+
+void WriteFamilyFile(TextReport& report, const NodeFamily& family) {
+  ComPtr<INodeStats> nodes;
+  if (Failed(GetCategory(report.job.live, kNodeCategory, &nodes)) || !nodes) return;
+  ColumnSet<NodeEntry> columns(report, kNodeColumns);
+  WriteSectionFile(report, FilePath(report, kStrNodeStatistics, family.title), NodeHeader(report, columns),
+                   [&](SectionFile& file) { WriteNodeRows(report, *nodes, family.type, columns, file); });
+}
+
+}  // namespace
+
+void WriteNodeFiles(TextReport& report) {
+  if (report.IsOn(OutputNodeHierarchy)) (void)Guard([&] { WriteHierarchyFile(report); });
+  for (const NodeFamily& family : kFamilies) {
+    if (report.IsOn(family.gate)) (void)Guard([&] { WriteFamilyFile(report, family); });
+  }
+}
+
+}  // namespace orvo

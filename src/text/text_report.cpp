@@ -1,0 +1,36 @@
+#include "text/text_report.h"
+
+#include "platform/error.h"
+
+namespace orvo {
+
+std::u16string FilePath(const TextReport& report, StringId title) {
+  return report.job.folder + std::u16string(TextOf(title)) + std::u16string(report.extension);
+}
+
+std::u16string FilePath(const TextReport& report, StringId title, StringId second_title) {
+  return report.job.folder + std::u16string(TextOf(title)) + u"-" + std::u16string(TextOf(second_title)) +
+         std::u16string(report.extension);
+}
+
+void AppendAddress(TextReport& report, const AddressRecord* record, TextBuffer* out) {
+  if (!record) return;
+  report.util.FormatAddress(*record, true, &report.scratch);
+  out->AppendWide(report.scratch);
+}
+
+void AppendValue(TextReport& report, const Value& value, TextBuffer* out) {
+  switch (value.kind()) {
+    case Value::Kind::kNothing: break;
+    case Value::Kind::kUnsigned: out->AppendInteger(value.as_unsigned()); break;
+    case Value::Kind::kSigned: out->AppendInteger(value.as_signed()); break;
+    case Value::Kind::kReal: out->AppendReal(value.as_real()); break;
+    case Value::Kind::kTime:
+      if (value.as_unsigned() == 0) break;
+      report.util.FormatTimestamp(value.as_unsigned(), &report.scratch);
+      out->AppendWide(report.scratch);
+      break;
+  }
+}
+
+}  // namespace orvo

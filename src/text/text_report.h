@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "engine/categories.h"
+#include "frame/output_method.h"
+#include "statistics/statistic_map.h"
+#include "statistics/value.h"
+#include "text/text_buffer.h"
+#include "util/string_table.h"
+
+namespace orvo {
+
+/// What the sections of one text report share. It lives for the length of that report.
+struct TextReport {
+  const ReportJob& job;
+  IStatsOutputPrefs& preferences;
+  ReportUtil& util;
+  StatisticMap& statistic_map;
+  std::u16string_view extension;
+  std::string_view separator;  ///< in the code page of text files
+  std::uint64_t time_mark;
+  ComPtr<IAddressTable> addresses{};
+  ComPtr<IReportObserver> observer{};  ///< null when nobody wants to know
+  std::u16string scratch{};            ///< for one text at a time
+
+  bool IsOn(std::uint32_t switch_id) const { return orvo::IsOn(preferences, switch_id); }
+};
+
+/// The path of a section's file: "Node Statistics-IP.csv" in the report's folder. Without a second title the hyphen is
+/// left out.
+std::u16string FilePath(const TextReport& report, StringId title);
+std::u16string FilePath(const TextReport& report, StringId title, StringId second_title);
+
+/// Appends the address text of a record behind its kind's label; nothing for a null record.
+void AppendAddress(TextReport& report, const AddressRecord* record, TextBuffer* out);
+
+/// Appends a value as text files word it: nothing for nothing and for a time of 0, three decimals for a real number.
+void AppendValue(TextReport& report, const Value& value, TextBuffer* out);
+
+}  // namespace orvo

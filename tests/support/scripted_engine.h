@@ -1,0 +1,94 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/categories.h"
+#include "engine/graphs.h"
+
+namespace orvo::test {
+
+/// One statistic of a scripted summary.
+struct ScriptedStat {
+  Guid identifier;
+  Guid group;
+  std::u16string name;
+  SummaryValue value;
+};
+
+/// What a scripted engine answers, as plain data. Node, hierarchy and protocol entries refer to addresses by index.
+struct Script {
+  std::vector<AddressRecord> addresses;
+  std::vector<NodeEntry> nodes;
+  std::vector<HierarchyEntry> hierarchy;
+  std::vector<ProtocolEntry> protocols;
+  std::vector<ScriptedStat> summary;
+  std::map<Guid, std::u16string> group_names;
+  std::uint32_t medium_type = kMediumEthernet;
+  std::uint32_t medium_subtype = kSubtypeWired;
+  std::uint64_t start_time = 0;
+  std::uint64_t duration = 0;
+  std::uint64_t total_packets = 0;
+  std::uint64_t total_bytes = 0;
+  /// Categories that are answered with a failure.
+  std::vector<Guid> missing;
+
+  /// Adds an address and gives its index.
+  std::uint32_t Add(const AddressRecord& record);
+  std::uint32_t AddIp(std::uint8_t a, std::uint8_t b, std::uint8_t c, std::uint8_t d);
+  std::uint32_t AddPhysical(std::uint64_t number);
+};
+
+/// A capture engine that answers the contract from a script, fails where it is told to, and remembers what it heard.
+/// While it lives, its classes (snapshot, name services) are the process's; there is one at a time. It must outlive all
+/// objects that it handed out.
+class ScriptedEngine {
+ public:
+  ScriptedEngine();
+  ~ScriptedEngine();
+  ScriptedEngine(const ScriptedEngine&) = delete;
+  ScriptedEngine& operator=(const ScriptedEngine&) = delete;
+
+  Script live;
+  /// What snapshots hold; the live script when absent.
+  std::optional<Script> at_snapshot;
+  Status availability = S_OK;
+  std::uint64_t snapshot_time = 0;
+  /// Replaces the text of an address.
+  std::map<std::u16string, std::u16string> names;
+  bool offers_observer = true;
+
+  ComPtr<IStatsContext> Context();
+
+  /// Lets the n-th call (from 1) of an operation ("INodeStats::FindByAddress") fail with a status.
+  void Fail(std::string_view operation, int nth, Status status);
+
+  struct FileReport {
+    std::u16string path;
+    std::uint64_t rows;
+    Status status;
+  };
+
+  /// What the observer heard, and the snapshot marks that were handed in.
+  std::vector<FileReport> files;
+  std::vector<std::uint64_t> marks;
+  int availability_queries = 0;
+
+  /// The status of an operation now called: the scripted failure, else S_OK.
+  Status Answer(std::string_view operation) {
+    if (failing_.empty() || operation != failing_) return S_OK;
+    return --calls_left_ == 0 ? failure_ : S_OK;
+  }
+
+ private:
+  std::string failing_;
+  int calls_left_ = 0;
+  Status failure_ = S_OK;
+  std::vector<std::uint32_t> cookies_;
+};
+
+}  // namespace orvo::test

@@ -1,0 +1,209 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "tests/text/text_report_fixture.h"
+
+namespace orvo::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr const char* kIpFile = "Node Statistics-IP.csv";
+constexpr const char* kSaved = "11/22/2026 14:05:09";
+constexpr std::uint32_t kNodeColumnSwitches[] = {NodePackets,      NodeFirstTime,    NodeLastTime,
+                                                 NodeBroadBytes,   NodeBroadPackets, NodeMultiBytes,
+                                                 NodeMultiPackets, NodeMinSize,      NodeMaxSize};
+
+class NodeFilesTest : public TextReportTest {
+ protected:
+  /// One node that has sent and received, with a different number in every field.
+  void AddBusyNode() {
+    NodeEntry node;
+    node.address = engine.live.AddIp(10, 0, 0, 1);
+    node.first_time_sent = Moment(-60);
+    node.last_time_sent = Moment(-50);
+    node.first_time_received = Moment(-40);
+    node.last_time_received = Moment(-30);
+    node.packets_sent = 1;
+    node.bytes_sent = 2;
+    node.packets_received = 3;
+    node.bytes_received = 18446744073709551615U;
+    node.broadcast_packets = 5;
+    node.broadcast_bytes = 6;
+    node.multicast_packets = 7;
+    node.multicast_bytes = 8;
+    node.min_size_sent = 9;
+    node.max_size_sent = 65535;
+    node.min_size_received = 0;
+    node.max_size_received = 12;
+    engine.live.nodes.push_back(node);
+  }
+
+  void AddNode(std::uint32_t address, std::uint64_t bytes_sent) {
+    NodeEntry node;
+    node.address = address;
+    node.bytes_sent = bytes_sent;
+    engine.live.nodes.push_back(node);
+  }
+
+  void SwitchColumnsOff() {
+    for (std::uint32_t column : kNodeColumnSwitches) preferences->SetPreference(column, 0);
+  }
+};
+
+TEST_F(NodeFilesTest, WritesEveryColumnInOrder) {
+  AddBusyNode();
+  ASSERT_EQ(Output(), S_OK);
+  EXPECT_THAT(
+      FileLines(kIpFile),
+      ElementsAre("Time Saved,Address,First Time Sent,Last Time Sent,First Time Received,Last Time Received,"
+                  "Packets Sent,Bytes Sent,Packets Received,Bytes Received,Broadcast Packets,Broadcast Bytes,"
+                  "Multicast Packets,Multicast Bytes,Min Size Sent,Max Size Sent,Min Size Received,Max Size Received",
+                  std::string(kSaved) +
+                      ",10.0.0.1,11/22/2026 14:04:09,11/22/2026 14:04:19,11/22/2026 14:04:29,11/22/2026 14:04:39,"
+                      "1,2,3,18446744073709551615,5,6,7,8,9,65535,0,12"));
+}
+
+TEST_F(NodeFilesTest, LeavesWhatNeverHappenedEmpty) {
+  AddNode(engine.live.AddIp(10, 0, 0, 2), 42);
+  ASSERT_EQ(Output(), S_OK);
+  EXPECT_EQ(FileLines(kIpFile).at(1), std::string(kSaved) + ",10.0.0.2,,,,,0,42,0,0,0,0,0,0,,,,");
+}
+
+TEST_F(NodeFilesTest, SwitchesDecideEachColumn) {
+  AddBusyNode();
+  SwitchColumnsOff();
+  ASSERT_EQ(Output(), S_OK);
+  EXPECT_THAT(FileLines(kIpFile), ElementsAre("Time Saved,Address,Bytes Sent,Bytes Received",
+                                              std::string(kSaved) + ",10.0.0.1,2,18446744073709551615"));
+
+  struct {
+    std::uint32_t id;
+    const char* titles;
+  } const cases[] = {
+      {NodePackets, "Packets Sent,Bytes Sent,Packets Received,Bytes Received"},
+      {NodeFirstTime, "First Time Sent,First Time Received,Bytes Sent,Bytes Received"},
+      {NodeLastTime, "Last Time Sent,Last Time Received,Bytes Sent,Bytes Received"},
+      {NodeBroadPackets, "Bytes Sent,Bytes Received,Broadcast Packets"},
+      {NodeBroadBytes, "Bytes Sent,Bytes Received,Broadcast Bytes"},
+      {NodeMultiPackets, "Bytes Sent,Bytes Received,Multicast Packets"},
+      {NodeMultiBytes, "Bytes Sent,Bytes Received,Multicast Bytes"},
+      {NodeMinSize, "Bytes Sent,Bytes Received,Min Size Sent,Min Size Received"},
+      {NodeMaxSize, "Bytes Sent,Bytes Received,Max Size Sent,Max Size Received"},
+  };
+  for (const auto& one : cases) {
+    std::filesystem::remove(folder.Path(kIpFile));
+    SwitchColumnsOff();
+    preferences->SetPreference(one.id, 7);  // any value but 0 is on
+    ASSERT_EQ(Output(), S_OK);
+    EXPECT_EQ(FileLines(kIpFile).at(0), std::string("Time Saved,Address,") + one.titles);
+  }
+}
+
+TEST_F(NodeFilesTest, EachFamilyHasItsFileInTheOrderOfTheAddressTable) {
+  AddNode(engine.live.AddIp(10, 0, 0, 9), 1);
+  AddNode(engine.live.AddPhysical(0x020000000001), 2);
+  AddNode(engine.live.AddIp(10, 0, 0, 1), 3);
+  engine.live.AddIp(10, 0, 0, 7);  // an address without a node entry
+  SwitchColumnsOff();
+  ASSERT_EQ(Output(), S_OK);
+  EXPECT_THAT(FileLines(kIpFile),
+              ElementsAre(testing::_, std::string(kSaved) + ",10.0.0.9,1,0", std::string(kSaved) + ",10.0.0.1,3,0"));
+  EXPECT_THAT(FileLines("Node Statistics-Physical.csv"),
+              ElementsAre(testing::_, std::string(kSaved) + ",2.0.0.0.0.1,2,0"));
+  EXPECT_THAT(FileLines("Node Statistics-IPv6.csv"), ElementsAre("Time Saved,Address,Bytes Sent,Bytes Received"));
+  EXPECT_THAT(folder.Names(),
+              ElementsAre("Node Statistics-AppleTalk.csv", "Node Statistics-DECnet.csv",
+                          "Node Statistics-Hierarchy.csv", kIpFile, "Node Statistics-IPX.csv",
+                          "Node Statistics-IPv6.csv", "Node Statistics-Physical.csv", "Summary Statistics.csv"));
+}
+
+TEST_F(NodeFilesTest, SwitchesDecideEachFile) {
+  const std::pair<std::uint32_t, const char*> files[] = {
+      {OutputNodeHierarchy, "Node Statistics-Hierarchy.csv"},
+      {NodeTypeIP, kIpFile},
+      {NodeTypeIPv6, "Node Statistics-IPv6.csv"},
+      {NodeTypeDEC, "Node Statistics-DECnet.csv"},
+      {NodeTypeApple, "Node Statistics-AppleTalk.csv"},
+      {NodeTypeIPX, "Node Statistics-IPX.csv"},
+      {NodeTypePhysical, "Node Statistics-Physical.csv"},
+  };
+  for (const auto& [id, name] : files) preferences->SetPreference(id, 0);
+  for (const auto& [id, name] : files) {
+    preferences->SetPreference(id, 1);
+    ASSERT_EQ(Output(), S_OK);
+    EXPECT_THAT(folder.Names(), ElementsAre(name, "Summary Statistics.csv"));
+    std::filesystem::remove(folder.Path(name));
+    preferences->SetPreference(id, 0);
+  }
+  preferences->SetDefaults();
+  preferences->SetPreference(OutputNodeStats, 0);
+  ASSERT_EQ(Output(), S_OK);
+  EXPECT_THAT(folder.Names(), ElementsAre("Summary Statistics.csv"));
+}
+
+TEST_F(NodeFilesTest, HierarchyNamesThePhysicalAddressFirst) {
+  const std::uint32_t physical = engine.live.AddPhysical(0x020000000001);
+  const std::uint32_t logical = engine.live.AddIp(10, 0, 0, 1);
+  engine.live.hierarchy = {
+      {.address = physical, .parent = kNoAddress, .packets_sent = 99},
+      {.address = physical,
+       .parent = logical,
+       .packets_sent = 1,
+       .bytes_sent = 10,
+       .packets_received = 2,
+       .bytes_received = 20},
+      {.address = 4711, .parent = logical, .packets_sent = 5},
+  };
+  engine.live.total_packets = 100;
+  engine.live.total_bytes = 1000;
+  ASSERT_EQ(Output(), S_OK);
+  EXPECT_THAT(
+      FileLines("Node Statistics-Hierarchy.csv"),
+      ElementsAre("Time Saved,Physical Address,Logical Address,Total Packets,Total Bytes,Total Packets,Total Bytes,"
+                  "Packets Received,Bytes Received,Packets Sent,Bytes Sent,",
+                  std::string(kSaved) + ",2.0.0.0.0.1,10.0.0.1,100,1000,3,30,2,20,1,10",
+                  std::string(kSaved) + ",,10.0.0.1,100,1000,5,0,0,0,5,0"));
+}
+
+TEST_F(NodeFilesTest, MissingObjectsSkipTheirFilesOnly) {
+  AddBusyNode();
+  engine.live.missing = {kHierarchyCategory.identifier};
+  ASSERT_EQ(Output(), S_OK);
+  EXPECT_FALSE(folder.Has("Node Statistics-Hierarchy.csv"));
+  EXPECT_EQ(FileLines(kIpFile).size(), 2U);
+
+  engine.live.missing = {kNodeCategory.identifier};
+  ASSERT_EQ(Output(), S_OK);
+  EXPECT_EQ(FileLines(kIpFile).size(), 2U);
+  EXPECT_TRUE(folder.Has("Node Statistics-Hierarchy.csv"));
+}
+
+TEST_F(NodeFilesTest, FailingQueryEndsItsFileAndKeepsTheRowsBefore) {
+  for (int i = 1; i <= 5; ++i) AddNode(engine.live.AddIp(10, 0, 0, static_cast<std::uint8_t>(i)), 1);
+  AddNode(engine.live.AddPhysical(0x020000000001), 2);
+  SwitchColumnsOff();
+  engine.Fail("INodeStats::FindByAddress", 3, E_OUTOFMEMORY);
+  ASSERT_EQ(Output(), S_OK);
+  EXPECT_EQ(FileLines(kIpFile).size(), 3U);
+  EXPECT_EQ(FileLines("Node Statistics-Physical.csv").size(), 2U) << "the next file is still written";
+  const auto report = std::ranges::find(engine.files, folder.ReportFolder() + u"Node Statistics-IP.csv",
+                                        &ScriptedEngine::FileReport::path);
+  ASSERT_NE(report, engine.files.end());
+  EXPECT_EQ(report->status, E_OUTOFMEMORY);
+  EXPECT_EQ(report->rows, 2U);
+}
+
+TEST_F(NodeFilesTest, RowsWithinARowThatFailsAreNotLeftInPieces) {
+  for (int i = 1; i <= 3; ++i) AddNode(engine.live.AddIp(10, 0, 0, static_cast<std::uint8_t>(i)), 1);
+  SwitchColumnsOff();
+  engine.Fail("IAddressNameService::AppendAddressText", 2, E_FAIL);
+  ASSERT_EQ(Output(), S_OK);
+  EXPECT_THAT(FileLines(kIpFile), ElementsAre(testing::_, std::string(kSaved) + ",10.0.0.1,1,0"));
+}
+
+}  // namespace
+}  // namespace orvo::test

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "platform/clock.h"
+#include "prefs/stats_output_prefs.h"
+#include "prefs/switch_id.h"
+#include "tests/support/scripted_engine.h"
+#include "tests/support/temporary_folder.h"
+#include "text/csv_stats_output.h"
+
+namespace orvo::test {
+
+/// 2026-11-22 14:05:09 UTC, and so many seconds later.
+inline std::uint64_t Moment(std::int64_t seconds = 0) {
+  return TimeFromUnix((1'795'356'309 + seconds) * 1'000'000'000);
+}
+
+/// A text report from a scripted engine into a folder of its own.
+class TextReportTest : public testing::Test {
+ protected:
+  TextReportTest() {
+    engine.snapshot_time = Moment();
+    EXPECT_EQ(CreateCsvStatsOutput(IStatsOutputMethod::kIid, method.OutVoid()), S_OK);
+    EXPECT_EQ(CreateStatsOutputPrefs(IStatsOutputPrefs::kIid, preferences.OutVoid()), S_OK);
+    SetFormat(u".csv", u",");
+  }
+
+  void SetFormat(std::u16string_view extension, std::u16string_view separator) {
+    EXPECT_EQ(method->SetFormat(Bstr(extension).get(), Bstr(separator).get(), preferences.get(), nullptr), S_OK);
+  }
+
+  Status Output() { return method->Output(Bstr(folder.ReportFolder()).get(), engine.Context().get(), nullptr); }
+  Status OutputLive() { return method->OutputLive(engine.Context().get(), Bstr(folder.ReportFolder()).get(), nullptr); }
+
+  std::vector<std::string> FileLines(const std::string& name) const { return Lines(folder.Read(name)); }
+
+  TemporaryFolder folder;
+  ScriptedEngine engine;
+  ComPtr<IStatsOutputMethod> method;
+  ComPtr<IStatsOutputPrefs> preferences;
+};
+
+}  // namespace orvo::test
