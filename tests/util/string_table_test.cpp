@@ -1,0 +1,53 @@
+#include "util/string_table.h"
+
+#include <gtest/gtest.h>
+
+namespace orvo {
+namespace {
+
+TEST(StringTable, KnowsTextsByIdentifier) {
+  const struct {
+    std::uint32_t identifier;
+    std::uint32_t constant;
+    const char* text;
+  } cases[] = {
+      {100, kStrProjectName, "OrvoReports"},
+      {200, kStrWirelessStatistics, "Wireless Statistics"},
+      {204, kStrChannelTotalPackets, "Total Packets"},
+      {215, kStrDaysAndTime, "%sd %s"},
+      {228, kStrTotalBytes, "Total Bytes"},
+      {229, kStrTotalPackets, "Total Packets"},
+      {258, kStrCurSignal, "Cur. Signal"},
+      {272, kStrAvgSignalDbm, "Avg. Signal dBm"},
+      {291, kStrRatePackets, "%s Mbits/s Packets"},
+      {300, kStrChannelTotalBytes, "Total Bytes"},
+      {310, kStrNodeProtocolDetailStatistics, "Node-Protocol Detail Statistics"},
+      {320, kStrWindow12Hours, "12 Hour Window (5 Minute Average)"},
+      {326, kStrWindow2Minutes, "2 Minute Window (1 Second Average)"},
+      {333, kStrVoipMediaStatistics, "VoIP Media Statistics"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(c.constant, c.identifier);
+    EXPECT_EQ(AsciiTextOf(c.identifier), c.text);
+  }
+}
+
+TEST(StringTable, BothFormsAgreeAndAreClosedByZero) {
+  for (std::uint32_t identifier = 200; identifier <= 333; ++identifier) {
+    std::string_view bytes = AsciiTextOf(identifier);
+    std::u16string_view text = TextOf(identifier);
+    EXPECT_FALSE(bytes.empty()) << identifier;
+    EXPECT_EQ(std::u16string(bytes.begin(), bytes.end()), text) << identifier;
+    EXPECT_EQ(*(text.data() + text.size()), u'\0') << identifier;
+  }
+}
+
+TEST(StringTable, HasNothingElse) {
+  for (std::uint32_t identifier : {0U, 99U, 101U, 199U, 334U, 0xFFFFFFFFU}) {
+    EXPECT_TRUE(TextOf(identifier).empty()) << identifier;
+    EXPECT_TRUE(AsciiTextOf(identifier).empty()) << identifier;
+  }
+}
+
+}  // namespace
+}  // namespace orvo
