@@ -83,7 +83,7 @@ struct Writer {
     ComPtr<IStatsOutputPrefs> switches;
     if (Failed(CreateStatsOutputPrefs(IStatsOutputPrefs::kIid, switches.OutVoid()))) std::abort();
     for (SwitchId off :
-         {OutputNodeHierarchy, NodeTypeIPv6, NodeTypeDEC, NodeTypeApple, NodeTypeIPX, NodeTypePhysical}) {
+         {kSwitchOutputNodeHierarchy, kSwitchNodeTypeIPv6, kSwitchNodeTypeDEC, kSwitchNodeTypeApple, kSwitchNodeTypeIPX, kSwitchNodeTypePhysical}) {
       switches->SetPreference(off, 0);
     }
     method->SetFormat(Bstr(u".csv").get(), Bstr(u",").get(), switches.get(), nullptr);
@@ -142,8 +142,9 @@ class BareLoop {
     if (day != day_) {
       day_ = day;
       std::time_t seconds = day * 86'400;
-      char date[32];
-      date_.assign(date, std::strftime(date, sizeof date, "%-m/%-d/%Y ", gmtime(&seconds)));
+      const std::tm* date = gmtime(&seconds);
+      date_ = std::to_string(date->tm_mon + 1) + "/" + std::to_string(date->tm_mday) + "/" +
+              std::to_string(date->tm_year + 1900) + " ";
     }
     Text(date_);
     Two(local % 86'400 / 3600);

@@ -64,13 +64,14 @@ void ReadCapture(const MakeOptions& options, CaptureEngine& engine) {
   constexpr std::uint64_t kPacketsBetweenLooks = 4096;
   std::uint64_t packets = 0;
   for (Packet packet; source->Next(&packet);) {
-    engine.Add(packet);
+    engine.Feed(packet);
     if (++packets % kPacketsBetweenLooks == 0) {
       const SourceProgress read = source->progress();
       progress.Update(read.bytes_read, read.bytes_total, packets);
     }
   }
   progress.Clear();
+  engine.SetDropped(source->dropped());
   if (const SourceError& warning = source->warning(); Failed(warning.status)) PrintWarning(warning.message);
 }
 
@@ -108,7 +109,8 @@ int Make(const MakeOptions& options) {
   const std::vector<const Format*> formats = ParseFormats(options.formats);
   ComPtr<IStatsOutputPrefs> preferences = LoadPreferences(options.settings);
 
-  CaptureEngine engine({.plain_names = options.no_names});
+  CaptureEngine engine({.plain_addresses = options.no_names});
+  Require(engine.RegisterClasses(), "the capture engine");
   ReadCapture(options, engine);
   bool all_written = true;
   for (const Format* format : formats) {

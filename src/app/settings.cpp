@@ -17,19 +17,21 @@ namespace orvo::app {
 namespace {
 
 constexpr const char16_t* kRootElement = u"OrvoSettings";
-constexpr const char16_t* kSwitchesElement = u"StatsOutputPrefs";
+constexpr const char16_t* kSwitchesNode = u"StatsOutputPrefs";
 
 std::u16string Wide(std::string_view ascii) {
   return {ascii.begin(), ascii.end()};
 }
 
+std::string_view GroupElement(const Switch& entry) { return kSwitchGroupElements[static_cast<std::size_t>(entry.group)]; }
+
 /// The node below which the switches lie: the document itself or its root.
 ComPtr<IXmlNode> SettingsNode(IXmlDocument& document, const std::string& file) {
   ComPtr<IXmlNode> found;
-  if (document.SelectSingleNode(kSwitchesElement, found.Out()) == S_OK) return ComPtr<IXmlNode>(&document);
+  if (document.SelectSingleNode(kSwitchesNode, found.Out()) == S_OK) return ComPtr<IXmlNode>(&document);
   ComPtr<IXmlNode> root;
   if (document.SelectSingleNode(kRootElement, root.Out()) == S_OK &&
-      root->SelectSingleNode(kSwitchesElement, found.Out()) == S_OK) {
+      root->SelectSingleNode(kSwitchesNode, found.Out()) == S_OK) {
     return root;
   }
   throw CommandError(kFailed, fmt::format("{}: holds no settings (print a template with: orvo-report settings)", file));
@@ -38,16 +40,16 @@ ComPtr<IXmlNode> SettingsNode(IXmlDocument& document, const std::string& file) {
 /// The name of the switch whose value in the document is no number, empty when all are.
 std::string BadSwitch(IXmlNode& node) {
   ComPtr<IXmlNode> switches;
-  if (node.SelectSingleNode(kSwitchesElement, switches.Out()) != S_OK) return {};
-  for (const SwitchEntry& entry : kSwitchTable) {
+  if (node.SelectSingleNode(kSwitchesNode, switches.Out()) != S_OK) return {};
+  for (const Switch& entry : kSwitches) {
     ComPtr<IXmlNode> group;
     ComPtr<IXmlElement> element;
-    if (switches->SelectSingleNode(Wide(entry.group).c_str(), group.Out()) != S_OK) continue;
+    if (switches->SelectSingleNode(Wide(GroupElement(entry)).c_str(), group.Out()) != S_OK) continue;
     if (Failed(Query(group.get(), &element))) continue;
     Variant text;
     Variant number;
-    if (element->GetAttribute(Wide(entry.attribute).c_str(), &text) != S_OK) continue;
-    if (Failed(ChangeType(&number, text, VT_I4))) return fmt::format("{}=\"{}\"", entry.attribute, ToUtf8(text.text()));
+    if (element->GetAttribute(Wide(entry.name).c_str(), &text) != S_OK) continue;
+    if (Failed(ChangeType(&number, text, VT_I4))) return fmt::format("{}=\"{}\"", entry.name, ToUtf8(text.text()));
   }
   return {};
 }
@@ -72,9 +74,9 @@ void LoadFile(IStatsOutputPrefs& preferences, const std::string& file) {
   Require(status, file);
 }
 
-const SwitchEntry& FindSwitch(std::string_view name) {
-  auto found = std::ranges::find(kSwitchTable, name, &SwitchEntry::attribute);
-  if (found != std::end(kSwitchTable)) return *found;
+const Switch& FindSwitch(std::string_view name) {
+  auto found = std::ranges::find(kSwitches, name, &Switch::name);
+  if (found != kSwitches.end()) return *found;
   throw CommandError(kUsage,
                      fmt::format("--set {}: there is no such switch (list them with: orvo-report settings)", name));
 }
@@ -84,7 +86,7 @@ void Assign(IStatsOutputPrefs& preferences, const std::string& assignment) {
   if (equals == std::string::npos) {
     throw CommandError(kUsage, fmt::format("--set {}: must read NAME=VALUE", assignment));
   }
-  const SwitchEntry& entry = FindSwitch(std::string_view(assignment).substr(0, equals));
+  const Switch& entry = FindSwitch(std::string_view(assignment).substr(0, equals));
   const std::string_view text = std::string_view(assignment).substr(equals + 1);
   std::int32_t value = 0;
   auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -105,18 +107,17 @@ ComPtr<IStatsOutputPrefs> LoadPreferences(const SettingsOptions& options) {
 
 std::string SettingsDocument(IStatsOutputPrefs& preferences) {
   std::string text = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<OrvoSettings>\n  <StatsOutputPrefs>\n";
-  for (auto entry = std::begin(kSwitchTable); entry != std::end(kSwitchTable);) {
-    auto group_end = std::find_if(entry, std::end(kSwitchTable),
-                                  [&](const SwitchEntry& other) { return other.group != entry->group; });
+  for (auto entry = kSwitches.begin(); entry != kSwitches.end();) {
+    const auto group = entry;
+    const auto group_end =
+        std::find_if(group, kSwitches.end(), [&](const Switch& other) { return other.group != group->group; });
     text += "    <!--\n";
-    for (auto line = entry; line != group_end; ++line) {
-      text += fmt::format("      {}: {}\n", line->attribute, line->explanation);
-    }
-    text += fmt::format("    -->\n    <{}", entry->group);
-    for (; entry != group_end; ++entry) {
+    for (; entry != group_end; ++entry) text += fmt::format("      {}: {}\n", entry->name, entry->explanation);
+    text += fmt::format("    -->\n    <{}", GroupElement(*group));
+    for (entry = group; entry != group_end; ++entry) {
       std::int32_t value = 0;
-      Require(preferences.GetPreference(entry->identifier, &value), entry->attribute);
-      text += fmt::format("\n      {}=\"{}\"", entry->attribute, value);
+      Require(preferences.GetPreference(entry->identifier, &value), entry->name);
+      text += fmt::format("\n      {}=\"{}\"", entry->name, value);
     }
     text += "/>\n";
   }

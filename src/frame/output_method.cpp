@@ -11,7 +11,6 @@
 namespace orvo {
 
 OutputMethod::OutputMethod(const MethodTraits& traits) : traits_(traits) {
-  Check(lock_.Initialise());
   Check(CreateInstance(kProtocolNameServiceClass, &protocol_names_));
 }
 
@@ -66,12 +65,12 @@ Status OutputMethod::GetClassID(Guid* class_id) {
 }
 
 Status OutputMethod::Load(IUnknown* document, IUnknown* node) {
-  std::scoped_lock hold(lock_);
+  std::scoped_lock hold(lock());
   return LoadMethodElement(document, node, traits_.settings_element, traits_.is_text_method);
 }
 
 Status OutputMethod::Save(IUnknown* document, IUnknown* node) {
-  std::scoped_lock hold(lock_);
+  std::scoped_lock hold(lock());
   return SaveMethodElement(document, node, traits_.settings_element, traits_.is_text_method);
 }
 

@@ -1,15 +1,12 @@
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <string>
 
 #include "engine/protocols.h"
 #include "frame/stats_output_method.h"
 #include "graphs/report_util.h"
-#include "platform/lock.h"
-#include "platform/object.h"
-#include "util/module_count.h"
+#include "util/component_object.h"
 #include "util/persist_xml.h"
 
 namespace orvo {
@@ -36,9 +33,9 @@ struct ReportJob {
 
 /// The part that all output methods share: their state, and how a report comes about. A class derived from it writes
 /// the report itself. The object is used by one thread at a time; only Load and Save take its lock.
-class OutputMethod : public Object<IStatsOutputMethod, IPersistXml> {
+class OutputMethod : public ComponentObject<IStatsOutputMethod, IPersistXml> {
  public:
-  /// Raises the status of whatever cannot be made: the object lock, the name services.
+  /// Raises the status with which a name service cannot be created.
   explicit OutputMethod(const MethodTraits& traits);
 
   Status Output(BSTR folder, IStatsContext* context, IGraphCollection* graphs) final;
@@ -68,9 +65,7 @@ class OutputMethod : public Object<IStatsOutputMethod, IPersistXml> {
   IProtocolNameService& protocol_names() const { return *protocol_names_; }
 
  private:
-  ModuleCount count_;
   const MethodTraits& traits_;
-  CriticalSection lock_;
   std::uint64_t time_mark_ = 0;
   ComPtr<IStatsOutputPrefs> preferences_;
   std::uint32_t interval_ = 0;

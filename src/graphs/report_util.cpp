@@ -58,7 +58,7 @@ std::u16string ReportUtil::RateTitle(std::uint32_t rate, RateTitleKind kind) {
   return title;
 }
 
-bool ReportUtil::LacksSite(IStatsContext* live) {
+bool ReportUtil::LacksSite(IUnknown* live) {
   ComPtr<IObjectWithSite> with_site;
   if (Failed(Query(live, &with_site)) || !with_site) return true;
   ComPtr<IEngineSite> site;

@@ -37,7 +37,7 @@ class ReportUtil {
   static std::u16string RateTitle(std::uint32_t rate, RateTitleKind kind);
 
   /// True when the context has no site, or one that does not show that a capture is running behind it.
-  static bool LacksSite(IStatsContext* live);
+  static bool LacksSite(IUnknown* live);
 
  private:
   ComPtr<IAddressNameService> names_;

@@ -2,7 +2,7 @@
 
 #include "platform/code_page.h"
 #include "platform/error.h"
-#include "prefs/switch_id.h"
+#include "prefs/switch_ids.h"
 #include "text/node_files.h"
 #include "text/summary_file.h"
 #include "text/text_report.h"
@@ -24,7 +24,7 @@ struct Section {
 
 constexpr Section kSections[] = {
     {kNoGate, WriteSummaryFile},
-    {OutputNodeStats, WriteNodeFiles},
+    {kSwitchOutputNodeStats, WriteNodeFiles},
 };
 
 }  // namespace
@@ -56,8 +56,6 @@ void CSVStatsOutput::WriteReport(const ReportJob& job) {
   }
 }
 
-Status CreateCsvStatsOutput(const Guid& iid, void** out) {
-  return Guard([&] { return MakeObject<CSVStatsOutput>()->QueryInterface(iid, out); });
-}
+Status CreateCsvStatsOutput(const Guid& iid, void** out) { return CreateComponentObject<CSVStatsOutput>(iid, out); }
 
 }  // namespace orvo

@@ -1,7 +1,7 @@
 #include "text/node_files.h"
 
 #include "platform/error.h"
-#include "prefs/switch_id.h"
+#include "prefs/switch_ids.h"
 #include "statistics/node_values.h"
 #include "text/columns.h"
 #include "text/hierarchy_file.h"
@@ -16,22 +16,22 @@ using node_values::MinSize;
 using node_values::Time;
 
 constexpr Column<NodeEntry> kNodeColumns[] = {
-    {kStrFirstTimeSent, NodeFirstTime, Time<&NodeEntry::first_time_sent>},
-    {kStrLastTimeSent, NodeLastTime, Time<&NodeEntry::last_time_sent>},
-    {kStrFirstTimeReceived, NodeFirstTime, Time<&NodeEntry::first_time_received>},
-    {kStrLastTimeReceived, NodeLastTime, Time<&NodeEntry::last_time_received>},
-    {kStrPacketsSent, NodePackets, Count<&NodeEntry::packets_sent>},
+    {kStrFirstTimeSent, kSwitchNodeFirstTime, Time<&NodeEntry::first_time_sent>},
+    {kStrLastTimeSent, kSwitchNodeLastTime, Time<&NodeEntry::last_time_sent>},
+    {kStrFirstTimeReceived, kSwitchNodeFirstTime, Time<&NodeEntry::first_time_received>},
+    {kStrLastTimeReceived, kSwitchNodeLastTime, Time<&NodeEntry::last_time_received>},
+    {kStrPacketsSent, kSwitchNodePackets, Count<&NodeEntry::packets_sent>},
     {kStrBytesSent, kAlways, Count<&NodeEntry::bytes_sent>},
-    {kStrPacketsReceived, NodePackets, Count<&NodeEntry::packets_received>},
+    {kStrPacketsReceived, kSwitchNodePackets, Count<&NodeEntry::packets_received>},
     {kStrBytesReceived, kAlways, Count<&NodeEntry::bytes_received>},
-    {kStrBroadcastPackets, NodeBroadPackets, Count<&NodeEntry::broadcast_packets>},
-    {kStrBroadcastBytes, NodeBroadBytes, Count<&NodeEntry::broadcast_bytes>},
-    {kStrMulticastPackets, NodeMultiPackets, Count<&NodeEntry::multicast_packets>},
-    {kStrMulticastBytes, NodeMultiBytes, Count<&NodeEntry::multicast_bytes>},
-    {kStrMinSizeSent, NodeMinSize, MinSize<&NodeEntry::min_size_sent>},
-    {kStrMaxSizeSent, NodeMaxSize, MaxSize<&NodeEntry::max_size_sent>},
-    {kStrMinSizeReceived, NodeMinSize, MinSize<&NodeEntry::min_size_received>},
-    {kStrMaxSizeReceived, NodeMaxSize, MaxSize<&NodeEntry::max_size_received>},
+    {kStrBroadcastPackets, kSwitchNodeBroadPackets, Count<&NodeEntry::broadcast_packets>},
+    {kStrBroadcastBytes, kSwitchNodeBroadBytes, Count<&NodeEntry::broadcast_bytes>},
+    {kStrMulticastPackets, kSwitchNodeMultiPackets, Count<&NodeEntry::multicast_packets>},
+    {kStrMulticastBytes, kSwitchNodeMultiBytes, Count<&NodeEntry::multicast_bytes>},
+    {kStrMinSizeSent, kSwitchNodeMinSize, MinSize<&NodeEntry::min_size_sent>},
+    {kStrMaxSizeSent, kSwitchNodeMaxSize, MaxSize<&NodeEntry::max_size_sent>},
+    {kStrMinSizeReceived, kSwitchNodeMinSize, MinSize<&NodeEntry::min_size_received>},
+    {kStrMaxSizeReceived, kSwitchNodeMaxSize, MaxSize<&NodeEntry::max_size_received>},
 };
 
 struct NodeFamily {
@@ -41,9 +41,9 @@ struct NodeFamily {
 };
 
 constexpr NodeFamily kFamilies[] = {
-    {NodeTypeIP, kStrIp, kAddressIp},          {NodeTypeIPv6, kStrIpv6, kAddressIpv6},
-    {NodeTypeDEC, kStrDecnet, kAddressDecnet}, {NodeTypeApple, kStrAppleTalk, kAddressAppleTalk},
-    {NodeTypeIPX, kStrIpx, kAddressIpx},       {NodeTypePhysical, kStrPhysical, kAddressPhysical},
+    {kSwitchNodeTypeIP, kStrIp, kAddressIp},          {kSwitchNodeTypeIPv6, kStrIpv6, kAddressIpv6},
+    {kSwitchNodeTypeDEC, kStrDecnet, kAddressDecnet}, {kSwitchNodeTypeApple, kStrAppleTalk, kAddressAppleTalk},
+    {kSwitchNodeTypeIPX, kStrIpx, kAddressIpx},       {kSwitchNodeTypePhysical, kStrPhysical, kAddressPhysical},
 };
 
 std::string NodeHeader(const TextReport& report, const ColumnSet<NodeEntry>& columns) {
@@ -95,7 +95,7 @@ void WriteFamilyFile(TextReport& report, const NodeFamily& family) {
 }  // namespace
 
 void WriteNodeFiles(TextReport& report) {
-  if (report.IsOn(OutputNodeHierarchy)) (void)Guard([&] { WriteHierarchyFile(report); });
+  if (report.IsOn(kSwitchOutputNodeHierarchy)) (void)Guard([&] { WriteHierarchyFile(report); });
   for (const NodeFamily& family : kFamilies) {
     if (report.IsOn(family.gate)) (void)Guard([&] { WriteFamilyFile(report, family); });
   }

@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "platform/error.h"
-#include "prefs/switch_id.h"
+#include "prefs/switch_ids.h"
 #include "statistics/summary_reader.h"
 #include "text/section_file.h"
 #include "util/date_time.h"
@@ -17,11 +17,11 @@ namespace {
 /// One statistic as its row needs it: the text that stands in every value column, or the counts that each column takes
 /// its own figure from. A kind that is unknown has neither.
 struct SummaryRow {
-  std::u16string text;
-  std::optional<std::uint64_t> integer;
-  std::optional<double> real;
-  std::optional<std::uint64_t> packets;
-  std::optional<std::uint64_t> bytes;
+  std::u16string text{};
+  std::optional<std::uint64_t> integer{};
+  std::optional<double> real{};
+  std::optional<std::uint64_t> packets{};
+  std::optional<std::uint64_t> bytes{};
   const ReferenceTotals& totals;
   bool has_values = true;
 };
@@ -50,11 +50,11 @@ Value Rate(std::uint64_t count, const ReferenceTotals& totals) {
 constexpr int kAlwaysOn = -1;
 constexpr SummaryColumn kColumns[] = {
     {"Bytes", kAlwaysOn, &SummaryRow::bytes, Plain},
-    {"Packets", SumPackets, &SummaryRow::packets, Plain},
-    {"PctBytes", SumPctBytes, &SummaryRow::bytes, PctOfBytes},
-    {"PctPackets", SumPctPackets, &SummaryRow::packets, PctOfPackets},
-    {"BytesPerSec", SumBytespSec, &SummaryRow::bytes, Rate},
-    {"PktsPerSec", SumPacketspSec, &SummaryRow::packets, Rate},
+    {"Packets", kSwitchSumPackets, &SummaryRow::packets, Plain},
+    {"PctBytes", kSwitchSumPctBytes, &SummaryRow::bytes, PctOfBytes},
+    {"PctPackets", kSwitchSumPctPackets, &SummaryRow::packets, PctOfPackets},
+    {"BytesPerSec", kSwitchSumBytespSec, &SummaryRow::bytes, Rate},
+    {"PktsPerSec", kSwitchSumPacketspSec, &SummaryRow::packets, Rate},
 };
 
 /// Sorts a value into what the row needs of it.

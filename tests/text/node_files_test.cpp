@@ -13,9 +13,9 @@ using testing::IsEmpty;
 
 constexpr const char* kIpFile = "Node Statistics-IP.csv";
 constexpr const char* kSaved = "11/22/2026 14:05:09";
-constexpr std::uint32_t kNodeColumnSwitches[] = {NodePackets,      NodeFirstTime,    NodeLastTime,
-                                                 NodeBroadBytes,   NodeBroadPackets, NodeMultiBytes,
-                                                 NodeMultiPackets, NodeMinSize,      NodeMaxSize};
+constexpr std::uint32_t kNodeColumnSwitches[] = {kSwitchNodePackets,      kSwitchNodeFirstTime,    kSwitchNodeLastTime,
+                                                 kSwitchNodeBroadBytes,   kSwitchNodeBroadPackets, kSwitchNodeMultiBytes,
+                                                 kSwitchNodeMultiPackets, kSwitchNodeMinSize,      kSwitchNodeMaxSize};
 
 class NodeFilesTest : public TextReportTest {
  protected:
@@ -84,15 +84,15 @@ TEST_F(NodeFilesTest, SwitchesDecideEachColumn) {
     std::uint32_t id;
     const char* titles;
   } const cases[] = {
-      {NodePackets, "Packets Sent,Bytes Sent,Packets Received,Bytes Received"},
-      {NodeFirstTime, "First Time Sent,First Time Received,Bytes Sent,Bytes Received"},
-      {NodeLastTime, "Last Time Sent,Last Time Received,Bytes Sent,Bytes Received"},
-      {NodeBroadPackets, "Bytes Sent,Bytes Received,Broadcast Packets"},
-      {NodeBroadBytes, "Bytes Sent,Bytes Received,Broadcast Bytes"},
-      {NodeMultiPackets, "Bytes Sent,Bytes Received,Multicast Packets"},
-      {NodeMultiBytes, "Bytes Sent,Bytes Received,Multicast Bytes"},
-      {NodeMinSize, "Bytes Sent,Bytes Received,Min Size Sent,Min Size Received"},
-      {NodeMaxSize, "Bytes Sent,Bytes Received,Max Size Sent,Max Size Received"},
+      {kSwitchNodePackets, "Packets Sent,Bytes Sent,Packets Received,Bytes Received"},
+      {kSwitchNodeFirstTime, "First Time Sent,First Time Received,Bytes Sent,Bytes Received"},
+      {kSwitchNodeLastTime, "Last Time Sent,Last Time Received,Bytes Sent,Bytes Received"},
+      {kSwitchNodeBroadPackets, "Bytes Sent,Bytes Received,Broadcast Packets"},
+      {kSwitchNodeBroadBytes, "Bytes Sent,Bytes Received,Broadcast Bytes"},
+      {kSwitchNodeMultiPackets, "Bytes Sent,Bytes Received,Multicast Packets"},
+      {kSwitchNodeMultiBytes, "Bytes Sent,Bytes Received,Multicast Bytes"},
+      {kSwitchNodeMinSize, "Bytes Sent,Bytes Received,Min Size Sent,Min Size Received"},
+      {kSwitchNodeMaxSize, "Bytes Sent,Bytes Received,Max Size Sent,Max Size Received"},
   };
   for (const auto& one : cases) {
     std::filesystem::remove(folder.Path(kIpFile));
@@ -123,13 +123,13 @@ TEST_F(NodeFilesTest, EachFamilyHasItsFileInTheOrderOfTheAddressTable) {
 
 TEST_F(NodeFilesTest, SwitchesDecideEachFile) {
   const std::pair<std::uint32_t, const char*> files[] = {
-      {OutputNodeHierarchy, "Node Statistics-Hierarchy.csv"},
-      {NodeTypeIP, kIpFile},
-      {NodeTypeIPv6, "Node Statistics-IPv6.csv"},
-      {NodeTypeDEC, "Node Statistics-DECnet.csv"},
-      {NodeTypeApple, "Node Statistics-AppleTalk.csv"},
-      {NodeTypeIPX, "Node Statistics-IPX.csv"},
-      {NodeTypePhysical, "Node Statistics-Physical.csv"},
+      {kSwitchOutputNodeHierarchy, "Node Statistics-Hierarchy.csv"},
+      {kSwitchNodeTypeIP, kIpFile},
+      {kSwitchNodeTypeIPv6, "Node Statistics-IPv6.csv"},
+      {kSwitchNodeTypeDEC, "Node Statistics-DECnet.csv"},
+      {kSwitchNodeTypeApple, "Node Statistics-AppleTalk.csv"},
+      {kSwitchNodeTypeIPX, "Node Statistics-IPX.csv"},
+      {kSwitchNodeTypePhysical, "Node Statistics-Physical.csv"},
   };
   for (const auto& [id, name] : files) preferences->SetPreference(id, 0);
   for (const auto& [id, name] : files) {
@@ -140,7 +140,7 @@ TEST_F(NodeFilesTest, SwitchesDecideEachFile) {
     preferences->SetPreference(id, 0);
   }
   preferences->SetDefaults();
-  preferences->SetPreference(OutputNodeStats, 0);
+  preferences->SetPreference(kSwitchOutputNodeStats, 0);
   ASSERT_EQ(Output(), S_OK);
   EXPECT_THAT(folder.Names(), ElementsAre("Summary Statistics.csv"));
 }

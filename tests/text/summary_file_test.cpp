@@ -17,7 +17,7 @@ constexpr Guid kGroup = "11111111-0000-0000-0000-000000000001"_guid;
 class SummaryFileTest : public TextReportTest {
  protected:
   SummaryFileTest() {
-    preferences->SetPreference(OutputNodeStats, 0);
+    preferences->SetPreference(kSwitchOutputNodeStats, 0);
     engine.live.group_names[kGroup] = u"General";
     engine.live.total_packets = 200;
     engine.live.total_bytes = 1000;
@@ -74,7 +74,7 @@ TEST_F(SummaryFileTest, SwitchesDecideColumnsAndStatisticsWithoutValueLeaveNoRow
   EXPECT_EQ(FileLines(kFile).at(0),
             "Time Saved,Group,Statistic,Bytes,Packets,PctBytes,PctPackets,BytesPerSec,PktsPerSec");
 
-  const std::uint32_t all[] = {SumPackets, SumPctBytes, SumPctPackets, SumBytespSec, SumPacketspSec};
+  const std::uint32_t all[] = {kSwitchSumPackets, kSwitchSumPctBytes, kSwitchSumPctPackets, kSwitchSumBytespSec, kSwitchSumPacketspSec};
   const std::pair<const char*, const char*> shown[] = {{",Packets", ",50"},
                                                        {",PctBytes", ",12.500"},
                                                        {",PctPackets", ",25.000"},

@@ -7,7 +7,7 @@
 
 #include "platform/clock.h"
 #include "prefs/stats_output_prefs.h"
-#include "prefs/switch_id.h"
+#include "prefs/switch_ids.h"
 #include "tests/support/scripted_engine.h"
 #include "tests/support/temporary_folder.h"
 #include "text/csv_stats_output.h"

@@ -1,0 +1,224 @@
+// The command as its users meet it: what it prints, what it writes, and how it ends.
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <regex>
+
+#include "tests/support/command.h"
+#include "tests/support/temporary_folder.h"
+
+namespace orvo::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+constexpr const char* kSample = ORVO_SOURCE_DIR "/samples/office.pcapng";
+constexpr const char* kClassic = ORVO_SOURCE_DIR "/samples/nanoseconds.pcap";
+
+std::string Bytes(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// One message, one line, with its sender.
+void ExpectOneMessage(const CommandResult& result, const std::string& part) {
+  EXPECT_THAT(result.messages, AllOf(StartsWith("orvo-report: "), EndsWith("\n"), HasSubstr(part)));
+  EXPECT_EQ(std::ranges::count(result.messages, '\n'), 1) << result.messages;
+}
+
+TEST(CommandTest, WrongUsageIsOneLineAndStatusTwo) {
+  TemporaryFolder folder;
+  struct {
+    std::vector<std::string> arguments;
+    const char* message;
+  } const cases[] = {
+      {{}, "subcommand"},
+      {{"mkae"}, "mkae"},
+      {{"make"}, "CAPTURE"},
+      {{"make", kSample}, "--out"},
+      {{"make", kSample, "--out", folder.Path(), "--bogus"}, "--bogus"},
+      {{"make", kSample, "--out", folder.Path(), "--format", "csv,doc"}, "--format doc: there is no such format"},
+      {{"make", kSample, "--out", folder.Path(), "--format", ""}, "--format"},
+      {{"make", kSample, "--out", folder.Path(), "--set", "NodeNmae=1"}, "--set NodeNmae: there is no such switch"},
+      {{"make", kSample, "--out", folder.Path(), "--set", "NodeName"}, "must read NAME=VALUE"},
+      {{"make", kSample, "--out", folder.Path(), "--set", "NodeName=yes"}, "whole number"},
+      {{"make", kSample, "--out", folder.Path(), "--set", "NodeName=99999999999"}, "whole number"},
+      {{"make", kSample, "--out", folder.Path(), "--locale", "xx_YY"}, "--locale xx_YY"},
+      {{"make", kSample, "--out", folder.Path(), "--code-page", "klingon"}, "--code-page klingon"},
+      {{"make", kSample, "--out", folder.Path(), "--code-page", "UTF-16"}, "--code-page UTF-16"},
+      {{"settings", "--set", "x\x1b[31my=1"}, "x?[31my"},
+  };
+  for (const auto& one : cases) {
+    const CommandResult result = RunCommand(one.arguments);
+    EXPECT_EQ(result.exit_status, 2) << result.messages;
+    EXPECT_EQ(result.output, "");
+    ExpectOneMessage(result, one.message);
+  }
+  EXPECT_THAT(folder.Names(), testing::IsEmpty()) << "nothing is written before the words are understood";
+}
+
+TEST(CommandTest, HelpIsThereForEveryVerb) {
+  for (const std::string verb : {"", "make", "settings", "classes", "register", "unregister"}) {
+    std::vector<std::string> arguments = {"--help"};
+    if (!verb.empty()) arguments.insert(arguments.begin(), verb);
+    const CommandResult result = RunCommand(arguments);
+    EXPECT_EQ(result.exit_status, 0);
+    EXPECT_THAT(result.output, HasSubstr("Usage: orvo-report"));
+    EXPECT_EQ(result.messages, "");
+  }
+  EXPECT_THAT(RunCommand({"--version"}).output, StartsWith("orvo-report "));
+}
+
+TEST(CommandTest, CapturesThatCannotBeReadAreOneLineAndStatusOne) {
+  TemporaryFolder folder;
+  const std::string capture = Bytes(kClassic);
+  folder.Write("empty.pcap", "");
+  folder.Write("text.pcap", "this is no capture at all, whatever its name says");
+  folder.Write("header-cut.pcap", capture.substr(0, 20));
+  struct {
+    std::string path;
+    const char* message;
+  } const cases[] = {
+      {folder.Path("missing.pcap"), "missing.pcap"}, {folder.Path(), folder.Path().c_str()}, {folder.Path("empty.pcap"), "empty"},
+      {folder.Path("text.pcap"), "text.pcap"},       {folder.Path("header-cut.pcap"), "header-cut.pcap"},
+      {"/dev/null/x", "/dev/null/x"},
+  };
+  for (const auto& one : cases) {
+    const CommandResult result = RunCommand({"make", one.path, "--out", folder.Path("out")});
+    EXPECT_EQ(result.exit_status, 1) << one.path << ": " << result.messages;
+    ExpectOneMessage(result, one.message);
+    EXPECT_FALSE(folder.Has("out")) << one.path;
+  }
+}
+
+TEST(CommandTest, ACaptureThatIsCutOffIsReportedAsFarAsItGoes) {
+  TemporaryFolder folder;
+  const std::string capture = Bytes(kClassic);
+  folder.Write("cut.pcap", capture.substr(0, capture.size() - 7));
+  const CommandResult result = RunCommand({"make", folder.Path("cut.pcap"), "--out", folder.Path("out")});
+  EXPECT_EQ(result.exit_status, 0);
+  ExpectOneMessage(result, "warning: ");
+  EXPECT_TRUE(folder.Has("out/Node Statistics-IP.csv"));
+
+  // A record that claims to be longer than any record can be ends the capture there.
+  std::string lying = capture.substr(0, 24);
+  lying.append("\0\0\0\0\0\0\0\0\xff\xff\xff\x7f\xff\xff\xff\x7f", 16);
+  folder.Write("lying.pcap", lying + "abc");
+  const CommandResult lied = RunCommand({"make", folder.Path("lying.pcap"), "--out", folder.Path("out2")});
+  EXPECT_EQ(lied.exit_status, 0);
+  ExpectOneMessage(lied, "warning: ");
+}
+
+TEST(CommandTest, PrintsTheFilesThatItWrote) {
+  TemporaryFolder folder;
+  const CommandResult result = RunCommand({"make", kSample, "--out", folder.Path("a/b"), "--format", "csv,tab,csv"});
+  EXPECT_EQ(result.exit_status, 0) << result.messages;
+  EXPECT_EQ(result.messages, "");
+  EXPECT_TRUE(folder.Has("a/b/csv/Node Statistics-IP.csv"));
+  EXPECT_TRUE(folder.Has("a/b/tab/Node Statistics-IP.txt"));
+  EXPECT_THAT(result.output, HasSubstr(folder.Path("a/b/csv/Node Statistics-IP.csv") + " ("));
+  const CommandResult again = RunCommand({"make", kSample, "--out", folder.Path("a/b/csv")});
+  EXPECT_EQ(again.exit_status, 0);
+  const std::vector<std::string> lines = Lines(folder.Read("a/b/csv/Node Statistics-IP.csv"));
+  EXPECT_EQ(std::ranges::count_if(lines, [](const std::string& line) { return line.starts_with("Time Saved"); }), 1);
+  EXPECT_EQ(lines.size() % 2, 1U) << "the second report adds as many rows as the first";
+}
+
+TEST(CommandTest, OutputFoldersThatCannotBeHadAreOneLineAndStatusOne) {
+  TemporaryFolder folder;
+  folder.Write("file", "");
+  const CommandResult in_file = RunCommand({"make", kSample, "--out", folder.Path("file/out")});
+  EXPECT_EQ(in_file.exit_status, 1);
+  ExpectOneMessage(in_file, "file/out");
+  const CommandResult is_file = RunCommand({"make", kSample, "--out", folder.Path("file")});
+  EXPECT_EQ(is_file.exit_status, 1);
+  ExpectOneMessage(is_file, "file");
+  if (geteuid() != 0) {
+    fs::create_directory(folder.Path("closed"));
+    chmod(folder.Path("closed").c_str(), 0555);
+    const CommandResult closed = RunCommand({"make", kSample, "--out", folder.Path("closed")});
+    EXPECT_EQ(closed.exit_status, 1);
+    EXPECT_THAT(closed.messages, HasSubstr("orvo-report: "));
+  }
+}
+
+TEST(CommandTest, AFileThatCannotBeWrittenIsNamedAndTheOthersAreWritten) {
+  TemporaryFolder folder;
+  fs::create_directory(folder.Path("Node Statistics-IP.csv"));
+  const CommandResult result = RunCommand({"make", kSample, "--out", folder.Path()});
+  EXPECT_EQ(result.exit_status, 1);
+  ExpectOneMessage(result, folder.Path("Node Statistics-IP.csv") + ": ");
+  EXPECT_TRUE(folder.Has("Node Statistics-IPv6.csv"));
+}
+
+TEST(CommandTest, SettingsGoRoundTripAndTellWhatIsWrong) {
+  TemporaryFolder folder;
+  const CommandResult template_document = RunCommand({"settings", "--set", "NodeTypeIPv6=0", "--set", "NodePackets=-7"});
+  ASSERT_EQ(template_document.exit_status, 0) << template_document.messages;
+  folder.Write("settings.xml", template_document.output);
+  EXPECT_EQ(RunCommand({"settings", "--settings", folder.Path("settings.xml")}).output, template_document.output);
+  EXPECT_THAT(template_document.output, AllOf(HasSubstr("NodeTypeIPv6=\"0\""), HasSubstr("NodePackets=\"-7\"")));
+  // Every switch has its sentence.
+  const std::regex attribute("\n      (\\w+)=\"");
+  int switches = 0;
+  for (std::sregex_iterator at(template_document.output.begin(), template_document.output.end(), attribute), end; at != end;
+       ++at, ++switches) {
+    EXPECT_THAT(template_document.output, HasSubstr("      " + (*at)[1].str() + ": "));
+  }
+  EXPECT_EQ(switches, 126);
+
+  EXPECT_EQ(RunCommand({"make", kSample, "--out", folder.Path("out"), "--settings", folder.Path("settings.xml")}).exit_status,
+            0);
+  EXPECT_FALSE(folder.Has("out/Node Statistics-IPv6.csv"));
+
+  folder.Write("not-xml", "<StatsOutputPrefs><NodeStats");
+  folder.Write("other.xml", "<other/>");
+  folder.Write("no-number.xml", "<StatsOutputPrefs><NodeStats NodeName='1' NodePackets='many'/></StatsOutputPrefs>");
+  const std::pair<const char*, const char*> broken[] = {{"not-xml", "XML"},
+                                                        {"other.xml", "no settings"},
+                                                        {"no-number.xml", "NodePackets=\"many\""},
+                                                        {"missing.xml", "missing.xml"}};
+  for (const auto& [name, message] : broken) {
+    const CommandResult result = RunCommand({"settings", "--settings", folder.Path(name)});
+    EXPECT_EQ(result.exit_status, 1) << name;
+    ExpectOneMessage(result, message);
+  }
+}
+
+TEST(CommandTest, ClassesAreFoundBesideTheCommandAndInTheRegistry) {
+  TemporaryFolder folder;
+  const std::vector<std::pair<std::string, std::string>> registry = {{"ORVO_REGISTRY", folder.Path("deep/registry.xml")}};
+  const CommandResult beside = RunCommand({"classes"}, registry);
+  EXPECT_EQ(beside.exit_status, 0) << beside.messages;
+  EXPECT_THAT(beside.output, AllOf(HasSubstr("CSVStatsOutput"), HasSubstr("StatsOutputPrefs"), HasSubstr("beside the command")));
+  EXPECT_FALSE(folder.Has("deep")) << "looking makes no registry";
+
+  EXPECT_EQ(RunCommand({"register"}, registry).exit_status, 0);
+  EXPECT_EQ(RunCommand({"register"}, registry).exit_status, 0) << "again changes nothing";
+  const CommandResult registered = RunCommand({"classes"}, registry);
+  EXPECT_THAT(registered.output, AllOf(HasSubstr("OrvoReports.1"), HasSubstr("registered: "), testing::Not(HasSubstr("beside"))));
+  EXPECT_EQ(RunCommand({"make", kSample, "--out", folder.Path("out")}, registry).exit_status, 0);
+
+  EXPECT_EQ(RunCommand({"unregister"}, registry).exit_status, 0);
+  EXPECT_EQ(RunCommand({"classes"}, registry).output, beside.output);
+}
+
+TEST(CommandTest, OutputThatCannotBePrintedIsAFailure) {
+  const CommandResult result = RunProgram(
+      "/bin/sh", {"-c", std::string(ORVO_BINARY_DIR) + "/bin/orvo-report settings > /dev/full"});
+  EXPECT_EQ(result.exit_status, 1);
+  ExpectOneMessage(result, "standard output");
+}
+
+}  // namespace
+}  // namespace orvo::test

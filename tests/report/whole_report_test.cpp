@@ -1,0 +1,70 @@
+// Whole reports of the samples, compared with reviewed files. ORVO_REWRITE_EXPECTED=1 in the environment writes the files
+// anew instead; read the difference before committing it.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "tests/support/command.h"
+#include "tests/support/temporary_folder.h"
+
+namespace orvo::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Sample {
+  const char* name;     // of the reviewed folder
+  const char* capture;  // below samples/
+  std::vector<std::string> options;
+};
+
+std::ostream& operator<<(std::ostream& out, const Sample& sample) { return out << sample.name; }
+
+class WholeReportTest : public testing::TestWithParam<Sample> {};
+
+std::string Bytes(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+TEST_P(WholeReportTest, IsTheReviewedOne) {
+  const fs::path expected = fs::path(ORVO_SOURCE_DIR "/tests/report/expected") / GetParam().name;
+  TemporaryFolder folder;
+  std::vector<std::string> arguments = {"make", ORVO_SOURCE_DIR "/samples/" + std::string(GetParam().capture), "--out",
+                                        folder.Path()};
+  arguments.insert(arguments.end(), GetParam().options.begin(), GetParam().options.end());
+  const CommandResult result = RunCommand(arguments);
+  ASSERT_EQ(result.exit_status, 0) << result.messages;
+  EXPECT_EQ(result.messages, "");
+
+  if (std::getenv("ORVO_REWRITE_EXPECTED")) {
+    fs::remove_all(expected);
+    fs::create_directories(expected);
+    fs::copy(folder.Path(), expected, fs::copy_options::recursive);
+    return;
+  }
+  std::vector<std::string> reviewed;
+  for (const fs::directory_entry& file : fs::directory_iterator(expected)) reviewed.push_back(file.path().filename());
+  std::ranges::sort(reviewed);
+  EXPECT_EQ(folder.Names(), reviewed);
+  for (const std::string& name : reviewed) EXPECT_EQ(Lines(folder.Read(name)), Lines(Bytes(expected / name))) << name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Samples, WholeReportTest,
+                         testing::Values(Sample{"office", "office.pcapng", {}},
+                                         Sample{"office-german", "office.pcapng", {"--format", "tab", "--locale", "de_DE"}},
+                                         Sample{"ipv6", "ipv6.pcap", {}},
+                                         Sample{"nanoseconds", "nanoseconds.pcap", {"--set", "OutputNodeHierarchy=0"}}),
+                         [](const auto& sample) {
+                           std::string name = sample.param.name;
+                           std::erase(name, '-');
+                           return name;
+                         });
+
+}  // namespace
+}  // namespace orvo::test
