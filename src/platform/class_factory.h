@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <string_view>
+
 #include "platform/export.h"
 #include "platform/unknown.h"
 
@@ -59,6 +62,10 @@ ORVO_PLATFORM_API void FreeUnusedLibraries();
 /// Calls one of the set-up entry points of a library without creating anything from it.
 /// The function's own status, or why it could not be called (library missing, refused, or without that entry).
 ORVO_PLATFORM_API Status CallLibraryEntry(std::u16string_view path, const char* entry);
+
+/// The full path of the library (or program) whose code or data lies at the address, as a path with backslashes; E_FAIL
+/// when nothing is loaded there.
+ORVO_PLATFORM_API Status LibraryPathOf(const void* address, std::u16string* path);
 
 /// The multi-threaded apartment of the process: a thread joins before it uses objects and leaves as often.
 ORVO_PLATFORM_API Status JoinMultithreadedApartment();

@@ -7,12 +7,8 @@
 namespace orvo {
 namespace {
 
-constexpr std::size_t kDriveLimit = 2;
-constexpr std::size_t kPartLimit = 255;
-
-void Cut(std::u16string* text, std::size_t limit) {
-  if (text->size() > limit) text->resize(limit);
-}
+// No system takes a longer path; whoever gives one gets no folder for it.
+constexpr std::size_t kLongestPath = 32767;
 
 }  // namespace
 
@@ -27,7 +23,7 @@ bool FolderExists(std::u16string_view path) {
 }
 
 bool MakeFolders(std::u16string_view path) {
-  if (path.empty()) return false;
+  if (path.empty() || path.size() > kLongestPath) return false;
   std::u16string whole(path);
   if (!whole.ends_with(u'\\')) whole += u'\\';
   bool made = false;
@@ -35,20 +31,11 @@ bool MakeFolders(std::u16string_view path) {
     std::u16string_view prefix = std::u16string_view(whole).substr(0, end);
     if (prefix.empty() || prefix.ends_with(u':')) continue;
     Status status = CreateFolder(prefix);
-    // No longer prefix can succeed, and a path without end is not walked to its end.
+    // No longer prefix can succeed.
     if (status == StatusFromError(kErrorNameTooLong)) return false;
     made = Succeeded(status);
   }
   return made;
-}
-
-PathParts SplitPathParts(std::u16string_view path) {
-  PathParts parts = SplitPath(path);
-  Cut(&parts.drive, kDriveLimit);
-  Cut(&parts.folder, kPartLimit);
-  Cut(&parts.name, kPartLimit);
-  Cut(&parts.extension, kPartLimit);
-  return parts;
 }
 
 }  // namespace orvo

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/locale.h"
+#include "util/ascii.h"
 #include "util/formatting.h"
 
 namespace orvo {
@@ -34,10 +35,6 @@ std::string PrintFixed(double value, int decimals) {
   if (text.size() < 2) text.insert(0, 1, ' ');
   if (text.size() > kFormattedTextLimit) text.resize(kFormattedTextLimit);
   return text;
-}
-
-std::u16string Widen(std::string_view ascii) {
-  return {ascii.begin(), ascii.end()};
 }
 
 std::u16string Group(std::string_view digits, const NumberFormat& format) {
@@ -84,7 +81,7 @@ bool PunctuateNumber(std::string_view number, const NumberFormat& format, std::u
 
   std::u16string text;
   if (whole != "0" || format.leading_zero || fraction.empty()) text = Group(whole, format);
-  if (!fraction.empty()) text += format.decimal + Widen(fraction);
+  if (!fraction.empty()) text += format.decimal + WidenAscii(fraction);
   *out = negative ? MarkNegative(text, format) : text;
   CutFormattedText(out);
   return true;
@@ -96,7 +93,7 @@ Status FormatNumber(double value, int decimals, std::u16string* out) {
   NumberFormat format = user_format;
   format.decimals = std::max(decimals, 0);
   std::string printed = PrintFixed(value, decimals);
-  if (!PunctuateNumber(printed, format, out)) *out = Widen(printed);
+  if (!PunctuateNumber(printed, format, out)) *out = WidenAscii(printed);
   return S_OK;
 }
 

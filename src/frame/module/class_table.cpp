@@ -1,0 +1,32 @@
+#include "frame/module/class_table.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "frame/stats_output_method.h"
+#include "prefs/stats_output_prefs.h"
+#include "text/csv_stats_output.h"
+
+namespace orvo {
+namespace {
+
+constexpr ModuleClass kClasses[] = {
+    // The text method carries the bare name of the project.
+    {kCsvStatsOutputClass, "OrvoReports.1", "OrvoReports", "CSVStatsOutput Class", 102, CreateCsvStatsOutput},
+    {kStatsOutputPrefsClass, "OrvoReports.StatsOutputPrefs.1", "OrvoReports.StatsOutputPrefs", "StatsOutputPrefs Class",
+     104, CreateStatsOutputPrefs},
+};
+static_assert(std::ranges::is_sorted(kClasses, {}, &ModuleClass::script));
+
+}  // namespace
+
+std::span<const ModuleClass> ModuleClasses() {
+  return kClasses;
+}
+
+const ModuleClass* FindModuleClass(const Guid& class_id) {
+  const auto* found = std::ranges::find(kClasses, class_id, &ModuleClass::class_id);
+  return found == std::end(kClasses) ? nullptr : found;
+}
+
+}  // namespace orvo
