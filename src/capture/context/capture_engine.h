@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+#include "capture/source/packet.h"
+#include "engine/context.h"
+#include "engine/graphs.h"
+
+namespace orvo {
+
+struct EngineOptions {
+  /// A capture is running: contexts have a site, and a snapshot's moment is the present instead of the last packet's.
+  bool live = false;
+  /// Texts of addresses are always the addresses themselves, whatever names have been learnt.
+  bool plain_addresses = false;
+  /// Rows that the tables take, as a bound on memory (roughly 250 bytes an address and 100 a row of the other two).
+  /// Packets beyond a limit still count everywhere else, and the summary says how many there were.
+  std::size_t max_addresses = 2'000'000;
+  std::size_t max_hierarchy_rows = 4'000'000;
+  std::size_t max_conversations = 4'000'000;
+  /// Summaries stored by name; storing one more drops the oldest.
+  std::size_t max_stored_summaries = 100;
+};
+
+/// The bundled capture engine: packets in, statistics out.
+///
+/// One thread feeds; contexts and everything that they hand out may be used from any thread, also after the engine is
+/// gone. Feeding never waits for a reader longer than it takes to share a few pointers. What is not marked otherwise
+/// raises std::bad_alloc when memory runs out; a packet in work may then be counted in part.
+class CaptureEngine {
+ public:
+  explicit CaptureEngine(const EngineOptions& options = {});
+  CaptureEngine(const CaptureEngine&) = delete;
+  CaptureEngine& operator=(const CaptureEngine&) = delete;
+  /// Takes back the classes that are still registered.
+  ~CaptureEngine();
+
+  /// Counts one packet. Its bytes are not kept.
+  void Feed(const Packet& packet);
+  /// How many packets the source has lost so far.
+  void SetDropped(std::uint64_t packets);
+  std::uint64_t packets() const;
+
+  /// A context of its own for each caller: what one holds does not change when another begins a report. It answers
+  /// IStatsContext, IStatsSnapshotSource and IObjectWithSite, and IReportObserver while an observer is set.
+  ComPtr<IStatsContext> Context();
+  /// Null: the engine keeps no graphs.
+  ComPtr<IGraphCollection> Graphs() { return nullptr; }
+
+  /// The observer that contexts pass their reports' files on to; null for none. A reference is held.
+  void SetObserver(IReportObserver* observer);
+
+  /// Offers the name services and the snapshot class to this process, until RevokeClasses. Statuses are those of
+  /// RegisterClassObject; after a failure none is registered.
+  Status RegisterClasses();
+  void RevokeClasses();
+
+  /// Keeps the present summary under a name, which reports show beside the current one.
+  void StoreSummary(std::u16string_view name);
+  /// Gives an address a name to be shown in its place. Control characters become question marks. At most 2,000,000
+  /// names are kept; false beyond that, and for an empty name.
+  bool LearnName(const AddressRecord& address, std::u16string_view name);
+
+ private:
+  struct Parts;
+  std::unique_ptr<Parts> parts_;
+};
+
+}  // namespace orvo

@@ -1,0 +1,90 @@
+#include "capture/context/engine_core.h"
+
+#include <utility>
+
+#include "capture/context/summary_statistics.h"
+
+namespace orvo {
+namespace {
+
+constexpr std::u16string_view kPresentName = u"Current";
+
+TableLimits LimitsOf(const EngineOptions& options) {
+  return {options.max_addresses, options.max_hierarchy_rows, options.max_conversations};
+}
+
+}  // namespace
+
+EngineCore::EngineCore(const EngineOptions& options) : options_(options), tables_(LimitsOf(options)) {}
+
+void EngineCore::Feed(const Packet& packet) {
+  DecodePacket(packet, &facts_);
+  std::uint16_t protocol = ProtocolTree::Get().Classify(facts_);
+  std::lock_guard lock(mutex_);
+  ++changes_;
+  tables_.Count(packet, facts_, protocol);
+  packets_.fetch_add(1, std::memory_order_relaxed);
+}
+
+void EngineCore::SetDropped(std::uint64_t packets) {
+  std::lock_guard lock(mutex_);
+  ++changes_;
+  tables_.SetDropped(packets);
+}
+
+void EngineCore::Reset() {
+  std::lock_guard lock(mutex_);
+  ++changes_;
+  tables_.Reset();
+  packets_.store(0, std::memory_order_relaxed);
+}
+
+void EngineCore::StoreSummary(std::u16string_view name) {
+  if (options_.max_stored_summaries == 0) return;
+  std::lock_guard lock(mutex_);
+  stored_.push_back(MakeSummary(tables_.Summary(), name));
+  ++changes_;
+  if (stored_.size() > options_.max_stored_summaries) stored_.pop_front();
+}
+
+EpochPtr EngineCore::Freeze() {
+  auto epoch = std::make_shared<Epoch>();
+  auto tables = std::make_shared<FrozenTables>();
+  std::uint64_t changes = 0;
+  {
+    std::lock_guard lock(mutex_);
+    if (latest_changes_ == changes_) {
+      if (EpochPtr latest = latest_.lock()) return latest;
+    }
+    changes = changes_;
+    *tables = tables_.Freeze();
+    epoch->summaries.emplace_back();
+    epoch->summaries.insert(epoch->summaries.end(), stored_.begin(), stored_.end());
+  }
+  const Counters& counters = tables->counters;
+  epoch->packets = counters.total.packets;
+  epoch->bytes = counters.total.bytes;
+  epoch->start = counters.first_time;
+  epoch->duration = counters.duration();
+  epoch->catalogue = LiveCatalogue();
+  epoch->summaries.front() = MakeSummary(counters, kPresentName);
+  epoch->protocols = tables->protocols;
+  epoch->tables = std::move(tables);
+  std::lock_guard lock(mutex_);
+  latest_ = epoch;
+  latest_changes_ = changes;
+  return epoch;
+}
+
+void EngineCore::SetObserver(IReportObserver* observer) {
+  ComPtr<IReportObserver> replaced(observer);
+  std::lock_guard lock(mutex_);
+  std::swap(replaced, observer_);
+}
+
+ComPtr<IReportObserver> EngineCore::observer() const {
+  std::lock_guard lock(mutex_);
+  return observer_;
+}
+
+}  // namespace orvo

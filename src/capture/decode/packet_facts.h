@@ -1,0 +1,86 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "capture/source/packet.h"
+#include "engine/address.h"
+
+namespace orvo {
+
+/// To whom a frame or datagram is addressed.
+enum class Delivery : std::uint8_t { kUnicast, kBroadcast, kMulticast };
+
+/// The two ends that one header names. Both addresses are of one type.
+struct AddressPair {
+  AddressRecord source;
+  AddressRecord destination;
+  Delivery delivery = Delivery::kUnicast;
+};
+
+/// What the decoders found in one packet. One object serves packet after packet; nothing in it is ever allocated.
+struct PacketFacts {
+  static constexpr std::size_t kMaxPairs = 4;
+  static constexpr std::size_t kMaxChain = 12;
+
+  /// Makes the object ready for a packet of these lengths.
+  void Begin(std::size_t captured, std::size_t original) {
+    pair_count = 0;
+    chain_length = 0;
+    vlan_tags = 0;
+    tcp_flags = 0;
+    source_port = destination_port = 0;
+    has_ports = is_tcp = is_fragment = is_icmp_error = malformed = false;
+    cut_off = captured < original;
+  }
+
+  /// Room for the addresses of one more header, or null when a packet nests more headers than are kept.
+  AddressPair* AddPair() { return pair_count < kMaxPairs ? &pairs[pair_count++] : nullptr; }
+
+  /// A header that does not fit into the bytes left: the frame's fault, unless the capture dropped its tail.
+  void MarkShort() { malformed = malformed || !cut_off; }
+
+  /// From the outermost header inwards; those beyond the count are left over from earlier packets.
+  std::array<AddressPair, kMaxPairs> pairs;
+  std::array<std::uint16_t, kMaxChain> chain{};  ///< identifiers of the protocols met, outermost first
+  std::uint8_t pair_count = 0;
+  std::uint8_t chain_length = 0;
+  std::uint8_t vlan_tags = 0;
+  std::uint8_t tcp_flags = 0;  ///< as in the header: FIN 1, SYN 2, RST 4 (RFC 9293 section 3.1)
+  std::uint16_t source_port = 0;
+  std::uint16_t destination_port = 0;
+  bool has_ports = false;  ///< only the first fragment of a datagram has them
+  bool is_tcp = false;     ///< whose ports: TCP's, or UDP's
+  bool is_fragment = false;
+  bool is_icmp_error = false;  ///< an error message of ICMP or ICMPv6
+  bool malformed = false;      ///< a header contradicts itself or the frame's length
+  bool cut_off = false;        ///< less was captured than was on the wire
+};
+
+/// Fills a record with `length` bytes, which are there.
+inline void SetAddress(AddressRecord* record, AddressType type, const std::uint8_t* bytes, std::uint8_t length) {
+  record->valid = 1;
+  record->type = type;
+  record->length = length;
+  record->reserved = 0;
+  std::copy_n(bytes, length, record->bytes.begin());
+  std::fill(record->bytes.begin() + length, record->bytes.end(), std::uint8_t{0});
+}
+
+inline std::uint16_t Read16(Bytes bytes, std::size_t at) {
+  return static_cast<std::uint16_t>((bytes[at] << 8) | bytes[at + 1]);
+}
+
+/// What is left behind `count` bytes, which may be more than there are.
+inline Bytes Behind(Bytes bytes, std::size_t count) {
+  return bytes.subspan(std::min(count, bytes.size()));
+}
+
+/// At most the first `count` bytes.
+inline Bytes Within(Bytes bytes, std::size_t count) {
+  return bytes.first(std::min(count, bytes.size()));
+}
+
+}  // namespace orvo

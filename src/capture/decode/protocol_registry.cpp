@@ -1,0 +1,65 @@
+#include "capture/decode/protocol_registry.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <string>
+
+namespace orvo {
+namespace {
+
+constinit const ProtocolRegistration* g_registrations = nullptr;
+
+}  // namespace
+
+ProtocolRegistration::ProtocolRegistration(std::span<const Protocol> added) : protocols(added), next(g_registrations) {
+  g_registrations = this;
+}
+
+const ProtocolRegistry& ProtocolRegistry::Get() {
+  static const ProtocolRegistry registry;
+  return registry;
+}
+
+ProtocolRegistry::ProtocolRegistry() {
+  static constexpr Protocol kNoProtocol{};
+  protocols_.push_back(&kNoProtocol);
+  for (const auto* entry = g_registrations; entry; entry = entry->next) {
+    for (const Protocol& protocol : entry->protocols) protocols_.push_back(&protocol);
+  }
+  std::sort(protocols_.begin() + 1, protocols_.end(),
+            [](const Protocol* a, const Protocol* b) { return a->name < b->name; });
+  for (std::size_t i = 1; i < protocols_.size(); ++i) {
+    if (protocols_[i]->name == protocols_[i - 1]->name) {
+      throw std::logic_error("two protocols are named " + std::string(protocols_[i]->name));
+    }
+    for (LayerKey key : protocols_[i]->keys) AddKey(key, static_cast<std::uint16_t>(i));
+  }
+}
+
+void ProtocolRegistry::AddKey(LayerKey key, std::uint16_t identifier) {
+  auto& keys = by_key_[static_cast<std::size_t>(key.layer)];
+  if (keys.size() <= key.number) keys.resize(key.number + 1);
+  if (keys[key.number] != 0) {
+    throw std::logic_error("two protocols claim number " + std::to_string(key.number) + ": " +
+                           std::string(protocols_[keys[key.number]]->name) + " and " +
+                           std::string(protocols_[identifier]->name));
+  }
+  keys[key.number] = identifier;
+}
+
+void DecodePacket(const Packet& packet, PacketFacts* facts) {
+  static const ProtocolRegistry& registry = ProtocolRegistry::Get();
+  facts->Begin(packet.bytes.size(), packet.original_length);
+  Payload next{{Layer::kLink, packet.link_type}, packet.bytes};
+  // The chain's length bounds the work that nested headers can cause.
+  while (facts->chain_length < PacketFacts::kMaxChain) {
+    std::uint16_t identifier = registry.Find(next.key.layer, next.key.number);
+    if (identifier == 0) break;
+    facts->chain[facts->chain_length++] = identifier;
+    const Protocol& protocol = registry.protocol(identifier);
+    if (!protocol.decode || !next.has_header) break;
+    next = protocol.decode(next.bytes, *facts);
+  }
+}
+
+}  // namespace orvo

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "capture/decode/packet_facts.h"
+
+namespace orvo {
+
+/// What a number that names a protocol is a number of.
+enum class Layer : std::uint8_t {
+  kNone,
+  kLink,            ///< link type of a packet
+  kEtherType,       ///< IEEE 802 EtherType
+  kEthernetLength,  ///< 0: an IEEE 802.3 frame with a length in the EtherType's place
+  kSap,             ///< destination service access point of an IEEE 802.2 header
+  kIpProtocol,      ///< protocol of IPv4, next header of IPv6
+  kTcpPort,
+  kUdpPort,
+};
+inline constexpr std::size_t kLayerCount = 8;
+
+struct LayerKey {
+  Layer layer = Layer::kNone;
+  std::uint32_t number = 0;
+};
+
+/// What a header hands on: the protocol behind it, and its bytes. The default hands on nothing.
+struct Payload {
+  LayerKey key;
+  Bytes bytes;
+  bool has_header = true;  ///< false in a later fragment: the protocol is known, its header is elsewhere
+};
+
+/// One protocol: its name, the keys under which other headers announce it, the layers whose keys it announces itself,
+/// and the function that reads its header. The function gets whatever bytes there are, none included, checks before it
+/// reads, notes what it found, and says what comes next. Null for a protocol that is only recognised.
+struct Protocol {
+  std::string_view name;
+  std::span<const LayerKey> keys;
+  std::span<const Layer> carries;
+  Payload (*decode)(Bytes bytes, PacketFacts& facts) = nullptr;
+};
+
+/// Adds protocols to the registry before main begins: every file of a protocol holds one, at namespace scope, and
+/// nothing else has to know the file. (The engine is linked as objects, so that no linker leaves the file out.)
+class ProtocolRegistration {
+ public:
+  explicit ProtocolRegistration(std::span<const Protocol> protocols);
+
+  std::span<const Protocol> protocols;
+  const ProtocolRegistration* next;
+};
+
+/// All registered protocols, ordered by name, so that identifiers do not depend on the order of linking. Identifier 0
+/// stands for no protocol. Immutable once made.
+class ProtocolRegistry {
+ public:
+  /// Made on first use; raises std::logic_error when two protocols claim one name or one key.
+  static const ProtocolRegistry& Get();
+
+  /// Identifier of the protocol that a key announces, 0 when no protocol does.
+  std::uint16_t Find(Layer layer, std::uint32_t number) const {
+    const auto& keys = by_key_[static_cast<std::size_t>(layer)];
+    return number < keys.size() ? keys[number] : std::uint16_t{0};
+  }
+  const Protocol& protocol(std::uint16_t identifier) const { return *protocols_[identifier]; }
+  /// Identifiers run from 1 to count() - 1.
+  std::size_t count() const { return protocols_.size(); }
+
+ private:
+  ProtocolRegistry();
+  void AddKey(LayerKey key, std::uint16_t identifier);
+
+  std::vector<const Protocol*> protocols_;
+  std::array<std::vector<std::uint16_t>, kLayerCount> by_key_;
+};
+
+/// Runs a packet through the decoders of its headers, from the link inwards.
+void DecodePacket(const Packet& packet, PacketFacts* facts);
+
+}  // namespace orvo

@@ -1,0 +1,36 @@
+// UDP (RFC 768).
+
+#include <array>
+
+#include "capture/decode/protocol_registry.h"
+
+namespace orvo {
+namespace {
+
+constexpr std::size_t kHeaderLength = 8;
+
+Payload DecodeUdp(Bytes bytes, PacketFacts& facts) {
+  if (bytes.size() >= 4) {
+    facts.source_port = Read16(bytes, 0);
+    facts.destination_port = Read16(bytes, 2);
+    facts.has_ports = true;
+    facts.is_tcp = false;
+  }
+  if (bytes.size() < kHeaderLength) {
+    facts.MarkShort();
+    return {};
+  }
+  std::size_t length = Read16(bytes, 4);
+  // 0 is a jumbogram's (RFC 2675 section 4). Fragments hold less than the length says.
+  if (length != 0 && length < kHeaderLength) facts.malformed = true;
+  if (length > bytes.size() && !facts.is_fragment) facts.MarkShort();
+  return {};
+}
+
+constexpr std::array kKeys{LayerKey{Layer::kIpProtocol, 17}};
+constexpr std::array kCarries{Layer::kUdpPort};
+constexpr std::array kProtocols{Protocol{"UDP", kKeys, kCarries, DecodeUdp}};
+const ProtocolRegistration kRegistration(kProtocols);
+
+}  // namespace
+}  // namespace orvo

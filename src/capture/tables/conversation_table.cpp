@@ -1,0 +1,40 @@
+#include "capture/tables/conversation_table.h"
+
+namespace orvo {
+
+bool ConversationTable::Count(const ConversationEndpoints& ends, std::uint8_t type, std::uint64_t bytes) {
+  std::uint64_t hash = hash_(ends.source, ends.destination, ends.protocol);
+  std::uint32_t row = index_.Find(hash, [&](std::uint32_t candidate) {
+    const ConversationEndpoints& other = endpoints_[candidate];
+    return other.source == ends.source && other.destination == ends.destination && other.protocol == ends.protocol;
+  });
+  if (row == kNoRow) {
+    if (entries_.size() >= limit_) return false;
+    row = Add(ends, type, hash);
+  }
+  ConversationEntry& entry = entries_.Edit(row);
+  ++entry.packets;
+  entry.bytes += bytes;
+  return true;
+}
+
+std::uint32_t ConversationTable::Add(const ConversationEndpoints& ends, std::uint8_t type, std::uint64_t hash) {
+  auto row = static_cast<std::uint32_t>(entries_.size());
+  index_.Reserve();
+  ConversationEntry entry;
+  entry.key = std::uint64_t{row} + 1;
+  endpoints_.Append(ends);
+  next_.Append(kNoRow);
+  entries_.Append(entry);
+  index_.Add(hash, row);
+  std::size_t chain = type % kAddressTypes;
+  if (first_[chain] == kNoRow) {
+    first_[chain] = row;
+  } else {
+    next_.Edit(last_[chain]) = row;
+  }
+  last_[chain] = row;
+  return row;
+}
+
+}  // namespace orvo

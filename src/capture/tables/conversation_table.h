@@ -1,0 +1,46 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "capture/tables/address_table.h"
+#include "engine/conversations.h"
+
+namespace orvo {
+
+/// The conversations of one moment. Rows of all three tables belong together; the key of a row is its number plus 1.
+struct FrozenConversations {
+  FrozenTable<ConversationEntry> entries;
+  FrozenTable<ConversationEndpoints> endpoints;
+  FrozenTable<std::uint32_t> next;  ///< the next row whose source is of the same type, kNoRow behind the last
+  std::array<std::uint32_t, kAddressTypes> first{};
+};
+
+/// Traffic by source, destination and protocol.
+class ConversationTable {
+ public:
+  explicit ConversationTable(std::size_t limit) : limit_(limit) {
+    first_.fill(kNoRow);
+    last_.fill(kNoRow);
+  }
+
+  /// Counts a packet; false when its conversation is new and the table is full. `type` is the source's address type.
+  bool Count(const ConversationEndpoints& ends, std::uint8_t type, std::uint64_t bytes);
+
+  std::size_t size() const { return entries_.size(); }
+  FrozenConversations Freeze() { return {entries_.Freeze(), endpoints_.Freeze(), next_.Freeze(), first_}; }
+
+ private:
+  std::uint32_t Add(const ConversationEndpoints& ends, std::uint8_t type, std::uint64_t hash);
+
+  KeyedHash hash_;
+  RowIndex index_;
+  PagedVector<ConversationEntry> entries_;
+  PagedVector<ConversationEndpoints> endpoints_;
+  PagedVector<std::uint32_t> next_;
+  std::array<std::uint32_t, kAddressTypes> first_{};
+  std::array<std::uint32_t, kAddressTypes> last_{};
+  std::size_t limit_;
+};
+
+}  // namespace orvo
