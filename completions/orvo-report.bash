@@ -1,0 +1,86 @@
+# shellcheck shell=bash
+# Completion for bash of orvo-report's words, options and values: source this file, or install it as
+# share/bash-completion/completions/orvo-report.
+
+# What may follow each word: its options.
+declare -gA _orvo_report_options=(
+  [make]='--out --format --settings --set --live --no-names --templates --locale --code-page --no-progress --help'
+  [settings]='--settings --set --help'
+  [classes]='--help'
+  [register]='--help'
+  [unregister]='--help'
+)
+_orvo_report_words='make settings classes register unregister --help --version'
+_orvo_report_formats='csv tab'
+_orvo_report_code_pages='UTF-8 US-ASCII ISO-8859-1 ISO-8859-15 windows-1250 windows-1251 windows-1252 Shift_JIS'
+
+# _orvo_report_offer WORDS CURRENT: those of the words that begin like the current one.
+_orvo_report_offer() {
+  mapfile -t COMPREPLY < <(compgen -W "$1" -- "$2")
+}
+
+# _orvo_report_paths KIND CURRENT: files (-f) or folders (-d), completed as paths.
+_orvo_report_paths() {
+  compopt -o filenames 2>/dev/null # refused outside of a completion, where it does not matter
+  mapfile -t COMPREPLY < <(compgen "$1" -- "$2")
+}
+
+# _orvo_report_value OPTION CURRENT: values of an option. Fails for an option that takes none.
+_orvo_report_value() {
+  local option=$1 current=$2
+  case $option in
+    --out | --templates) _orvo_report_paths -d "$current" ;;
+    --settings) _orvo_report_paths -f "$current" ;;
+    --format)
+      # Formats are joined by commas: offer the next one behind those that are there.
+      local done_part=
+      [[ $current == *,* ]] && done_part=${current%,*},
+      local words=() format
+      for format in $_orvo_report_formats; do
+        [[ ,$done_part == *,$format,* ]] || words+=("$done_part$format")
+      done
+      _orvo_report_offer "${words[*]}" "$current"
+      ;;
+    --set)
+      # The command knows its switches: they are the attributes of the document that it prints.
+      local switches
+      switches=$(orvo-report settings 2>/dev/null | grep -oE '[A-Za-z0-9]+="-?[0-9]+"' | sed 's/=.*/=/')
+      compopt -o nospace 2>/dev/null
+      _orvo_report_offer "$switches" "$current"
+      ;;
+    --locale) _orvo_report_offer "$(locale -a 2>/dev/null)" "$current" ;;
+    --code-page) _orvo_report_offer "$_orvo_report_code_pages" "$current" ;;
+    *) return 1 ;;
+  esac
+}
+
+_orvo_report() {
+  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+  COMPREPLY=()
+
+  if ((COMP_CWORD == 1)); then
+    _orvo_report_offer "$_orvo_report_words" "$current"
+    return
+  fi
+
+  # Bash makes three words of --format=csv, and of NodePackets=0.
+  if [[ $current == = ]]; then
+    current=
+  elif [[ $previous == = ]]; then
+    previous=${COMP_WORDS[COMP_CWORD - 2]}
+  fi
+  if [[ ${COMP_WORDS[COMP_CWORD]} == = || ${COMP_WORDS[COMP_CWORD - 1]} == = ]] && [[ $previous != -* ]]; then
+    _orvo_report_offer '0 1' "$current"
+    return
+  fi
+  _orvo_report_value "$previous" "$current" && return
+
+  local word=${COMP_WORDS[1]}
+  if [[ $current == -* ]]; then
+    _orvo_report_offer "${_orvo_report_options[$word]:-}" "$current"
+  elif [[ $word == make ]]; then
+    _orvo_report_paths -f "$current"
+  fi
+}
+
+complete -F _orvo_report orvo-report
