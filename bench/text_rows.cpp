@@ -77,13 +77,14 @@ struct Writer {
   explicit Writer(std::uint32_t nodes) {
     engine.live = ManyNodes(nodes);
     engine.at_snapshot = test::Script();
+    engine.fixed = true;
     engine.snapshot_time = At(kStart + 10'000);
     context = engine.Context();
     if (Failed(CreateCsvStatsOutput(IStatsOutputMethod::kIid, method.OutVoid()))) std::abort();
     ComPtr<IStatsOutputPrefs> switches;
     if (Failed(CreateStatsOutputPrefs(IStatsOutputPrefs::kIid, switches.OutVoid()))) std::abort();
-    for (SwitchId off :
-         {kSwitchOutputNodeHierarchy, kSwitchNodeTypeIPv6, kSwitchNodeTypeDEC, kSwitchNodeTypeApple, kSwitchNodeTypeIPX, kSwitchNodeTypePhysical}) {
+    for (SwitchId off : {kSwitchOutputNodeHierarchy, kSwitchNodeTypeIPv6, kSwitchNodeTypeDEC, kSwitchNodeTypeApple,
+                         kSwitchNodeTypeIPX, kSwitchNodeTypePhysical}) {
       switches->SetPreference(off, 0);
     }
     method->SetFormat(Bstr(u".csv").get(), Bstr(u",").get(), switches.get(), nullptr);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <vector>
 
 namespace orvo::bench {
 namespace {
@@ -35,6 +36,13 @@ void RatioReporter::Finalize() {
 }
 
 int RunWithRatios(int argc, char** argv) {
+  // The machine's speed drifts, so a benchmark and its floor take turns.
+  std::vector<char*> arguments(argv, argv + argc);
+  std::string take_turns = "--benchmark_enable_random_interleaving=true";
+  arguments.insert(arguments.begin() + 1, take_turns.data());
+  argc = static_cast<int>(arguments.size());
+  arguments.push_back(nullptr);
+  argv = arguments.data();
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   RatioReporter reporter;

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "app/component.h"
 #include "app/formats.h"
@@ -13,6 +14,7 @@
 #include "app/settings.h"
 #include "capture/context/capture_engine.h"
 #include "capture/source/capture_file.h"
+#include "capture/source/merged_source.h"
 #include "frame/stats_output_method.h"
 #include "platform/code_page.h"
 #include "platform/locale.h"
@@ -24,7 +26,7 @@ namespace {
 namespace fs = std::filesystem;
 
 struct MakeOptions {
-  std::string capture;
+  std::vector<std::string> captures;
   std::string out;
   std::string formats = "csv";
   SettingsOptions settings;
@@ -54,25 +56,43 @@ fs::path MakeFolder(const fs::path& path) {
   return folder;
 }
 
-/// Reads the whole capture into the engine. What is wrong with its end is a warning: the report shows what is there.
-void ReadCapture(const MakeOptions& options, CaptureEngine& engine) {
-  SourceError error;
-  std::unique_ptr<PacketSource> source = OpenCaptureFile(options.capture, &error);
-  if (!source) throw CommandError(kFailed, error.message);
+using Sources = std::vector<std::unique_ptr<PacketSource>>;
 
-  Progress progress(!options.no_progress, "reading " + options.capture);
+/// Opens every capture before any is read, so that a wrong name costs no time.
+Sources OpenCaptures(const std::vector<std::string>& captures) {
+  Sources sources;
+  for (const std::string& capture : captures) {
+    SourceError error;
+    sources.push_back(OpenCaptureFile(capture, &error));
+    if (!sources.back()) throw CommandError(kFailed, error.message);
+  }
+  return sources;
+}
+
+/// Reads all captures into the engine, as one. What is wrong with the end of one is a warning: the report shows what is
+/// there.
+void ReadCaptures(const MakeOptions& options, CaptureEngine& engine) {
+  const Sources sources = OpenCaptures(options.captures);
+  std::vector<PacketSource*> parts;
+  for (const auto& source : sources) parts.push_back(source.get());
+  MergedSource merged(parts);
+
+  const std::string what = parts.size() == 1 ? options.captures.front() : fmt::format("{} captures", parts.size());
+  Progress progress(!options.no_progress, "reading " + what);
   constexpr std::uint64_t kPacketsBetweenLooks = 4096;
   std::uint64_t packets = 0;
-  for (Packet packet; source->Next(&packet);) {
+  for (Packet packet; merged.Next(&packet);) {
     engine.Feed(packet);
     if (++packets % kPacketsBetweenLooks == 0) {
-      const SourceProgress read = source->progress();
+      const SourceProgress read = merged.progress();
       progress.Update(read.bytes_read, read.bytes_total, packets);
     }
   }
   progress.Clear();
-  engine.SetDropped(source->dropped());
-  if (const SourceError& warning = source->warning(); Failed(warning.status)) PrintWarning(warning.message);
+  engine.SetDropped(merged.dropped());
+  for (const PacketSource* source : parts) {
+    if (Failed(source->warning().status)) PrintWarning(source->warning().message);
+  }
 }
 
 /// Writes one report in one format; prints the files that it wrote. False when one of them failed.
@@ -111,7 +131,7 @@ int Make(const MakeOptions& options) {
 
   CaptureEngine engine({.plain_addresses = options.no_names});
   Require(engine.RegisterClasses(), "the capture engine");
-  ReadCapture(options, engine);
+  ReadCaptures(options, engine);
   bool all_written = true;
   for (const Format* format : formats) {
     // Several formats would mix their files: each gets a folder of its own then.
@@ -127,7 +147,11 @@ int Make(const MakeOptions& options) {
 void AddMakeCommand(CLI::App& parser, Verb* verb) {
   CLI::App* command = parser.add_subcommand("make", "Read a capture and write its report");
   auto options = std::make_shared<MakeOptions>();
-  command->add_option("CAPTURE", options->capture, "Capture file (pcap, pcapng)")->required()->type_name("");
+  command
+      ->add_option("CAPTURE", options->captures,
+                   "Capture files (pcap, pcapng), read as one in the order of their times")
+      ->required()
+      ->type_name("...");
   command
       ->add_option("--out", options->out, "Folder of the report, made when missing; rows are appended to files there")
       ->required()

@@ -23,7 +23,9 @@ std::u16string Wide(std::string_view ascii) {
   return {ascii.begin(), ascii.end()};
 }
 
-std::string_view GroupElement(const Switch& entry) { return kSwitchGroupElements[static_cast<std::size_t>(entry.group)]; }
+std::string_view GroupElement(const Switch& entry) {
+  return kSwitchGroupElements[static_cast<std::size_t>(entry.group)];
+}
 
 /// The node below which the switches lie: the document itself or its root.
 ComPtr<IXmlNode> SettingsNode(IXmlDocument& document, const std::string& file) {

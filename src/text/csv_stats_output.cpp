@@ -56,6 +56,8 @@ void CSVStatsOutput::WriteReport(const ReportJob& job) {
   }
 }
 
-Status CreateCsvStatsOutput(const Guid& iid, void** out) { return CreateComponentObject<CSVStatsOutput>(iid, out); }
+Status CreateCsvStatsOutput(const Guid& iid, void** out) {
+  return CreateComponentObject<CSVStatsOutput>(iid, out);
+}
 
 }  // namespace orvo

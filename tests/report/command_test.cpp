@@ -89,8 +89,11 @@ TEST(CommandTest, CapturesThatCannotBeReadAreOneLineAndStatusOne) {
     std::string path;
     const char* message;
   } const cases[] = {
-      {folder.Path("missing.pcap"), "missing.pcap"}, {folder.Path(), folder.Path().c_str()}, {folder.Path("empty.pcap"), "empty"},
-      {folder.Path("text.pcap"), "text.pcap"},       {folder.Path("header-cut.pcap"), "header-cut.pcap"},
+      {folder.Path("missing.pcap"), "missing.pcap"},
+      {folder.Path(), folder.Path().c_str()},
+      {folder.Path("empty.pcap"), "empty"},
+      {folder.Path("text.pcap"), "text.pcap"},
+      {folder.Path("header-cut.pcap"), "header-cut.pcap"},
       {"/dev/null/x", "/dev/null/x"},
   };
   for (const auto& one : cases) {
@@ -163,7 +166,8 @@ TEST(CommandTest, AFileThatCannotBeWrittenIsNamedAndTheOthersAreWritten) {
 
 TEST(CommandTest, SettingsGoRoundTripAndTellWhatIsWrong) {
   TemporaryFolder folder;
-  const CommandResult template_document = RunCommand({"settings", "--set", "NodeTypeIPv6=0", "--set", "NodePackets=-7"});
+  const CommandResult template_document =
+      RunCommand({"settings", "--set", "NodeTypeIPv6=0", "--set", "NodePackets=-7"});
   ASSERT_EQ(template_document.exit_status, 0) << template_document.messages;
   folder.Write("settings.xml", template_document.output);
   EXPECT_EQ(RunCommand({"settings", "--settings", folder.Path("settings.xml")}).output, template_document.output);
@@ -171,14 +175,15 @@ TEST(CommandTest, SettingsGoRoundTripAndTellWhatIsWrong) {
   // Every switch has its sentence.
   const std::regex attribute("\n      (\\w+)=\"");
   int switches = 0;
-  for (std::sregex_iterator at(template_document.output.begin(), template_document.output.end(), attribute), end; at != end;
-       ++at, ++switches) {
+  for (std::sregex_iterator at(template_document.output.begin(), template_document.output.end(), attribute), end;
+       at != end; ++at, ++switches) {
     EXPECT_THAT(template_document.output, HasSubstr("      " + (*at)[1].str() + ": "));
   }
   EXPECT_EQ(switches, 126);
 
-  EXPECT_EQ(RunCommand({"make", kSample, "--out", folder.Path("out"), "--settings", folder.Path("settings.xml")}).exit_status,
-            0);
+  EXPECT_EQ(
+      RunCommand({"make", kSample, "--out", folder.Path("out"), "--settings", folder.Path("settings.xml")}).exit_status,
+      0);
   EXPECT_FALSE(folder.Has("out/Node Statistics-IPv6.csv"));
 
   folder.Write("not-xml", "<StatsOutputPrefs><NodeStats");
@@ -197,16 +202,19 @@ TEST(CommandTest, SettingsGoRoundTripAndTellWhatIsWrong) {
 
 TEST(CommandTest, ClassesAreFoundBesideTheCommandAndInTheRegistry) {
   TemporaryFolder folder;
-  const std::vector<std::pair<std::string, std::string>> registry = {{"ORVO_REGISTRY", folder.Path("deep/registry.xml")}};
+  const std::vector<std::pair<std::string, std::string>> registry = {
+      {"ORVO_REGISTRY", folder.Path("deep/registry.xml")}};
   const CommandResult beside = RunCommand({"classes"}, registry);
   EXPECT_EQ(beside.exit_status, 0) << beside.messages;
-  EXPECT_THAT(beside.output, AllOf(HasSubstr("CSVStatsOutput"), HasSubstr("StatsOutputPrefs"), HasSubstr("beside the command")));
+  EXPECT_THAT(beside.output,
+              AllOf(HasSubstr("CSVStatsOutput"), HasSubstr("StatsOutputPrefs"), HasSubstr("beside the command")));
   EXPECT_FALSE(folder.Has("deep")) << "looking makes no registry";
 
   EXPECT_EQ(RunCommand({"register"}, registry).exit_status, 0);
   EXPECT_EQ(RunCommand({"register"}, registry).exit_status, 0) << "again changes nothing";
   const CommandResult registered = RunCommand({"classes"}, registry);
-  EXPECT_THAT(registered.output, AllOf(HasSubstr("OrvoReports.1"), HasSubstr("registered: "), testing::Not(HasSubstr("beside"))));
+  EXPECT_THAT(registered.output,
+              AllOf(HasSubstr("OrvoReports.1"), HasSubstr("registered: "), testing::Not(HasSubstr("beside"))));
   EXPECT_EQ(RunCommand({"make", kSample, "--out", folder.Path("out")}, registry).exit_status, 0);
 
   EXPECT_EQ(RunCommand({"unregister"}, registry).exit_status, 0);
@@ -214,8 +222,8 @@ TEST(CommandTest, ClassesAreFoundBesideTheCommandAndInTheRegistry) {
 }
 
 TEST(CommandTest, OutputThatCannotBePrintedIsAFailure) {
-  const CommandResult result = RunProgram(
-      "/bin/sh", {"-c", std::string(ORVO_BINARY_DIR) + "/bin/orvo-report settings > /dev/full"});
+  const CommandResult result =
+      RunProgram("/bin/sh", {"-c", std::string(ORVO_BINARY_DIR) + "/bin/orvo-report settings > /dev/full"});
   EXPECT_EQ(result.exit_status, 1);
   ExpectOneMessage(result, "standard output");
 }

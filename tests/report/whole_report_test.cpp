@@ -1,5 +1,5 @@
-// Whole reports of the samples, compared with reviewed files. ORVO_REWRITE_EXPECTED=1 in the environment writes the files
-// anew instead; read the difference before committing it.
+// Whole reports of the samples, compared with reviewed files. ORVO_REWRITE_EXPECTED=1 in the environment writes the
+// files anew instead; read the difference before committing it.
 
 #include <gtest/gtest.h>
 
@@ -23,7 +23,9 @@ struct Sample {
   std::vector<std::string> options;
 };
 
-std::ostream& operator<<(std::ostream& out, const Sample& sample) { return out << sample.name; }
+std::ostream& operator<<(std::ostream& out, const Sample& sample) {
+  return out << sample.name;
+}
 
 class WholeReportTest : public testing::TestWithParam<Sample> {};
 
@@ -55,16 +57,17 @@ TEST_P(WholeReportTest, IsTheReviewedOne) {
   for (const std::string& name : reviewed) EXPECT_EQ(Lines(folder.Read(name)), Lines(Bytes(expected / name))) << name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Samples, WholeReportTest,
-                         testing::Values(Sample{"office", "office.pcapng", {}},
-                                         Sample{"office-german", "office.pcapng", {"--format", "tab", "--locale", "de_DE"}},
-                                         Sample{"ipv6", "ipv6.pcap", {}},
-                                         Sample{"nanoseconds", "nanoseconds.pcap", {"--set", "OutputNodeHierarchy=0"}}),
-                         [](const auto& sample) {
-                           std::string name = sample.param.name;
-                           std::erase(name, '-');
-                           return name;
-                         });
+INSTANTIATE_TEST_SUITE_P(
+    Samples, WholeReportTest,
+    testing::Values(Sample{"office", "office.pcapng", {}},
+                    Sample{"office-german", "office.pcapng", {"--format", "tab", "--locale", "de_DE"}},
+                    Sample{"ipv6", "ipv6.pcap", {}},
+                    Sample{"nanoseconds", "nanoseconds.pcap", {"--set", "OutputNodeHierarchy=0"}}),
+    [](const auto& sample) {
+      std::string name = sample.param.name;
+      std::erase(name, '-');
+      return name;
+    });
 
 }  // namespace
 }  // namespace orvo::test

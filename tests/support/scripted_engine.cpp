@@ -285,7 +285,7 @@ class LiveContext final : public ContextBase<IStatsSnapshotSource, IReportObserv
  protected:
   SharedView CurrentView() override {
     // One view for a report: made anew whenever its availability is asked for.
-    if (!view_ || epoch_ != engine_->availability_queries) {
+    if (!view_ || (!engine_->fixed && epoch_ != engine_->availability_queries)) {
       view_ = std::make_shared<const View>(engine_, engine_->live);
       epoch_ = engine_->availability_queries;
     }

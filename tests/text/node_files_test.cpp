@@ -13,9 +13,9 @@ using testing::IsEmpty;
 
 constexpr const char* kIpFile = "Node Statistics-IP.csv";
 constexpr const char* kSaved = "11/22/2026 14:05:09";
-constexpr std::uint32_t kNodeColumnSwitches[] = {kSwitchNodePackets,      kSwitchNodeFirstTime,    kSwitchNodeLastTime,
-                                                 kSwitchNodeBroadBytes,   kSwitchNodeBroadPackets, kSwitchNodeMultiBytes,
-                                                 kSwitchNodeMultiPackets, kSwitchNodeMinSize,      kSwitchNodeMaxSize};
+constexpr std::uint32_t kNodeColumnSwitches[] = {
+    kSwitchNodePackets,    kSwitchNodeFirstTime,    kSwitchNodeLastTime, kSwitchNodeBroadBytes, kSwitchNodeBroadPackets,
+    kSwitchNodeMultiBytes, kSwitchNodeMultiPackets, kSwitchNodeMinSize,  kSwitchNodeMaxSize};
 
 class NodeFilesTest : public TextReportTest {
  protected:

@@ -5,8 +5,8 @@
 #include "platform/lock.h"
 #include "platform/object.h"
 #include "platform/xml_interfaces.h"
-#include "util/persist_xml.h"
 #include "tests/text/text_report_fixture.h"
+#include "util/persist_xml.h"
 
 namespace orvo::test {
 namespace {
@@ -101,7 +101,8 @@ TEST_F(OutputMethodTest, AGateThatCannotBeReadEndsTheReportASwitchInsideASection
 
   failing->failing = kSwitchNodeTypeIPv6;
   EXPECT_EQ(Output(), S_OK);
-  EXPECT_THAT(folder.Names(), ElementsAre("Node Statistics-Hierarchy.csv", "Node Statistics-IP.csv", "Summary Statistics.csv"));
+  EXPECT_THAT(folder.Names(),
+              ElementsAre("Node Statistics-Hierarchy.csv", "Node Statistics-IP.csv", "Summary Statistics.csv"));
 }
 
 TEST_F(OutputMethodTest, HoldsThePreferencesOnce) {

@@ -110,7 +110,8 @@ TEST_F(SectionFileTest, NothingOutsideTheFolderIsWritten) {
   ASSERT_EQ(Output(), S_OK);
   EXPECT_EQ(elsewhere.Read("victim"), "precious");
   EXPECT_THAT(elsewhere.Names(), ElementsAre("victim"));
-  for (const char* name : {kIpFile, "Node Statistics-IPv6.csv", "Node Statistics-IPX.csv", "Node Statistics-DECnet.csv"}) {
+  for (const char* name :
+       {kIpFile, "Node Statistics-IPv6.csv", "Node Statistics-IPX.csv", "Node Statistics-DECnet.csv"}) {
     EXPECT_TRUE(Failed(StatusOf(name))) << name;
   }
 }

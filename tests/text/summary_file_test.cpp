@@ -74,7 +74,8 @@ TEST_F(SummaryFileTest, SwitchesDecideColumnsAndStatisticsWithoutValueLeaveNoRow
   EXPECT_EQ(FileLines(kFile).at(0),
             "Time Saved,Group,Statistic,Bytes,Packets,PctBytes,PctPackets,BytesPerSec,PktsPerSec");
 
-  const std::uint32_t all[] = {kSwitchSumPackets, kSwitchSumPctBytes, kSwitchSumPctPackets, kSwitchSumBytespSec, kSwitchSumPacketspSec};
+  const std::uint32_t all[] = {kSwitchSumPackets, kSwitchSumPctBytes, kSwitchSumPctPackets, kSwitchSumBytespSec,
+                               kSwitchSumPacketspSec};
   const std::pair<const char*, const char*> shown[] = {{",Packets", ",50"},
                                                        {",PctBytes", ",12.500"},
                                                        {",PctPackets", ",25.000"},
