@@ -4,7 +4,7 @@
 
 # What may follow each word: its options.
 declare -gA _orvo_report_options=(
-  [make]='--out --format --settings --set --live --no-names --templates --locale --code-page --no-progress --help'
+  [make]='--out --format --settings --set --live --no-names --locale --code-page --no-progress --help'
   [settings]='--settings --set --help'
   [classes]='--help'
   [register]='--help'
@@ -29,7 +29,7 @@ _orvo_report_paths() {
 _orvo_report_value() {
   local option=$1 current=$2
   case $option in
-    --out | --templates) _orvo_report_paths -d "$current" ;;
+    --out) _orvo_report_paths -d "$current" ;;
     --settings) _orvo_report_paths -f "$current" ;;
     --format)
       # Formats are joined by commas: offer the next one behind those that are there.

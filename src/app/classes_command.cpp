@@ -47,8 +47,8 @@ int ListClasses() {
   Require(Registry::Read(&registry), Registry::FilePath());
   for (const KnownClass& known : kClasses) {
     const std::string prog_id = ToUtf8(registry.Value(ClassKey(known.class_id) + u"\\ProgID").value_or(u"-"));
-    fmt::print("{}  {:<17} {:<33} {}\n", ToUtf8(FormatGuid(known.class_id)), known.name, prog_id,
-               Printable(Origin(registry, known)));
+    PrintOutput(fmt::format("{}  {:<17} {:<33} {}\n", ToUtf8(FormatGuid(known.class_id)), known.name, prog_id,
+                            Printable(Origin(registry, known))));
   }
   return kDone;
 }
@@ -59,7 +59,7 @@ int CallLibrary(const char* entry, const char* done) {
   if (library.empty()) throw CommandError(kFailed, "OrvoReports.so: not found beside the command");
   const std::string path = SystemPath(library);
   Require(CallLibraryEntry(library, entry), path);
-  fmt::print("{} {} in {}\n", Printable(path), done, Printable(Registry::FilePath()));
+  PrintOutput(fmt::format("{} {} in {}\n", Printable(path), done, Printable(Registry::FilePath())));
   return kDone;
 }
 

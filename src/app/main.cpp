@@ -1,9 +1,11 @@
 #include <fmt/core.h>
 
 #include <csignal>
-#include <cstdio>
 #include <exception>
 #include <new>
+#include <sstream>
+#include <string>
+#include <string_view>
 
 #include "app/component.h"
 #include "app/messages.h"
@@ -18,9 +20,19 @@ constexpr const char* kFooter =
     "Exit status: 0 done, 1 failed, 2 wrong usage. See orvo-report(1).";
 
 /// Prints what the parser has to say; its own exit statuses become the command's.
-int ReportParsing(CLI::App& parser, const CLI::ParseError& error) {
-  if (error.get_exit_code() == 0) return parser.exit(error);  // --help and --version
-  PrintMessage(fmt::format("{} (try: orvo-report --help)", error.what()));
+int ReportParsing(CLI::App& parser, const CLI::ParseError& error, std::string_view first_word) {
+  if (error.get_exit_code() == 0) {  // --help and --version
+    std::ostringstream text;
+    parser.exit(error, text, text);
+    PrintOutput(text.str());
+    return kDone;
+  }
+  std::string message = error.what();
+  // The parser misses the verb where it should name the word that is none.
+  if (parser.get_subcommands().empty() && !first_word.empty() && !first_word.starts_with('-')) {
+    message = fmt::format("{}: there is no such verb", first_word);
+  }
+  PrintMessage(fmt::format("{} (try: orvo-report --help)", message));
   return kUsage;
 }
 
@@ -36,12 +48,11 @@ int Run(int argc, char** argv) {
   try {
     parser.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return ReportParsing(parser, error);
+    return ReportParsing(parser, error, argc > 1 ? argv[1] : "");
   }
   UseLibraryBesideCommand();
   int status = verb();
   FreeUnusedLibraries();
-  if (std::fflush(stdout) != 0) throw CommandError(kFailed, "standard output cannot be written");
   return status;
 }
 

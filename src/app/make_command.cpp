@@ -118,7 +118,7 @@ bool WriteReport(const MakeOptions& options, const Format& format, const fs::pat
       PrintMessage(fmt::format("{}: {}", file.path, Describe(file.status)));
       all_written = false;
     } else {
-      fmt::print("{} ({} {})\n", Printable(file.path), file.rows, file.rows == 1 ? "row" : "rows");
+      PrintOutput(fmt::format("{} ({} {})\n", Printable(file.path), file.rows, file.rows == 1 ? "row" : "rows"));
     }
   }
   return all_written;

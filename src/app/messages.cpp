@@ -2,6 +2,7 @@
 
 #include <fmt/core.h>
 
+#include <cerrno>
 #include <cstdio>
 
 #include "platform/code_page.h"
@@ -23,6 +24,11 @@ void PrintMessage(std::string_view message) {
 
 void PrintWarning(std::string_view message) {
   PrintMessage(fmt::format("warning: {}", message));
+}
+
+void PrintOutput(std::string_view text) {
+  if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0) return;
+  throw CommandError(kFailed, fmt::format("standard output: {}", Describe(StatusFromErrno(errno))));
 }
 
 std::string Describe(Status status) {

@@ -27,6 +27,9 @@ class CommandError {
 void PrintMessage(std::string_view message);
 void PrintWarning(std::string_view message);
 
+/// Writes to standard output; ends the command when that fails.
+void PrintOutput(std::string_view text);
+
 /// The text with its control characters shown as "?".
 std::string Printable(std::string_view text);
 

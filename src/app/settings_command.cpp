@@ -21,7 +21,7 @@ void AddSettingsCommand(CLI::App& parser, Verb* verb) {
   AddSettingsOptions(*command, options.get());
   command->callback([verb, options] {
     *verb = [options] {
-      fmt::print("{}", SettingsDocument(*LoadPreferences(*options)));
+      PrintOutput(SettingsDocument(*LoadPreferences(*options)));
       return static_cast<int>(kDone);
     };
   });

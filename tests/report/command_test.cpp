@@ -43,7 +43,7 @@ TEST(CommandTest, WrongUsageIsOneLineAndStatusTwo) {
     const char* message;
   } const cases[] = {
       {{}, "subcommand"},
-      {{"mkae"}, "mkae"},
+      {{"mkae"}, "mkae: there is no such verb"},
       {{"make"}, "CAPTURE"},
       {{"make", kSample}, "--out"},
       {{"make", kSample, "--out", folder.Path(), "--bogus"}, "--bogus"},
@@ -87,10 +87,10 @@ TEST(CommandTest, CapturesThatCannotBeReadAreOneLineAndStatusOne) {
   folder.Write("header-cut.pcap", capture.substr(0, 20));
   struct {
     std::string path;
-    const char* message;
+    std::string message;
   } const cases[] = {
       {folder.Path("missing.pcap"), "missing.pcap"},
-      {folder.Path(), folder.Path().c_str()},
+      {folder.Path(), folder.Path()},
       {folder.Path("empty.pcap"), "empty"},
       {folder.Path("text.pcap"), "text.pcap"},
       {folder.Path("header-cut.pcap"), "header-cut.pcap"},
