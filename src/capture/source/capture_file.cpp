@@ -98,9 +98,9 @@ class CaptureFile final : public PacketSource {
   }
 
   void WarnOfEnd() {
-    warning_ = {E_FAIL, OneLine(path_) + ": cut off or damaged after packet " + std::to_string(packets_) + " (" +
+    warning_ = {E_FAIL, OneLine(path_) + ": reading stopped after packet " + std::to_string(packets_) + " (" +
                             OneLine(pcap_geterr(handle_)) +
-                            "); the report covers what could be read, record the capture again for the rest"};
+                            "); the report covers the packets up to there, record the capture again for the rest"};
   }
 
   std::string path_;

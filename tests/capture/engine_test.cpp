@@ -1,0 +1,356 @@
+#include "capture/context/capture_engine.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <map>
+#include <thread>
+
+#include "engine/categories.h"
+#include "platform/object.h"
+#include "tests/capture/engine_fixture.h"
+
+namespace orvo::test {
+namespace {
+
+TEST(Engine, CountsTheNodesOfBothEnds) {
+  CaptureEngine engine;
+  FeedSmallCapture(&engine);
+  View view(engine);
+  // Sent packets, bytes; received packets, bytes; broadcast, multicast packets; sizes sent, received.
+  const std::map<std::string, std::string> expected = {
+      {"02:00:00:00:00:01", "3 162; 1 100; 1 1; 42-60; 100-100"},
+      {"02:00:00:00:00:02", "1 100; 1 60; 0 0; 100-100; 60-60"},
+      {"ff:ff:ff:ff:ff:ff", "0 0; 1 42; 0 0; none; 42-42"},
+      {"01:00:5e:00:00:fb", "0 0; 1 60; 0 0; none; 60-60"},
+      {"10.0.0.1", "2 120; 1 100; 0 1; 60-60; 100-100"},
+      {"10.0.0.2", "1 100; 1 60; 0 0; 100-100; 60-60"},
+      {"224.0.0.251", "0 0; 1 60; 0 0; none; 60-60"},
+  };
+  std::map<std::string, std::string> found;
+  auto nodes = view.Get(kNodeCategory);
+  std::uint32_t count = 0;
+  ASSERT_EQ(nodes->GetCount(&count), S_OK);
+  auto sizes = [](std::uint16_t least, std::uint16_t most) {
+    return least == kNoMinimumSize ? std::string("none") : std::to_string(least) + "-" + std::to_string(most);
+  };
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const NodeEntry* node = nullptr;
+    ASSERT_EQ(nodes->GetEntry(i, &node), S_OK);
+    found[view.Text(node->address)] =
+        std::to_string(node->packets_sent) + " " + std::to_string(node->bytes_sent) + "; " +
+        std::to_string(node->packets_received) + " " + std::to_string(node->bytes_received) + "; " +
+        std::to_string(node->broadcast_packets) + " " + std::to_string(node->multicast_packets) + "; " +
+        sizes(node->min_size_sent, node->max_size_sent) + "; " +
+        sizes(node->min_size_received, node->max_size_received);
+    const NodeEntry* same = nullptr;
+    EXPECT_EQ(nodes->FindByAddress(node->address, &same), S_OK);
+    EXPECT_EQ(same, node);
+  }
+  EXPECT_EQ(found, expected);
+  const NodeEntry* node = nullptr;
+  EXPECT_EQ(nodes->GetEntry(count, &node), E_INVALIDARG);
+  EXPECT_EQ(nodes->FindByAddress(kNoAddress, &node), S_FALSE);
+  EXPECT_EQ(node, nullptr);
+}
+
+// The second packet is older than the first.
+TEST(Engine, TakesTimesInWhateverOrder) {
+  CaptureEngine engine;
+  FeedSmallCapture(&engine);
+  View view(engine);
+  std::uint64_t start = 0;
+  std::uint64_t duration = 0;
+  EXPECT_EQ(view.context->GetStartTime(&start), S_OK);
+  EXPECT_EQ(view.context->GetDuration(&duration), S_OK);
+  EXPECT_EQ(start, kNoon - kSecond);
+  EXPECT_EQ(duration, 4 * kSecond);
+  const NodeEntry* node = nullptr;
+  ASSERT_EQ(view.Get(kNodeCategory)->FindByAddress(view.Index("10.0.0.2"), &node), S_OK);
+  EXPECT_EQ(node->first_time_sent, kNoon - kSecond);
+  EXPECT_EQ(node->last_time_sent, kNoon - kSecond);
+  EXPECT_EQ(node->first_time_received, kNoon);
+}
+
+TEST(Engine, PutsLogicalAddressesBehindPhysicalOnes) {
+  CaptureEngine engine;
+  FeedSmallCapture(&engine);
+  View view(engine);
+  auto hierarchy = view.Get(kHierarchyCategory);
+  std::map<std::string, std::string> found;
+  std::uint32_t count = 0;
+  ASSERT_EQ(hierarchy->GetCount(&count), S_OK);
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const HierarchyEntry* entry = nullptr;
+    ASSERT_EQ(hierarchy->GetEntry(i, &entry), S_OK);
+    std::string key = view.Text(entry->address) + " " + (entry->parent == kNoAddress ? "*" : view.Text(entry->parent));
+    found[key] = std::to_string(entry->packets_sent) + " " + std::to_string(entry->bytes_sent) + " " +
+                 std::to_string(entry->packets_received) + " " + std::to_string(entry->bytes_received);
+  }
+  const std::map<std::string, std::string> expected = {
+      {"02:00:00:00:00:01 *", "3 162 1 100"},        {"02:00:00:00:00:01 10.0.0.1", "2 120 1 100"},
+      {"02:00:00:00:00:02 *", "1 100 1 60"},         {"02:00:00:00:00:02 10.0.0.2", "1 100 1 60"},
+      {"ff:ff:ff:ff:ff:ff *", "0 0 1 42"},           {"01:00:5e:00:00:fb *", "0 0 1 60"},
+      {"01:00:5e:00:00:fb 224.0.0.251", "0 0 1 60"},
+  };
+  EXPECT_EQ(found, expected);
+}
+
+TEST(Engine, CountsEachPacketUnderOneProtocolAndOneSize) {
+  CaptureEngine engine;
+  FeedSmallCapture(&engine);
+  View view(engine);
+  auto protocols = view.Get(kProtocolCategory);
+  std::map<std::string, std::uint64_t> found;
+  std::uint32_t count = 0;
+  ASSERT_EQ(protocols->GetCount(&count), S_OK);
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const ProtocolEntry* entry = nullptr;
+    ASSERT_EQ(protocols->GetEntry(i, &entry), S_OK);
+    found[view.Text(entry->key)] = entry->packets;
+    const ProtocolEntry* same = nullptr;
+    EXPECT_EQ(protocols->FindByKey(entry->key, &same), S_OK);
+    EXPECT_EQ(same, entry);
+  }
+  EXPECT_EQ(found, (std::map<std::string, std::uint64_t>{{"DNS", 2}, {"ARP", 1}, {"mDNS", 1}}));
+  const ProtocolEntry* entry = nullptr;
+  EXPECT_EQ(protocols->FindByKey(view.Index("10.0.0.1"), &entry), S_FALSE);
+
+  const std::uint64_t* buckets = nullptr;
+  std::uint32_t scheme = 0;
+  auto sizes = view.Get(kSizeCategory);
+  ASSERT_EQ(sizes->GetBuckets(&buckets, &count), S_OK);
+  ASSERT_EQ(sizes->GetScheme(&scheme), S_OK);
+  EXPECT_EQ(scheme, kSizesEthernet);
+  EXPECT_EQ(std::vector<std::uint64_t>(buckets, buckets + count), (std::vector<std::uint64_t>{3, 1, 0, 0, 0, 0}));
+}
+
+TEST(Engine, PutsEverySizeInABucket) {
+  const std::pair<std::uint32_t, std::size_t> cases[] = {{0, 0},    {64, 0},   {65, 1},   {128, 1},  {255, 1},
+                                                         {256, 2},  {511, 2},  {512, 3},  {1023, 3}, {1024, 4},
+                                                         {1517, 4}, {1518, 5}, {70000, 5}};
+  for (auto [size, bucket] : cases) {
+    CaptureEngine engine;
+    Buffer frame = Ethernet(Mac(2), Mac(1), 0x0806, Arp());
+    Packet packet = MakePacket(frame);
+    packet.original_length = size;
+    engine.Feed(packet);
+    View view(engine);
+    const std::uint64_t* buckets = nullptr;
+    std::uint32_t count = 0;
+    ASSERT_EQ(view.Get(kSizeCategory)->GetBuckets(&buckets, &count), S_OK);
+    EXPECT_EQ(buckets[bucket], 1U) << size;
+    const NodeEntry* node = nullptr;
+    ASSERT_EQ(view.Get(kNodeCategory)->GetEntry(0, &node), S_OK);
+    EXPECT_EQ(node->min_size_sent, std::min(size, 0xFFFEU)) << "a length must not read as no length";
+  }
+}
+
+TEST(Engine, KeepsConversationsByDirectionAndProtocol) {
+  CaptureEngine engine;
+  FeedSmallCapture(&engine);
+  View view(engine);
+  ComPtr<IConversationIndex> index;
+  ASSERT_EQ(view.context->GetConversationIndex(index.Out()), S_OK);
+  auto conversations = view.Get(kConversationCategory);
+  std::vector<std::string> found;
+  std::uint64_t key = 0;
+  for (Status status = index->FirstOfType(kAddressIp, &key); status == S_OK; status = index->NextOfType(key, &key)) {
+    ConversationEndpoints ends;
+    ASSERT_EQ(index->Resolve(key, &ends), S_OK);
+    const ConversationEntry* entry = nullptr;
+    ASSERT_EQ(conversations->FindByKey(key, &entry), S_OK);
+    EXPECT_EQ(entry->key, key);
+    found.push_back(view.Text(ends.source) + ">" + view.Text(ends.destination) + " " + view.Text(ends.protocol) + " " +
+                    std::to_string(entry->packets) + " " + std::to_string(entry->bytes));
+  }
+  EXPECT_EQ(found, (std::vector<std::string>{"10.0.0.1>10.0.0.2 DNS 1 60", "10.0.0.2>10.0.0.1 DNS 1 100",
+                                             "10.0.0.1>224.0.0.251 mDNS 1 60"}));
+  ConversationEndpoints ends;
+  const ConversationEntry* entry = nullptr;
+  for (std::uint64_t wrong : {std::uint64_t{0}, std::uint64_t{99}, ~std::uint64_t{0}}) {
+    EXPECT_EQ(index->Resolve(wrong, &ends), E_INVALIDARG);
+    EXPECT_EQ(index->NextOfType(wrong, &key), S_FALSE);
+    EXPECT_EQ(conversations->FindByKey(wrong, &entry), S_FALSE);
+  }
+  EXPECT_EQ(index->FirstOfType(kAddressIpx, &key), S_FALSE);
+}
+
+TEST(Engine, OneEpochLastsUntilAvailabilityIsAskedAgain) {
+  CaptureEngine engine;
+  FeedSmallCapture(&engine);
+  ComPtr<IStatsContext> context = engine.Context();
+  ASSERT_EQ(context->IsAvailable(), S_OK);
+  ComPtr<INodeStats> early;
+  ASSERT_EQ(GetCategory(context.get(), kNodeCategory, &early), S_OK);
+  const NodeEntry* node = nullptr;
+  ASSERT_EQ(early->GetEntry(0, &node), S_OK);
+  NodeEntry before = *node;
+
+  FeedSmallCapture(&engine);
+  Buffer stranger = Ethernet(Mac(2), Mac(77), 0x0806, Arp());
+  engine.Feed(MakePacket(stranger));
+  std::uint64_t packets = 0;
+  std::uint32_t addresses = 0;
+  ComPtr<IAddressTable> table;
+  EXPECT_EQ(context->GetTotalPackets(&packets), S_OK);
+  EXPECT_EQ(context->GetAddressTable(table.Out()), S_OK);
+  EXPECT_EQ(table->GetCount(&addresses), S_OK);
+  EXPECT_EQ(packets, 4U);
+  EXPECT_EQ(addresses, 10U);  // 4 physical, 3 logical, 3 protocols
+  EXPECT_EQ(node->packets_sent, before.packets_sent);
+
+  ComPtr<IStatsContext> another = engine.Context();
+  EXPECT_EQ(another->GetTotalPackets(&packets), S_OK);
+  EXPECT_EQ(packets, 9U) << "another context starts with an epoch of its own";
+  ASSERT_EQ(context->IsAvailable(), S_OK);
+  EXPECT_EQ(context->GetTotalPackets(&packets), S_OK);
+  EXPECT_EQ(packets, 9U);
+  EXPECT_EQ(node->packets_sent, before.packets_sent) << "what was handed out does not change";
+}
+
+TEST(Engine, AnEmptyCaptureIsAvailable) {
+  CaptureEngine engine;
+  ComPtr<IStatsContext> context = engine.Context();
+  EXPECT_EQ(context->IsAvailable(), S_OK);
+  std::uint64_t start = 1;
+  std::uint32_t medium = 1;
+  std::uint32_t subtype = 1;
+  EXPECT_EQ(context->GetStartTime(&start), S_OK);
+  EXPECT_EQ(context->GetMediumType(&medium), S_OK);
+  EXPECT_EQ(context->GetMediumSubtype(&subtype), S_OK);
+  EXPECT_EQ(start, 0U);
+  EXPECT_EQ(medium, kMediumEthernet);
+  EXPECT_EQ(subtype, kSubtypeWired);
+  EXPECT_EQ(context->GetTotalPackets(nullptr), E_POINTER);
+  EXPECT_EQ(engine.Graphs().get(), nullptr);
+}
+
+TEST(Engine, AnswersNoCategoryThatItLacks) {
+  CaptureEngine engine;
+  ComPtr<IStatsContext> context = engine.Context();
+  ComPtr<IUnknown> object;
+  for (const Guid& category : {kWirelessNodeCategory.identifier, kWirelessChannelCategory.identifier,
+                               kExpertCategory.identifier, kTrafficHistoryCategory.identifier, Guid{}}) {
+    EXPECT_EQ(context->GetCategory(category, IUnknown::kIid, object.OutVoid()), E_NOINTERFACE);
+    EXPECT_FALSE(object);
+  }
+  EXPECT_EQ(context->GetCategory(kNodeCategory.identifier, IProtocolStats::kIid, object.OutVoid()), E_NOINTERFACE);
+  EXPECT_EQ(context->GetCategory(kNodeCategory.identifier, INodeStats::kIid, nullptr), E_POINTER);
+  ComPtr<INodeStats> top_talkers;
+  EXPECT_EQ(GetCategory(context.get(), kTopTalkerCategory, &top_talkers), S_OK);
+}
+
+TEST(Engine, AResetStartsOverUnderTheOldIndices) {
+  CaptureEngine engine;
+  FeedSmallCapture(&engine);
+  View before(engine);
+  ASSERT_EQ(before.context->ResetStatistics(), S_OK);
+  EXPECT_EQ(engine.packets(), 0U);
+  Buffer frame = Ethernet(Mac(1), Mac(2), 0x0800, Ipv4(Ip4(2), Ip4(1), 1, Icmp(8)));
+  engine.Feed(MakePacket(frame));
+  View after(engine);
+  std::uint64_t packets = 0;
+  EXPECT_EQ(after.context->GetTotalPackets(&packets), S_OK);
+  EXPECT_EQ(packets, 1U);
+  EXPECT_EQ(after.Index("10.0.0.1"), before.Index("10.0.0.1"));
+  std::uint32_t nodes = 0;
+  EXPECT_EQ(after.Get(kNodeCategory)->GetCount(&nodes), S_OK);
+  EXPECT_EQ(nodes, 4U);
+  const NodeEntry* node = nullptr;
+  EXPECT_EQ(after.Get(kNodeCategory)->FindByAddress(after.Index("224.0.0.251"), &node), S_FALSE);
+  EXPECT_EQ(after.Get(kNodeCategory)->FindByAddress(after.Index("10.0.0.2"), &node), S_OK);
+  EXPECT_EQ(node->packets_sent, 1U);
+}
+
+TEST(Engine, LimitsBoundTheTablesAndTheSummarySaysSo) {
+  EngineOptions options;
+  options.max_addresses = 3;
+  options.max_conversations = 1;
+  options.max_hierarchy_rows = 2;
+  CaptureEngine engine(options);
+  FeedSmallCapture(&engine);
+  View view(engine);
+  std::uint32_t count = 0;
+  std::uint64_t packets = 0;
+  EXPECT_EQ(view.Get(kNodeCategory)->GetCount(&count), S_OK);
+  EXPECT_EQ(count, 3U);
+  EXPECT_EQ(view.Get(kConversationCategory)->GetCount(&count), S_OK);
+  EXPECT_EQ(count, 1U);
+  EXPECT_EQ(view.Get(kHierarchyCategory)->GetCount(&count), S_OK);
+  EXPECT_EQ(count, 2U);
+  EXPECT_EQ(view.context->GetTotalPackets(&packets), S_OK);
+  EXPECT_EQ(packets, 4U);
+  EXPECT_EQ(view.Value("Packets of Addresses Not Listed").first, 4U);
+  EXPECT_EQ(view.Value("Packets of Conversations Not Listed").first, 3U);
+}
+
+class CountingObserver final : public Object<IReportObserver> {
+ public:
+  std::uint64_t rows = 0;
+  Status FileDone(const char16_t*, std::uint64_t more, Status) override {
+    rows += more;
+    return S_OK;
+  }
+};
+
+TEST(Engine, OffersAnObserverOnlyWhileOneIsSet) {
+  CaptureEngine engine;
+  ComPtr<IStatsContext> context = engine.Context();
+  ComPtr<IReportObserver> offered;
+  EXPECT_EQ(Query(context.get(), &offered), E_NOINTERFACE);
+  auto observer = MakeObject<CountingObserver>();
+  engine.SetObserver(observer.get());
+  ASSERT_EQ(Query(context.get(), &offered), S_OK);
+  EXPECT_EQ(offered->FileDone(u"a", 3, S_OK), S_OK);
+  EXPECT_EQ(observer->rows, 3U);
+  engine.SetObserver(nullptr);
+  EXPECT_EQ(Query(context.get(), &offered), E_NOINTERFACE);
+}
+
+TEST(Engine, OnlyALiveCaptureHasASite) {
+  for (bool live : {false, true}) {
+    EngineOptions options;
+    options.live = live;
+    CaptureEngine engine(options);
+    ComPtr<IObjectWithSite> with_site;
+    ASSERT_EQ(Query(engine.Context().get(), &with_site), S_OK);
+    ComPtr<IEngineSite> site;
+    EXPECT_EQ(with_site->GetSite(IEngineSite::kIid, site.OutVoid()), live ? S_OK : E_FAIL);
+    EXPECT_EQ(static_cast<bool>(site), live);
+  }
+}
+
+TEST(Engine, ReadsAndFeedsAtTheSameTime) {
+  CaptureEngine engine;
+  std::atomic<bool> done = false;
+  std::thread feeder([&] {
+    for (int round = 0; round < 300; ++round) {
+      Buffer frame = Ethernet(Mac(2), Mac(static_cast<std::uint8_t>(round)), 0x0800,
+                              Ipv4(Ip4(static_cast<std::uint8_t>(round)), Ip4(2), 17, Udp(1, 53)));
+      engine.Feed(MakePacket(frame));
+      FeedSmallCapture(&engine);
+    }
+    done = true;
+  });
+  while (!done) {
+    View view(engine);
+    auto nodes = view.Get(kNodeCategory);
+    std::uint32_t count = 0;
+    std::uint64_t sent = 0;
+    std::uint64_t packets = 0;
+    nodes->GetCount(&count);
+    for (std::uint32_t i = 0; i < count; ++i) {
+      const NodeEntry* node = nullptr;
+      ASSERT_EQ(nodes->GetEntry(i, &node), S_OK);
+      if (view.Text(node->address).find(':') != std::string::npos) sent += node->packets_sent;
+    }
+    view.context->GetTotalPackets(&packets);
+    EXPECT_EQ(sent, packets) << "every packet has one physical sender";
+  }
+  feeder.join();
+  EXPECT_EQ(engine.packets(), 1500U);
+}
+
+}  // namespace
+}  // namespace orvo::test
