@@ -126,11 +126,11 @@ constexpr std::array kStatistics{
     StatisticRow{"53BA4C96-D1E8-4F07-A2D9-F6B7C0E835BC"_guid, kCounts, u"Packets of Conversations Not Listed",
                  kSummaryPackets, [](C c) { return Numbers{c.unlisted_conversations}; }},
 
-    StatisticRow{"C10F7E5A-8B92-4D36-94EB-A3D5F8C617CD"_guid, kSizes, u"Smallest Packet", kSummaryBytes,
+    StatisticRow{"C10F7E5A-8B92-4D36-94EB-A3D5F8C617CD"_guid, kSizes, u"Smallest Packet", kSummaryInteger,
                  [](C c) {
                    return Numbers{c.shortest, 0, c.total.packets != 0};
                  }},
-    StatisticRow{"67D8B2E0-F5C4-4A13-8B7F-1E0A9C6D48DE"_guid, kSizes, u"Largest Packet", kSummaryBytes,
+    StatisticRow{"67D8B2E0-F5C4-4A13-8B7F-1E0A9C6D48DE"_guid, kSizes, u"Largest Packet", kSummaryInteger,
                  [](C c) {
                    return Numbers{c.longest, 0, c.total.packets != 0};
                  }},
