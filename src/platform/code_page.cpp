@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <mutex>
+#include <optional>
 
 #include "platform/error.h"
 #include "platform/utf.h"
@@ -44,7 +45,7 @@ class Converter {
 /// True for encodings without shift states in which every printable ASCII character and the usual controls stand for
 /// themselves, so that runs of ASCII can be copied.
 bool IsAsciiSuperset(UConverter* converter) {
-  constexpr UConverterType kStateless[] = {UCNV_SBCS, UCNV_MBCS, UCNV_LATIN_1, UCNV_US_ASCII, UCNV_UTF8, UCNV_CESU8};
+  constexpr UConverterType kStateless[] = {UCNV_SBCS, UCNV_MBCS, UCNV_LATIN_1, UCNV_US_ASCII, UCNV_UTF8};
   if (std::ranges::find(kStateless, ucnv_getType(converter)) == std::end(kStateless)) return false;
   std::string ascii = "\t\n\r";
   for (char c = 0x20; c < 0x7F; ++c) ascii += c;
@@ -59,30 +60,36 @@ bool IsAsciiSuperset(UConverter* converter) {
   return U_SUCCESS(error) && std::string_view(encoded, static_cast<std::size_t>(length)) == ascii;
 }
 
-/// The name under which an encoding is known to others.
-std::string StandardName(UConverter* converter) {
-  if (ucnv_getType(converter) == UCNV_UTF8) return kUtf8;
+/// An encoding by the name under which others know it, and by the library's own, which alone is unambiguous.
+struct Encoding {
+  std::string name;
+  std::string converter;
+};
+
+Encoding EncodingOf(UConverter* converter) {
   UErrorCode error = U_ZERO_ERROR;
-  const char* name = ucnv_getName(converter, &error);
-  if (U_FAILURE(error)) return {};
+  const char* own = ucnv_getName(converter, &error);
+  if (U_FAILURE(error)) Raise(E_FAIL);
   for (const char* standard : {"MIME", "IANA"}) {
     UErrorCode ignored = U_ZERO_ERROR;
-    if (const char* known = ucnv_getStandardName(name, standard, &ignored)) return known;
+    if (const char* known = ucnv_getStandardName(own, standard, &ignored)) return {known, own};
   }
-  return name;
+  return {own, own};
 }
 
-/// The standard name of an encoding that can serve as code page, empty when it cannot.
-std::string CheckedName(std::string_view name) {
+/// The encoding of that name, when there is one that can serve as code page.
+std::optional<Encoding> FindEncoding(std::string_view name) {
   // A comma would begin the library's own options.
-  if (name.empty() || name.size() > 100 || name.find_first_of(std::string_view(",\0", 2)) != name.npos) return {};
+  if (name.empty() || name.size() > 100 || name.find_first_of(std::string_view(",\0", 2)) != name.npos) {
+    return std::nullopt;
+  }
   Converter converter{std::string(name)};
-  if (!converter || !IsAsciiSuperset(converter.get())) return {};
-  return StandardName(converter.get());
+  if (!converter || !IsAsciiSuperset(converter.get())) return std::nullopt;
+  return EncodingOf(converter.get());
 }
 
 /// The codeset of the user's locale: what stands behind the full stop, as in "de_DE.ISO-8859-15@euro".
-std::string UserCodeset() {
+Encoding UserCodeset() {
   for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
     const char* value = std::getenv(variable);
     if (!value || !*value) continue;
@@ -90,17 +97,16 @@ std::string UserCodeset() {
     std::size_t dot = locale.find('.');
     if (dot == locale.npos) break;
     locale.remove_prefix(dot + 1);
-    std::string name = CheckedName(locale.substr(0, locale.find('@')));
-    if (!name.empty()) return name;
+    if (std::optional<Encoding> encoding = FindEncoding(locale.substr(0, locale.find('@')))) return *encoding;
     break;
   }
-  return kUtf8;
+  return {kUtf8, kUtf8};
 }
 
 struct Selection {
   std::mutex lock;
-  std::string name = UserCodeset();
-  // Changes with the name, so that a thread sees without the lock that its converter is out of date.
+  Encoding encoding = UserCodeset();
+  // Changes with the encoding, so that a thread sees without the lock that its converter is out of date.
   std::atomic<std::uint64_t> generation{1};
 };
 
@@ -134,7 +140,7 @@ ThreadCodePage& CurrentCodePage() {
   std::uint64_t generation = 0;
   {
     std::lock_guard lock(selection.lock);
-    name = selection.name;
+    name = selection.encoding.converter;
     generation = selection.generation.load(std::memory_order_relaxed);
   }
   page.is_utf8 = name == kUtf8;
@@ -193,11 +199,11 @@ void AppendInCodePage(std::u16string_view text, UConverter* converter, std::stri
 
 Status SetCodePage(std::string_view name) {
   return Guard([&] {
-    std::string checked = CheckedName(name);
-    if (checked.empty()) Raise(E_INVALIDARG);
+    std::optional<Encoding> encoding = FindEncoding(name);
+    if (!encoding) Raise(E_INVALIDARG);
     Selection& selection = Selected();
     std::lock_guard lock(selection.lock);
-    selection.name = std::move(checked);
+    selection.encoding = std::move(*encoding);
     selection.generation.fetch_add(1, std::memory_order_release);
   });
 }
@@ -205,7 +211,7 @@ Status SetCodePage(std::string_view name) {
 std::string CodePageName() {
   Selection& selection = Selected();
   std::lock_guard lock(selection.lock);
-  return selection.name;
+  return selection.encoding.name;
 }
 
 Status AppendNarrow(std::u16string_view text, std::string* out) {
