@@ -74,7 +74,7 @@ icu::Locale LocaleFromEnvironment() {
 
 std::string LanguageTag(const icu::Locale& locale) {
   UErrorCode error = U_ZERO_ERROR;
-  std::string tag = locale.toLanguageTag<std::string>(error);
+  auto tag = locale.toLanguageTag<std::string>(error);
   return U_SUCCESS(error) ? tag : kDefaultTag;
 }
 
@@ -227,8 +227,8 @@ void ReadDateForm(const icu::Locale& locale, LocaleData* data) {
   simple->toPattern(pattern);
   simple->applyPattern(WithFullYear(pattern));
   simple->adoptTimeZone(icu::TimeZone::getGMT()->clone());
-  format.release();
   data->date.reset(simple);
+  (void)format.release();
 }
 
 // ---- The user's locale ---------------------------------------------------------------------------------------------
@@ -274,14 +274,14 @@ const LocaleData& UserLocale() {
 }
 
 void AppendNumber(const LocaleData& data, int value, std::size_t smallest_length, std::u16string* out) {
-  char buffer[16];
+  std::size_t reversed[16];
   std::size_t length = 0;
   do {
-    buffer[length++] = static_cast<char>(value % 10);
+    reversed[length++] = static_cast<std::size_t>(value % 10);
     value /= 10;
   } while (value > 0);
   for (std::size_t i = length; i < smallest_length; ++i) *out += data.digits[0];
-  while (length > 0) *out += data.digits[static_cast<std::size_t>(buffer[--length])];
+  while (length > 0) *out += data.digits[reversed[--length]];
 }
 
 bool IsCalendarDay(const CalendarTime& date) {
