@@ -5,8 +5,8 @@
 namespace orvo {
 namespace {
 
-constexpr std::size_t kBlock = 256 * 1024;
-constexpr std::size_t kBufferCapacity = kBlock + 16 * 1024;
+constexpr std::size_t kBlock = std::size_t{256} * 1024;
+constexpr std::size_t kBufferCapacity = kBlock + std::size_t{16} * 1024;
 constexpr int kOpenAttempts = 8;
 
 constexpr Status kFileNotFound = StatusFromError(kErrorFileNotFound);
