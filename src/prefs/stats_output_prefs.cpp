@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <span>
 
 #include "util/ascii.h"
 #include "util/persist_xml_arguments.h"
@@ -25,8 +26,9 @@ std::u16string ElementName(SwitchGroup group) {
   return WidenAscii(kSwitchGroupElements[static_cast<std::size_t>(group)]);
 }
 
-auto SwitchesOf(SwitchGroup group) {
-  return std::ranges::equal_range(kSwitches, group, {}, &Switch::group);
+std::span<const Switch> SwitchesOf(SwitchGroup group) {
+  return {std::ranges::lower_bound(kSwitches, group, {}, &Switch::group),
+          std::ranges::upper_bound(kSwitches, group, {}, &Switch::group)};
 }
 
 }  // namespace

@@ -19,7 +19,7 @@ COrvoReportsModule& Module() {
   return the_module;
 }
 
-Status COrvoReportsModule::GetClassObject(const Guid& class_id, const Guid& iid, void** out) {
+Status COrvoReportsModule::GetClassObject(const Guid& class_id, const Guid& iid, void** out) const {
   if (!out) return E_POINTER;
   *out = nullptr;
   if (Failed(status_)) return status_;

@@ -13,7 +13,7 @@ class COrvoReportsModule {
   COrvoReportsModule() : status_(lock_.Initialise()) {}
 
   /// CLASS_E_CLASSNOTAVAILABLE for a class that the module does not offer; E_POINTER for a null out pointer.
-  Status GetClassObject(const Guid& class_id, const Guid& iid, void** out);
+  Status GetClassObject(const Guid& class_id, const Guid& iid, void** out) const;
   /// S_OK when no object and no factory lock is left, else S_FALSE.
   Status CanUnloadNow() const;
   /// One of the two at a time; see registration.h.

@@ -1,7 +1,5 @@
 #include "frame/module/registration.h"
 
-#include <optional>
-#include <ranges>
 #include <span>
 #include <string>
 
@@ -69,13 +67,13 @@ struct Replacements {
 
   std::u16string Fill(std::string_view text) const {
     std::u16string filled;
-    bool is_word = false;
-    for (auto piece : std::views::split(text, '%')) {
-      std::string_view part(piece.begin(), piece.end());
+    for (bool is_word = false;; is_word = !is_word) {
+      std::size_t end = text.find('%');
+      std::string_view part = text.substr(0, end);
       filled += is_word ? For(part) : WidenAscii(part);
-      is_word = !is_word;
+      if (end == std::string_view::npos) return filled;
+      text.remove_prefix(end + 1);
     }
-    return filled;
   }
 };
 
@@ -100,7 +98,7 @@ Status Write(std::span<const RegistryLine> script, const Replacements& texts) {
 // In reverse, so that keys are empty once the keys below them are gone.
 Status Remove(std::span<const RegistryLine> script, const Replacements& texts) {
   return Registry::Update([&](Registry& registry) {
-    for (const RegistryLine& line : std::views::reverse(script)) RemoveLine(line, texts, &registry);
+    for (std::size_t i = script.size(); i-- > 0;) RemoveLine(script[i], texts, &registry);
     return S_OK;
   });
 }
