@@ -18,7 +18,7 @@ const std::string kSaved = "11/22/2026 14:05:09,";
 class DetailFileTest : public TextReportTest {
  protected:
   DetailFileTest() {
-    preferences->SetPreference(kSwitchOutputNodeStats, 0);
+    OnlySection(kSwitchOutputNodeDetails);
     engine.protocol_tree = {{6, {u"TCP", 0}}};
     source_ = engine.live.AddIp(10, 0, 0, 1);
     destination_ = engine.live.AddIp(10, 0, 0, 2);
