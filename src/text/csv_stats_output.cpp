@@ -3,7 +3,9 @@
 #include "platform/code_page.h"
 #include "platform/error.h"
 #include "prefs/switch_ids.h"
+#include "text/detail_file.h"
 #include "text/node_files.h"
+#include "text/protocol_file.h"
 #include "text/summary_file.h"
 #include "text/text_report.h"
 
@@ -25,6 +27,8 @@ struct Section {
 constexpr Section kSections[] = {
     {kNoGate, WriteSummaryFile},
     {kSwitchOutputNodeStats, WriteNodeFiles},
+    {kSwitchOutputProtocolStats, WriteProtocolFile},
+    {kSwitchOutputNodeDetails, WriteDetailFile},
 };
 
 }  // namespace
@@ -42,6 +46,7 @@ void CSVStatsOutput::WriteReport(const ReportJob& job) {
   TextReport report{.job = job,
                     .preferences = preferences(),
                     .util = report_util(),
+                    .protocol_names = protocol_names(),
                     .statistic_map = statistic_map_,
                     .extension = extension_,
                     .separator = narrow_separator_,

@@ -18,6 +18,7 @@ struct TextReport {
   const ReportJob& job;
   IStatsOutputPrefs& preferences;
   ReportUtil& util;
+  IProtocolNameService& protocol_names;
   StatisticMap& statistic_map;
   std::u16string_view extension;
   std::string_view separator;  ///< in the code page of text files

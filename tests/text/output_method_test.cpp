@@ -19,7 +19,7 @@ class FailingPreferences final : public Object<IStatsOutputPrefs> {
  public:
   Status GetPreference(std::uint32_t identifier, std::int32_t* value) override {
     if (identifier == failing) return E_OUTOFMEMORY;
-    *value = 1;
+    *value = identifier != kSwitchOutputProtocolStats && identifier != kSwitchOutputNodeDetails;
     return S_OK;
   }
   Status SetPreference(std::uint32_t /*identifier*/, std::int32_t /*value*/) override { return S_OK; }

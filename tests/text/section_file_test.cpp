@@ -30,7 +30,10 @@ constexpr const char* kIpFile = "Node Statistics-IP.csv";
 
 class SectionFileTest : public TextReportTest {
  protected:
-  SectionFileTest() { AddNode(u"10.0.0.1", u"first"); }
+  SectionFileTest() {
+    OnlySection(kSwitchOutputNodeStats);
+    AddNode(u"10.0.0.1", u"first");
+  }
 
   void AddNode(const char16_t* address, const char16_t* name) {
     NodeEntry node;
