@@ -1,6 +1,5 @@
 #include "frame/module/registration.h"
 
-#include <optional>
 #include <ranges>
 #include <span>
 #include <string>
