@@ -342,6 +342,7 @@ class LiveContext final : public ContextBase<IStatsSnapshotSource, IReportObserv
 
   void* FindInterface(const Guid& iid) override {
     if (iid == IReportObserver::kIid && !engine_->offers_observer) return nullptr;
+    if (iid == IStatsSnapshotSource::kIid && !engine_->offers_snapshots) return nullptr;
     return ContextBase::FindInterface(iid);
   }
 

@@ -184,6 +184,13 @@ TEST_F(NodeFilesTest, MissingObjectsSkipTheirFilesOnly) {
   EXPECT_TRUE(folder.Has("Node Statistics-Hierarchy.csv"));
 }
 
+TEST_F(NodeFilesTest, WithoutAnAddressTableThereAreNoNodeFiles) {
+  AddBusyNode();
+  engine.Fail("IStatsContext::GetAddressTable", 1, S_FALSE);  // no failure, and no table
+  ASSERT_EQ(Output(), S_OK);
+  EXPECT_THAT(folder.Names(), ElementsAre("Summary Statistics.csv"));
+}
+
 TEST_F(NodeFilesTest, FailingQueryEndsItsFileAndKeepsTheRowsBefore) {
   for (int i = 1; i <= 5; ++i) AddNode(engine.live.AddIp(10, 0, 0, static_cast<std::uint8_t>(i)), 1);
   AddNode(engine.live.AddPhysical(0x020000000001), 2);

@@ -56,6 +56,10 @@ TEST_F(OutputMethodTest, AFailingSnapshotStepEndsTheReport) {
     EXPECT_EQ(Output(), DISP_E_OVERFLOW) << step;
     EXPECT_THAT(folder.Names(), IsEmpty());
   }
+  engine.offers_snapshots = false;
+  EXPECT_EQ(Output(), E_NOINTERFACE);
+  EXPECT_EQ(engine.availability_queries, 5) << "availability is asked for before anything can fail";
+  EXPECT_THAT(folder.Names(), IsEmpty());
 }
 
 TEST_F(OutputMethodTest, WithoutStatisticsNothingIsWrittenThoughTheSnapshotIsTaken) {
