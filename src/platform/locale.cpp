@@ -7,6 +7,7 @@
 #include <unicode/localebuilder.h>
 #include <unicode/smpdtfmt.h>
 #include <unicode/timezone.h>
+#include <unicode/uchar.h>
 
 #include <array>
 #include <atomic>
@@ -195,13 +196,24 @@ std::vector<TimePiece> CompileTime(std::u16string_view pattern) {
   return pieces;
 }
 
+/// True for a time of day such as "9 h 22 min 3 s": reports write durations and fractions in the same form, where only
+/// signs may stand between the numbers.
+bool NamesItsUnits(const icu::UnicodeString& pattern) {
+  for (std::int32_t at = 0; at < pattern.length(); ++at) {
+    const char16_t unit = pattern[at];
+    if (u_isalpha(unit) && unit != u'H' && unit != u'm' && unit != u's') return true;
+  }
+  return false;
+}
+
 void ReadTimeForm(const icu::Locale& locale, LocaleData* data) {
   UErrorCode error = U_ZERO_ERROR;
   std::unique_ptr<icu::DateTimePatternGenerator> generator(
       icu::DateTimePatternGenerator::createInstance(locale, error));
   icu::UnicodeString pattern;
   if (U_SUCCESS(error)) pattern = generator->getBestPattern(icu::UnicodeString(u"Hms"), error);
-  data->time = CompileTime(U_SUCCESS(error) ? TextOf(pattern) : u"HH:mm:ss");
+  const bool usable = U_SUCCESS(error) && !NamesItsUnits(pattern);
+  data->time = CompileTime(usable ? TextOf(pattern) : u"HH:mm:ss");
 }
 
 /// The pattern with every two-digit year written in full.

@@ -15,8 +15,6 @@ namespace {
 constexpr MethodTraits kTraits{
     .class_id = kCsvStatsOutputClass, .settings_element = u"csvstatsoutput", .is_text_method = true};
 
-constexpr int kNoGate = -1;
-
 /// The sections in the order in which they are written. A gate that cannot be read ends the report; a section that
 /// fails ends alone.
 struct Section {
@@ -25,7 +23,7 @@ struct Section {
 };
 
 constexpr Section kSections[] = {
-    {kNoGate, WriteSummaryFile},
+    {kAlways, WriteSummaryFile},
     {kSwitchOutputNodeStats, WriteNodeFiles},
     {kSwitchOutputProtocolStats, WriteProtocolFile},
     {kSwitchOutputNodeDetails, WriteDetailFile},
@@ -56,8 +54,7 @@ void CSVStatsOutput::WriteReport(const ReportJob& job) {
   if (Failed(Query(job.live, &report.observer))) report.observer.Reset();
 
   for (const Section& section : kSections) {
-    if (section.gate != kNoGate && !report.IsOn(static_cast<std::uint32_t>(section.gate))) continue;
-    (void)Guard([&] { section.write(report); });
+    if (report.IsOn(section.gate)) (void)Guard([&] { section.write(report); });
   }
 }
 

@@ -90,7 +90,7 @@ void WriteRows(TextReport& report, const Tables& tables, SectionFile& file) {
 void WriteDetailFile(TextReport& report) {
   Tables tables;
   if (!Obtain(report, kConversationCategory, &tables.conversations) || !Obtain(report, kNodeCategory, &tables.nodes) ||
-      !Obtain(report, kProtocolCategory, &tables.protocols)) {
+      !Obtain(report, kProtocolCategory, &tables.protocols) || !report.addresses) {
     return;
   }
   Check(report.job.live->GetConversationIndex(tables.index.Out()));

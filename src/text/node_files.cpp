@@ -35,7 +35,7 @@ constexpr Column<NodeEntry> kNodeColumns[] = {
 };
 
 struct NodeFamily {
-  std::uint32_t gate;
+  int gate;
   StringId title;
   std::uint8_t type;
 };

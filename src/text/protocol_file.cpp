@@ -98,7 +98,9 @@ void WriteRows(TextReport& report, IProtocolStats& protocols, const Switches& sw
 
 void WriteProtocolFile(TextReport& report) {
   ComPtr<IProtocolStats> protocols;
-  if (Failed(GetCategory(report.job.statistics, kProtocolCategory, &protocols)) || !protocols) return;
+  if (Failed(GetCategory(report.job.statistics, kProtocolCategory, &protocols)) || !protocols || !report.addresses) {
+    return;
+  }
   const Switches switches{.path = report.IsOn(kSwitchProtoPath), .packets = report.IsOn(kSwitchProtoPackets)};
   WriteSectionFile(report, FilePath(report, kStrProtocolStatistics, kStrInstance), Header(report, switches),
                    [&](SectionFile& file) { WriteRows(report, *protocols, switches, file); });

@@ -58,6 +58,11 @@ TEST(LocaleTest, FormsAndItemsAreTheLocales) {
   }
   ASSERT_EQ(SetUserLocale("sv"), S_OK);
   EXPECT_EQ(LocaleInfo(LocaleItem::kNegativeSign), u"\u2212");
+  // Locales that name hours and minutes in a time of day.
+  for (const char* wordy : {"fr_CA", "ko_KR", "bg_BG"}) {
+    ASSERT_EQ(SetUserLocale(wordy), S_OK);
+    EXPECT_EQ(Time(14, 5, 9), u"14:05:09") << wordy;
+  }
 }
 
 TEST(LocaleTest, AnUnknownLanguageLeavesTheLocaleAsItIs) {
