@@ -1,6 +1,9 @@
 #include <fmt/core.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -47,13 +50,34 @@ void ApplyLocale(const MakeOptions& options) {
   }
 }
 
-/// Makes a folder with its parents and gives it in full. Ends the command when it is not there afterwards.
+/// A format, and the folder that its report goes into.
+struct Target {
+  const Format* format;
+  fs::path folder;
+};
+
+/// Makes a folder with its parents and gives it in full. Ends the command when no file can be made in it.
 fs::path MakeFolder(const fs::path& path) {
   std::error_code error;
   fs::path folder = fs::absolute(path, error);
   if (!error) fs::create_directories(folder, error);
   if (error) throw CommandError(kFailed, fmt::format("{}: cannot be made: {}", path.string(), error.message()));
+  if (access(folder.c_str(), W_OK | X_OK) != 0) {
+    throw CommandError(kFailed,
+                       fmt::format("{}: cannot be written: {}", path.string(), Describe(StatusFromErrno(errno))));
+  }
   return folder;
+}
+
+/// The folder of each format: the one that was named, or, since several formats would mix their files there, one for
+/// each below it.
+std::vector<Target> MakeTargets(const MakeOptions& options) {
+  const std::vector<const Format*> formats = ParseFormats(options.formats);
+  const fs::path out(options.out);
+  std::vector<Target> targets;
+  for (const Format* format : formats)
+    targets.push_back({format, MakeFolder(formats.size() == 1 ? out : out / format->name)});
+  return targets;
 }
 
 using Sources = std::vector<std::unique_ptr<PacketSource>>;
@@ -71,8 +95,7 @@ Sources OpenCaptures(const std::vector<std::string>& captures) {
 
 /// Reads all captures into the engine, as one. What is wrong with the end of one is a warning: the report shows what is
 /// there.
-void ReadCaptures(const MakeOptions& options, CaptureEngine& engine) {
-  const Sources sources = OpenCaptures(options.captures);
+void ReadCaptures(const MakeOptions& options, const Sources& sources, CaptureEngine& engine) {
   std::vector<PacketSource*> parts;
   for (const auto& source : sources) parts.push_back(source.get());
   MergedSource merged(parts);
@@ -107,50 +130,57 @@ std::string WhyNotWritten(const ReportFiles::File& file) {
   return Describe(file.status);
 }
 
-/// Writes one report in one format; prints the files that it wrote. False when one of them failed.
-bool WriteReport(const MakeOptions& options, const Format& format, const fs::path& folder, CaptureEngine& engine,
+/// Prints the files that were written, and one message for each cause that kept others from it. False when there are
+/// such.
+bool PrintFiles(const ReportFiles& files) {
+  std::map<std::string, std::vector<std::string>> failed;
+  for (const ReportFiles::File& file : files.files()) {
+    if (Failed(file.status)) {
+      failed[WhyNotWritten(file)].push_back(file.path);
+    } else {
+      PrintOutput(fmt::format("{} ({} {})\n", Printable(file.path), file.rows, file.rows == 1 ? "row" : "rows"));
+    }
+  }
+  for (const auto& [cause, paths] : failed) {
+    const std::string others = paths.size() == 1 ? "" : fmt::format(" (and {} more)", paths.size() - 1);
+    PrintMessage(fmt::format("{}{}: {}", paths.front(), others, cause));
+  }
+  return failed.empty();
+}
+
+/// Writes one report in one format. False when one of its files failed.
+bool WriteReport(const MakeOptions& options, const Target& target, CaptureEngine& engine,
                  IStatsOutputPrefs& preferences) {
+  const Format& format = *target.format;
   auto files = MakeObject<ReportFiles>();
   engine.SetObserver(files.get());
   auto method = CreateComponent<IStatsOutputMethod>(format.method, fmt::format("the report library ({})", format.name));
   Require(method->SetFormat(Bstr(format.extension).get(), Bstr(format.separator).get(), &preferences, nullptr),
           format.name);
 
-  const Bstr report_folder(PathFromSystem(folder.string() + "/"));
+  const Bstr report_folder(PathFromSystem(target.folder.string() + "/"));
   ComPtr<IStatsContext> context = engine.Context();
   ComPtr<IGraphCollection> graphs = engine.Graphs();
   Status status = options.live ? method->OutputLive(context.get(), report_folder.get(), graphs.get())
                                : method->Output(report_folder.get(), context.get(), graphs.get());
   engine.SetObserver(nullptr);
-  Require(status, folder.string());
-
-  bool all_written = true;
-  for (const ReportFiles::File& file : files->files()) {
-    if (Failed(file.status)) {
-      PrintMessage(fmt::format("{}: {}", file.path, WhyNotWritten(file)));
-      all_written = false;
-    } else {
-      PrintOutput(fmt::format("{} ({} {})\n", Printable(file.path), file.rows, file.rows == 1 ? "row" : "rows"));
-    }
-  }
-  return all_written;
+  Require(status, target.folder.string());
+  return PrintFiles(*files);
 }
 
 int Make(const MakeOptions& options) {
+  // Whatever can be wrong with the words and folders is found before the long work begins.
   ApplyLocale(options);
-  const std::vector<const Format*> formats = ParseFormats(options.formats);
+  (void)ParseFormats(options.formats);
   ComPtr<IStatsOutputPrefs> preferences = LoadPreferences(options.settings);
-
   CaptureEngine engine({.plain_addresses = options.no_names});
   Require(engine.RegisterClasses(), "the capture engine");
-  ReadCaptures(options, engine);
+  const Sources sources = OpenCaptures(options.captures);
+  const std::vector<Target> targets = MakeTargets(options);
+
+  ReadCaptures(options, sources, engine);
   bool all_written = true;
-  for (const Format* format : formats) {
-    // Several formats would mix their files: each gets a folder of its own then.
-    const fs::path folder =
-        MakeFolder(formats.size() == 1 ? fs::path(options.out) : fs::path(options.out) / format->name);
-    all_written &= WriteReport(options, *format, folder, engine, *preferences);
-  }
+  for (const Target& target : targets) all_written &= WriteReport(options, target, engine, *preferences);
   return all_written ? kDone : kFailed;
 }
 

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "app/messages.h"
 
@@ -18,7 +19,7 @@ constexpr const char* kWrap = "\x1b[?7h";
 
 }  // namespace
 
-Progress::Progress(bool wanted, std::string what)
+Progress::Progress(bool wanted, std::string_view what)
     : wanted_(wanted && isatty(STDERR_FILENO) == 1),
       what_(Printable(what)),
       begin_(std::chrono::steady_clock::now()),
@@ -41,7 +42,7 @@ void Progress::Show(Time now, std::uint64_t done, std::uint64_t total, std::uint
     const double part = std::min(1.0, static_cast<double>(done) / static_cast<double>(total));
     const double left = part < 1 ? seconds * (1 - part) / part : 0;
     line = fmt::format("{:3.0f}%, {} packets, {:.0f} a second, {} left: {}", 100 * part, packets, rate,
-                       DurationText(static_cast<std::uint64_t>(left + 0.5)), what_);
+                       DurationText(static_cast<std::uint64_t>(std::llround(left))), what_);
   } else {
     line = fmt::format("{} packets, {:.0f} a second: {}", packets, rate, what_);
   }

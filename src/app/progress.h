@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace orvo::app {
 
@@ -11,7 +12,7 @@ namespace orvo::app {
 class Progress {
  public:
   /// Nothing is shown when `wanted` is false. `what` names the work in a few words ("reading capture.pcap").
-  Progress(bool wanted, std::string what);
+  Progress(bool wanted, std::string_view what);
   ~Progress() { Clear(); }
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;

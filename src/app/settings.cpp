@@ -101,7 +101,7 @@ void LoadFile(IStatsOutputPrefs& preferences, const std::string& file) {
 }
 
 const Switch& FindSwitch(std::string_view name) {
-  auto found = std::ranges::find(kSwitches, name, &Switch::name);
+  const auto* found = std::ranges::find(kSwitches, name, &Switch::name);
   if (found != kSwitches.end()) return *found;
   throw CommandError(kUsage,
                      fmt::format("--set {}: there is no such switch (list them with: orvo-report settings)", name));
@@ -134,9 +134,9 @@ ComPtr<IStatsOutputPrefs> LoadPreferences(const SettingsOptions& options) {
 
 std::string SettingsDocument(IStatsOutputPrefs& preferences) {
   std::string text = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<OrvoSettings>\n  <StatsOutputPrefs>\n";
-  for (auto entry = kSwitches.begin(); entry != kSwitches.end();) {
-    const auto group = entry;
-    const auto group_end =
+  for (const auto* entry = kSwitches.begin(); entry != kSwitches.end();) {
+    const auto* const group = entry;
+    const auto* const group_end =
         std::find_if(group, kSwitches.end(), [&](const Switch& other) { return other.group != group->group; });
     text += "    <!--\n";
     for (; entry != group_end; ++entry) text += fmt::format("      {}: {}\n", entry->name, entry->explanation);

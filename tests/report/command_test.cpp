@@ -162,8 +162,18 @@ TEST(CommandTest, OutputFoldersThatCannotBeHadAreOneLineAndStatusOne) {
     chmod(folder.Path("closed").c_str(), 0555);
     const CommandResult closed = RunCommand({"make", kSample, "--out", folder.Path("closed")});
     EXPECT_EQ(closed.exit_status, 1);
-    EXPECT_THAT(closed.messages, HasSubstr("orvo-report: "));
+    ExpectOneMessage(closed, "closed: cannot be written");
   }
+}
+
+TEST(CommandTest, OneCauseIsOneLineHoweverManyFilesItStops) {
+  TemporaryFolder folder;
+  for (const char* name : {"Node Statistics-IP.csv", "Node Statistics-IPv6.csv", "Summary Statistics.csv"}) {
+    fs::create_directory(folder.Path(name));
+  }
+  const CommandResult result = RunCommand({"make", kSample, "--out", folder.Path()});
+  EXPECT_EQ(result.exit_status, 1);
+  ExpectOneMessage(result, "Summary Statistics.csv (and 2 more): ");
 }
 
 TEST(CommandTest, AFileThatCannotBeWrittenIsNamedAndTheOthersAreWritten) {
