@@ -100,6 +100,8 @@ class CaptureFolder {
 
   std::string Path(const std::string& name) const { return path_ + "/" + name; }
   std::string Write(const Buffer& bytes, const std::string& name = "capture") const {
+    // A file of its own each time: some systems wait for the disk where one is overwritten.
+    std::filesystem::remove(Path(name));
     std::ofstream(Path(name), std::ios::binary)
         .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     return Path(name);

@@ -20,7 +20,7 @@ Buffer Frame(std::size_t size = 42) {
 }
 
 ReadCapture Read(const Buffer& bytes) {
-  const CaptureFolder folder;
+  static const CaptureFolder folder;
   return ReadCapture(folder.Write(bytes));
 }
 
