@@ -14,7 +14,7 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr std::uint32_t k2020 = 1'577'836'800;  // kNoon in seconds since 1970
+constexpr std::uint32_t k2020 = 1'577'836'800;  // kNewYear in seconds since 1970
 
 Buffer Frame() {
   return Ethernet(Mac(2), Mac(1), 0x0806, Arp());
@@ -27,10 +27,10 @@ TEST(CaptureFileTest, GivesPacketsWithTheirTimes) {
     std::uint32_t magic, seconds, fraction;
     std::uint64_t time;
   } const cases[] = {
-      {0xA1B2C3D4, k2020, 123456, kNoon + 123'456'000},
-      {0xA1B23C4D, k2020, 123456789, kNoon + 123'456'789},
+      {0xA1B2C3D4, k2020, 123456, kNewYear + 123'456'000},
+      {0xA1B23C4D, k2020, 123456789, kNewYear + 123'456'789},
       {0xA1B2C3D4, 0xFFFFFFFF, 0, kUnixEpoch + 0xFFFFFFFFULL * kSecond},  // the year 2106, not 1969
-      {0xA1B2C3D4, k2020, 0xFFFFFFFF, kNoon},                             // no fraction of a second
+      {0xA1B2C3D4, k2020, 0xFFFFFFFF, kNewYear},                          // no fraction of a second
   };
   const CaptureFolder folder;
   for (bool big : {false, true}) {

@@ -10,7 +10,7 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr std::uint64_t k2020 = 1'577'836'800;  // kNoon in seconds since 1970
+constexpr std::uint64_t k2020 = 1'577'836'800;  // kNewYear in seconds since 1970
 constexpr std::uint32_t kNoBlock = 0x0BAD;
 
 Buffer Frame(std::size_t size = 42) {
@@ -43,7 +43,8 @@ TEST(PcapngFileTest, ReadsEveryKindOfBlockInBothByteOrders) {
       std::uint32_t original, link_type, interface_number;
     } const expected[] = {
         {kUnixEpoch, 20, 60, 1, 0},  // no time before it
-        {kNoon + 7, 43, 43, 1, 0},  {kNoon + 7, 20, 42, 1, 0}, {kNoon + 7'000, 44, 44, 105, 1}, {kNoon, 0, 0, 105, 1},
+        {kNewYear + 7, 43, 43, 1, 0},       {kNewYear + 7, 20, 42, 1, 0},
+        {kNewYear + 7'000, 44, 44, 105, 1}, {kNewYear, 0, 0, 105, 1},
     };
     for (std::size_t i = 0; i < read.packets.size(); ++i) {
       const ReadPacket& got = read.packets[i];
@@ -83,21 +84,21 @@ TEST(PcapngFileTest, TimesHaveEveryResolution) {
     std::uint64_t stamp;
     std::uint64_t time;
   } const cases[] = {
-      {0, 0, k2020, kNoon},
-      {3, 0, k2020 * 1000 + 5, kNoon + 5'000'000},
-      {6, 3, k2020 * 1'000'000 + 5, kNoon + 3 * kSecond + 5'000},
-      {6, -3, k2020 * 1'000'000 + 5, kNoon - 3 * kSecond + 5'000},
-      {9, 0, k2020 * kSecond + 5, kNoon + 5},
-      {10, 0, k2020 * kSecond * 10 + 59, kNoon + 5},
-      {12, static_cast<std::int64_t>(k2020), 5'999, kNoon + 5},
+      {0, 0, k2020, kNewYear},
+      {3, 0, k2020 * 1000 + 5, kNewYear + 5'000'000},
+      {6, 3, k2020 * 1'000'000 + 5, kNewYear + 3 * kSecond + 5'000},
+      {6, -3, k2020 * 1'000'000 + 5, kNewYear - 3 * kSecond + 5'000},
+      {9, 0, k2020 * kSecond + 5, kNewYear + 5},
+      {10, 0, k2020 * kSecond * 10 + 59, kNewYear + 5},
+      {12, static_cast<std::int64_t>(k2020), 5'999, kNewYear + 5},
       {19, 0, 15'000'000'000'000'000'000U, kUnixEpoch + kSecond + kSecond / 2},
       {20, 0, 15'000'000'000'000'000'000U, kUnixEpoch + 150'000'000},
       {28, 0, kMax, kUnixEpoch + 1},
       {29, 0, kMax, kUnixEpoch},
       {127, 0, kMax, kUnixEpoch},
-      {0x80, 0, k2020, kNoon},
-      {0x80 | 10, 0, k2020 * 1024 + 512, kNoon + kSecond / 2},
-      {0x80 | 32, 0, (k2020 << 32) + (1U << 30), kNoon + kSecond / 4},
+      {0x80, 0, k2020, kNewYear},
+      {0x80 | 10, 0, k2020 * 1024 + 512, kNewYear + kSecond / 2},
+      {0x80 | 32, 0, (k2020 << 32) + (1U << 30), kNewYear + kSecond / 4},
       {0x80 | 63, 0, std::uint64_t{3} << 62, kUnixEpoch + kSecond + kSecond / 2},
       {0x80 | 64, 0, std::uint64_t{1} << 63, kUnixEpoch + kSecond / 2},
       {0x80 | 127, 0, kMax, kUnixEpoch},
