@@ -27,7 +27,7 @@ constexpr std::size_t kBlock = 1 << 20;
 /// Frames of the sizes that an ordinary network carries: many small, some full.
 std::vector<test::Buffer> Frames() {
   std::vector<test::Buffer> frames;
-  for (std::size_t size : {60, 66, 1514, 1514, 78, 60, 590, 1514, 66, 128}) {
+  for (unsigned size : {60U, 66U, 1514U, 1514U, 78U, 60U, 590U, 1514U, 66U, 128U}) {
     test::Buffer frame = test::Ethernet(test::Mac(2), test::Mac(1), 0x0800, test::Zeros(size - 14));
     frames.push_back(std::move(frame));
   }
@@ -41,6 +41,7 @@ struct Files {
   std::string blocks = folder.Path("blocks.pcapng");
 
   Files() {
+    using test::operator+;
     const test::CaptureBytes file;
     Write(classic, file.PcapHeader(),
           [&](std::uint32_t i, const test::Buffer& frame) { return file.PcapRecord(i, 0, frame); });
