@@ -18,6 +18,7 @@
 #include "capture/context/capture_engine.h"
 #include "capture/source/capture_file.h"
 #include "capture/source/merged_source.h"
+#include "capture/source/packet_filter.h"
 #include "frame/stats_output_method.h"
 #include "platform/code_page.h"
 #include "platform/locale.h"
@@ -31,6 +32,7 @@ namespace fs = std::filesystem;
 struct MakeOptions {
   std::vector<std::string> captures;
   std::string out;
+  std::string filter;
   std::string formats = "csv";
   SettingsOptions settings;
   std::string locale;
@@ -80,6 +82,15 @@ std::vector<Target> MakeTargets(const MakeOptions& options) {
   return targets;
 }
 
+/// The filter that was asked for, or none.
+std::unique_ptr<PacketFilter> MakeFilter(const std::string& expression) {
+  if (expression.empty()) return nullptr;
+  SourceError error;
+  auto filter = PacketFilter::Make(expression, &error);
+  if (!filter) throw CommandError(kUsage, fmt::format("--filter {}", error.message));
+  return filter;
+}
+
 using Sources = std::vector<std::unique_ptr<PacketSource>>;
 
 /// Opens every capture before any is read, so that a wrong name costs no time.
@@ -93,30 +104,36 @@ Sources OpenCaptures(const std::vector<std::string>& captures) {
   return sources;
 }
 
-/// Reads all captures into the engine, as one. What is wrong with the end of one is a warning: the report shows what is
+void PrintWarningOf(const PacketSource& source) {
+  if (Failed(source.warning().status)) PrintWarning(source.warning().message);
+}
+
+/// Reads all captures into the engine, as one. What is wrong with one of them is a warning: the report shows what is
 /// there.
-void ReadCaptures(const MakeOptions& options, const Sources& sources, CaptureEngine& engine) {
+void ReadCaptures(const MakeOptions& options, const Sources& sources, PacketFilter* filter, CaptureEngine& engine) {
   std::vector<PacketSource*> parts;
   for (const auto& source : sources) parts.push_back(source.get());
   MergedSource merged(parts);
+  std::unique_ptr<FilteredSource> filtered;
+  if (filter) filtered = std::make_unique<FilteredSource>(&merged, filter);
+  PacketSource& source = filtered ? static_cast<PacketSource&>(*filtered) : merged;
 
   const std::string what = parts.size() == 1 ? fs::path(options.captures.front()).filename().string()
                                              : fmt::format("{} captures", parts.size());
   Progress progress(!options.no_progress, "reading " + what);
   constexpr std::uint64_t kPacketsBetweenLooks = 4096;
   std::uint64_t packets = 0;
-  for (Packet packet; merged.Next(&packet);) {
+  for (Packet packet; source.Next(&packet);) {
     engine.Feed(packet);
     if (++packets % kPacketsBetweenLooks == 0) {
-      const SourceProgress read = merged.progress();
+      const SourceProgress read = source.progress();
       progress.Update(read.bytes_read, read.bytes_total, packets);
     }
   }
   progress.Clear();
-  engine.SetDropped(merged.dropped());
-  for (const PacketSource* source : parts) {
-    if (Failed(source->warning().status)) PrintWarning(source->warning().message);
-  }
+  engine.SetDropped(source.dropped());
+  for (const PacketSource* part : parts) PrintWarningOf(*part);
+  PrintWarningOf(source);
 }
 
 /// The cause of a file's failure. Whatever is not a plain file is refused without saying why.
@@ -173,12 +190,13 @@ int Make(const MakeOptions& options) {
   ApplyLocale(options);
   (void)ParseFormats(options.formats);
   ComPtr<IStatsOutputPrefs> preferences = LoadPreferences(options.settings);
+  const std::unique_ptr<PacketFilter> filter = MakeFilter(options.filter);
   CaptureEngine engine({.plain_addresses = options.no_names});
   Require(engine.RegisterClasses(), "the capture engine");
   const Sources sources = OpenCaptures(options.captures);
   const std::vector<Target> targets = MakeTargets(options);
 
-  ReadCaptures(options, sources, engine);
+  ReadCaptures(options, sources, filter.get(), engine);
   bool all_written = true;
   for (const Target& target : targets) all_written &= WriteReport(options, target, engine, *preferences);
   return all_written ? kDone : kFailed;
@@ -191,7 +209,7 @@ void AddMakeCommand(CLI::App& parser, Verb* verb) {
   auto options = std::make_shared<MakeOptions>();
   command
       ->add_option("CAPTURE", options->captures,
-                   "Capture files (pcap, pcapng), read as one in the order of their times")
+                   "Capture files (pcap, pcapng, also gzip or zstd), read as one in the order of their times")
       ->required()
       ->type_name("")
       ->check(NotEmpty());
@@ -203,6 +221,9 @@ void AddMakeCommand(CLI::App& parser, Verb* verb) {
   command->add_option("--format", options->formats, "Report forms, joined by commas: " + FormatNames())
       ->type_name("LIST")
       ->capture_default_str();
+  command
+      ->add_option("--filter", options->filter, "Count only packets that this expression holds for, see pcap-filter(7)")
+      ->type_name("EXPR");
   AddSettingsOptions(*command, &options->settings);
   command->add_flag("--live", options->live, "Report straight from the live statistics, marked with the current time");
   command->add_flag("--no-names", options->no_names, "Write plain addresses instead of names");

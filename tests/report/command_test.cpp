@@ -54,6 +54,8 @@ TEST(CommandTest, WrongUsageIsOneLineAndStatusTwo) {
       {{"make", "", "--out", folder.Path()}, "CAPTURE: must not be empty"},
       {{"make", kSample, "--out", folder.Path(), "--format", "csv,doc"}, "--format doc: there is no such format"},
       {{"make", kSample, "--out", folder.Path(), "--format", ""}, "--format"},
+      {{"make", kSample, "--out", folder.Path(), "--filter", "tcp prot 80"}, "--filter tcp prot 80: "},
+      {{"make", kSample, "--out", folder.Path(), "--filter", "wlan host 10.0.0.1"}, "--filter wlan host 10.0.0.1: "},
       {{"make", kSample, "--out", folder.Path(), "--set", "NodeNmae=1"}, "--set NodeNmae: there is no such switch"},
       {{"make", kSample, "--out", folder.Path(), "--set", "NodeName"}, "must read NAME=VALUE"},
       {{"make", kSample, "--out", folder.Path(), "--set", "NodeName=yes"}, "whole number"},
@@ -146,6 +148,23 @@ TEST(CommandTest, PrintsTheFilesThatItWrote) {
   const std::vector<std::string> lines = Lines(folder.Read("a/b/csv/Node Statistics-IP.csv"));
   EXPECT_EQ(std::ranges::count_if(lines, [](const std::string& line) { return line.starts_with("Time Saved"); }), 1);
   EXPECT_EQ(lines.size() % 2, 1U) << "the second report adds as many rows as the first";
+}
+
+TEST(CommandTest, AFilterLeavesOutWhatItDoesNotHoldFor) {
+  TemporaryFolder folder;
+  auto nodes = [&](const std::string& filter) {
+    const std::string out = folder.Path(filter);
+    const CommandResult result = RunCommand({"make", kSample, "--out", out, "--filter", filter});
+    EXPECT_EQ(result.exit_status, 0);
+    EXPECT_EQ(result.messages, "");
+    return folder.Read(filter + "/Node Statistics-IP.csv");
+  };
+  EXPECT_THAT(nodes("host 192.0.2.22"), AllOf(HasSubstr("192.0.2.22,"), testing::Not(HasSubstr("0.0.0.0,"))));
+  EXPECT_EQ(Lines(nodes("ether host 02:99:99:99:99:99")).size(), 1U) << "nothing but the header";
+  const CommandResult wireless =
+      RunCommand({"make", kSample, "--out", folder.Path("w"), "--filter", "wlan type mgt subtype beacon"});
+  EXPECT_EQ(wireless.exit_status, 0);
+  ExpectOneMessage(wireless, "the filter: packets of link type 1 (EN10MB) are left out");
 }
 
 TEST(CommandTest, OutputFoldersThatCannotBeHadAreOneLineAndStatusOne) {
