@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
-#include <stdexcept>
 
 #include "capture/decode/protocol_registry.h"
 
@@ -13,117 +11,102 @@ namespace {
 constexpr int kMaxRepeats = 2;
 
 /// What a frame counts as whose link type no decoder knows.
-constexpr std::array kUnknown{Protocol{"Unknown", {}, {}, nullptr}};
+constexpr std::array kUnknownKeys{LayerKey{Layer::kNone, 0}};
+constexpr std::array kUnknown{Protocol{"Unknown", kUnknownKeys}};
 const ProtocolRegistration kRegistration(kUnknown);
 
-/// For every protocol, the protocols that its header can announce, in the order of their identifiers.
-std::vector<std::vector<std::uint16_t>> Announced(const ProtocolRegistry& registry) {
-  std::array<std::vector<std::uint16_t>, kLayerCount> by_layer;
-  for (std::size_t i = 1; i < registry.count(); ++i) {
-    auto identifier = static_cast<std::uint16_t>(i);
-    for (LayerKey key : registry.protocol(identifier).keys) {
-      auto& layer = by_layer[static_cast<std::size_t>(key.layer)];
-      if (layer.empty() || layer.back() != identifier) layer.push_back(identifier);
-    }
+/// Which layer's keys the ports behind an IP header are.
+Layer PortLayer(std::uint8_t ip_protocol) {
+  switch (ip_protocol) {
+    case 6: return Layer::kTcpPort;
+    case 17: return Layer::kUdpPort;
+    case 132: return Layer::kSctpPort;
+    default: return Layer::kNone;
   }
-  std::vector<std::vector<std::uint16_t>> announced(registry.count());
-  announced[0] = by_layer[static_cast<std::size_t>(Layer::kLink)];
-  for (std::size_t i = 1; i < registry.count(); ++i) {
-    auto& list = announced[i];
-    for (Layer layer : registry.protocol(static_cast<std::uint16_t>(i)).carries) {
-      const auto& added = by_layer[static_cast<std::size_t>(layer)];
-      list.insert(list.end(), added.begin(), added.end());
-    }
-    std::sort(list.begin(), list.end());
-    list.erase(std::unique(list.begin(), list.end()), list.end());
-  }
-  return announced;
+}
+
+/// The application that the ports stand for, 0 for none. The server's port is the one that is well known; of two, the
+/// lower.
+std::uint16_t Application(const ProtocolRegistry& registry, const PacketFacts& facts) {
+  Layer layer = PortLayer(facts.ip_protocol);
+  if (!facts.has_ports || layer == Layer::kNone) return 0;
+  // Behind a tunnel that does not carry IP they are not the innermost protocol's.
+  if (facts.chain[facts.chain_length - 1U] != registry.Find(Layer::kIpProtocol, facts.ip_protocol)) return 0;
+  auto [low, high] = std::minmax(facts.source_port, facts.destination_port);
+  std::uint16_t application = registry.Find(layer, low);
+  return application != 0 ? application : registry.Find(layer, high);
+}
+
+/// FNV-1a, the same on every machine.
+std::uint32_t HashOf(std::string_view name) {
+  std::uint32_t hash = 0x811C9DC5;
+  for (char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 0x01000193;
+  return hash;
 }
 
 }  // namespace
 
-const ProtocolTree& ProtocolTree::Get() {
-  static const ProtocolTree tree;
+ProtocolTree& ProtocolTree::Get() {
+  static ProtocolTree tree;
   return tree;
 }
 
-ProtocolTree::ProtocolTree() : places_(1) {
+ProtocolTree::ProtocolTree() : places_(new std::atomic<Place>[kNumbers]()) {
   const ProtocolRegistry& registry = ProtocolRegistry::Get();
-  const auto announced = Announced(registry);
-  slots_.resize(1024);
-  // Breadth first: the places near the top, which people meet most, have the small numbers.
-  for (std::size_t at = 0; at < places_.size(); ++at) {
-    auto parent_number = static_cast<std::uint16_t>(at);
-    for (std::uint16_t protocol : announced[places_[at].protocol]) {
-      int repeats = 0;
-      for (std::uint16_t up = parent_number; up != 0; up = places_[up].parent)
-        repeats += places_[up].protocol == protocol;
-      if (repeats < kMaxRepeats) AddChild(parent_number, protocol);
-    }
-  }
-  for (std::size_t i = 1; i < registry.count(); ++i) {
-    if (registry.protocol(static_cast<std::uint16_t>(i)).name != kUnknown[0].name) continue;
-    unknown_ = static_cast<std::uint16_t>(places_.size());
-    AddChild(0, static_cast<std::uint16_t>(i));
+  for (std::size_t i = 0; i < registry.count(); ++i) {
+    name_hashes_.push_back(HashOf(registry.protocol(static_cast<std::uint16_t>(i)).name));
   }
 }
 
-void ProtocolTree::AddChild(std::uint16_t parent_number, std::uint16_t protocol) {
-  if (places_.size() > std::numeric_limits<std::uint16_t>::max()) throw std::logic_error("too many protocol places");
-  if (places_.size() * 2 > slots_.size()) Grow();
-  std::uint32_t key = (std::uint32_t{parent_number} << 16) | protocol;
-  std::size_t slot = SlotOf(key) & (slots_.size() - 1);
-  while (slots_[slot].place != 0) slot = (slot + 1) & (slots_.size() - 1);
-  slots_[slot] = {key, static_cast<std::uint16_t>(places_.size())};
-  places_.push_back({parent_number, protocol});
-}
-
-void ProtocolTree::Grow() {
-  std::vector<Slot> old(slots_.size() * 2);
-  old.swap(slots_);
-  for (const Slot& entry : old) {
-    if (entry.place == 0) continue;
-    std::size_t slot = SlotOf(entry.key) & (slots_.size() - 1);
-    while (slots_[slot].place != 0) slot = (slot + 1) & (slots_.size() - 1);
-    slots_[slot] = entry;
-  }
-}
-
-std::uint16_t ProtocolTree::Child(std::uint16_t parent_number, std::uint16_t protocol) const {
-  std::uint32_t key = (std::uint32_t{parent_number} << 16) | protocol;
-  std::size_t slot = SlotOf(key) & (slots_.size() - 1);
-  while (slots_[slot].place != 0) {
-    if (slots_[slot].key == key) return slots_[slot].place;
-    slot = (slot + 1) & (slots_.size() - 1);
-  }
-  return 0;
-}
-
-std::uint16_t ProtocolTree::Classify(const PacketFacts& facts) const {
+std::uint16_t ProtocolTree::Classify(const PacketFacts& facts) {
+  static const ProtocolRegistry& registry = ProtocolRegistry::Get();
+  if (facts.chain_length == 0) return Child(0, registry.Find(Layer::kNone, 0));
   std::uint16_t place = 0;
   for (std::size_t i = 0; i < facts.chain_length; ++i) {
     std::uint16_t child = Child(place, facts.chain[i]);
-    if (child == 0) break;
+    if (child == 0) return place;
     place = child;
   }
-  if (place == 0) return unknown_;
-  if (!facts.has_ports) return place;
+  std::uint16_t application = Application(registry, facts);
+  std::uint16_t child = application != 0 ? Child(place, application) : 0;
+  return child != 0 ? child : place;
+}
 
-  // The server's port is the one that is well known; of two, the lower.
-  static const ProtocolRegistry& registry = ProtocolRegistry::Get();
-  Layer layer = facts.is_tcp ? Layer::kTcpPort : Layer::kUdpPort;
-  auto [low, high] = std::minmax(facts.source_port, facts.destination_port);
-  for (std::uint16_t port : {low, high}) {
-    std::uint16_t application = registry.Find(layer, port);
-    if (application == 0) continue;
-    std::uint16_t child = Child(place, application);
-    return child != 0 ? child : place;
+std::uint16_t ProtocolTree::Child(std::uint16_t parent, std::uint16_t protocol) {
+  Place place{parent, protocol};
+  std::uint16_t number = Number(place);
+  if (Contains(number)) return number;
+  return MayFollow(place) ? AddChild(place) : std::uint16_t{0};
+}
+
+std::uint16_t ProtocolTree::AddChild(Place place) {
+  std::lock_guard lock(adding_);
+  std::uint16_t number = Number(place);
+  if (Contains(number)) return number;
+  if (count_ == kMaxPlaces) return 0;
+  ++count_;
+  places_[number].store(place, std::memory_order_release);
+  return number;
+}
+
+std::uint16_t ProtocolTree::Number(Place place) const {
+  std::uint32_t mixed = (name_hashes_[place.protocol] ^ (place.parent * 0x9E3779B1U)) * 0x85EBCA6BU;
+  for (std::size_t at = mixed >> 16;; at = (at + 1) % kNumbers) {
+    auto number = static_cast<std::uint16_t>(at);
+    if (number == 0) continue;
+    Place there = At(number);
+    if (there == place || there.protocol == 0) return number;
   }
-  return place;
+}
+
+bool ProtocolTree::MayFollow(Place place) const {
+  int repeats = 0;
+  for (std::uint16_t up = place.parent; up != 0; up = parent(up)) repeats += At(up).protocol == place.protocol;
+  return repeats < kMaxRepeats;
 }
 
 std::string_view ProtocolTree::name(std::uint16_t number) const {
-  return number < places_.size() ? ProtocolRegistry::Get().protocol(places_[number].protocol).name : std::string_view();
+  return ProtocolRegistry::Get().protocol(At(number).protocol).name;
 }
 
 }  // namespace orvo

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
+#include <memory>
+#include <mutex>
 #include <string_view>
 #include <vector>
 
@@ -8,45 +11,49 @@
 
 namespace orvo {
 
-/// Every place that a protocol can stand at below others: DNS in UDP in IPv4 in Ethernet is one place, DNS in TCP
-/// another. Each place has a number of its own, the same in every run of one build, from which its chain follows;
-/// number 0 stands for no place. A protocol stands at most twice in one chain, so that tunnels in tunnels end.
-/// Immutable once made, and therefore read from any thread.
+/// Every place that a protocol was met at below others: DNS in UDP in IPv4 in Ethernet is one place, DNS in TCP
+/// another. A place has a number of its own, from which its chain follows for as long as the process runs; number 0
+/// stands for no place. Numbers are drawn from the names in the chain, so that reports made at different times give a
+/// protocol the same one, unless two places that one process meets draw the same: the second of them moves on.
+/// A protocol stands at most twice in one chain, and the number of places is limited, so that tunnels in tunnels end:
+/// what goes beyond counts as the last place that there is. Any thread may use it.
 class ProtocolTree {
  public:
-  /// Made on first use from the registered protocols.
-  static const ProtocolTree& Get();
+  static ProtocolTree& Get();
 
-  /// The place of the innermost protocol that was recognised, the application of the ports included.
-  std::uint16_t Classify(const PacketFacts& facts) const;
+  /// The place of the innermost protocol that was recognised, the application of the ports included. Makes places that
+  /// are new.
+  std::uint16_t Classify(const PacketFacts& facts);
 
   /// 0 for a place at the top of the tree and for an unknown number.
-  std::uint16_t parent(std::uint16_t number) const { return number < places_.size() ? places_[number].parent : 0; }
+  std::uint16_t parent(std::uint16_t number) const { return At(number).parent; }
   /// Empty for an unknown number. ASCII.
   std::string_view name(std::uint16_t number) const;
-  bool Contains(std::uint16_t number) const { return number != 0 && number < places_.size(); }
-  /// Numbers run from 1 to count() - 1.
-  std::size_t count() const { return places_.size(); }
+  bool Contains(std::uint16_t number) const { return At(number).protocol != 0; }
 
  private:
+  /// The table of places is never more than half full, so that the search for one is short.
+  static constexpr std::size_t kNumbers = 65536;
+  static constexpr std::size_t kMaxPlaces = kNumbers / 2;
+
   struct Place {
     std::uint16_t parent = 0;
-    std::uint16_t protocol = 0;
-  };
-  struct Slot {
-    std::uint32_t key = 0;
-    std::uint16_t place = 0;
+    std::uint16_t protocol = 0;  ///< 0 where there is no place
+    bool operator==(const Place&) const = default;
   };
 
   ProtocolTree();
-  void Grow();
-  void AddChild(std::uint16_t parent, std::uint16_t protocol);
-  std::uint16_t Child(std::uint16_t parent, std::uint16_t protocol) const;
-  static std::size_t SlotOf(std::uint32_t key) { return (key * 0x9E3779B1U) >> 8; }
+  Place At(std::uint16_t number) const { return places_[number].load(std::memory_order_acquire); }
+  /// The number of a place that is there, or the free one that it is to get.
+  std::uint16_t Number(Place place) const;
+  std::uint16_t Child(std::uint16_t parent, std::uint16_t protocol);
+  std::uint16_t AddChild(Place place);
+  bool MayFollow(Place place) const;
 
-  std::vector<Place> places_;
-  std::vector<Slot> slots_;  // open addressing over (parent, protocol), a power of two
-  std::uint16_t unknown_ = 0;
+  std::vector<std::uint32_t> name_hashes_;        // by protocol
+  std::unique_ptr<std::atomic<Place>[]> places_;  // open addressing; a place never changes once it is there
+  std::size_t count_ = 0;
+  std::mutex adding_;
 };
 
 }  // namespace orvo

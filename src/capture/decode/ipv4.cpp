@@ -32,21 +32,24 @@ Payload DecodeIpv4(Bytes bytes, PacketFacts& facts) {
     facts.malformed = true;
     return {};
   }
-  if (AddressPair* pair = facts.AddPair()) {
+  if (AddressPair* pair = facts.AddNetworkPair()) {
     SetAddress<kAddressLength>(&pair->source, kAddressIp, bytes.data() + 12);
     SetAddress<kAddressLength>(&pair->destination, kAddressIp, bytes.data() + 16);
     pair->delivery = DeliveryTo(pair->destination);
   }
-  if (total > bytes.size()) facts.MarkShort();
+  if (total > bytes.size() && !facts.is_fragment) facts.MarkShort();
+  bytes = Within(bytes, total);
+  facts.BeginDatagram(bytes);
+  facts.ip_protocol = bytes[9];
   std::uint16_t fragment = Read16(bytes, 6);
   bool later_fragment = (fragment & kOffsetMask) != 0;
   if (later_fragment || (fragment & kMoreFragments) != 0) facts.is_fragment = true;
-  return {{Layer::kIpProtocol, bytes[9]}, Behind(Within(bytes, total), header), !later_fragment};
+  return {{Layer::kIpProtocol, bytes[9]}, Behind(bytes, header), !later_fragment};
 }
 
-constexpr std::array kKeys{LayerKey{Layer::kEtherType, 0x0800}, LayerKey{Layer::kIpProtocol, 4}};
-constexpr std::array kCarries{Layer::kIpProtocol};
-constexpr std::array kProtocols{Protocol{"IPv4", kKeys, kCarries, DecodeIpv4}};
+constexpr std::array kKeys{LayerKey{Layer::kEtherType, 0x0800}, LayerKey{Layer::kSap, 0x06},
+                           LayerKey{Layer::kPpp, 0x0021}, LayerKey{Layer::kIpProtocol, 4}};
+constexpr std::array kProtocols{Protocol{"IPv4", kKeys, DecodeIpv4}};
 const ProtocolRegistration kRegistration(kProtocols);
 
 }  // namespace

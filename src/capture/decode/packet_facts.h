@@ -15,16 +15,19 @@ namespace orvo {
 /// To whom a frame or datagram is addressed.
 enum class Delivery : std::uint8_t { kUnicast, kBroadcast, kMulticast };
 
-/// The two ends that one header names. Both addresses are of one type.
+/// The two ends that one header names. Both addresses are of one type; an end that the header leaves out is an empty
+/// record.
 struct AddressPair {
   AddressRecord source;
   AddressRecord destination;
   Delivery delivery = Delivery::kUnicast;
+
+  bool names_both_ends() const { return source.valid != 0 && destination.valid != 0; }
 };
 
 /// What the decoders found in one packet. One object serves packet after packet; nothing in it is ever allocated.
 struct PacketFacts {
-  static constexpr std::size_t kMaxPairs = 4;
+  static constexpr std::size_t kMaxPairs = 2;
   static constexpr std::size_t kMaxChain = 12;
 
   /// Makes the object ready for a packet of these lengths.
@@ -33,32 +36,61 @@ struct PacketFacts {
     chain_length = 0;
     vlan_tags = 0;
     tcp_flags = 0;
+    ip_protocol = 0;
     source_port = destination_port = 0;
-    has_ports = is_tcp = is_fragment = is_icmp_error = malformed = false;
+    has_network_pair = has_ports = is_fragment = is_icmp_error = malformed = false;
     cut_off = captured < original;
+    network = payload = {};
   }
 
-  /// Room for the addresses of one more header, or null when a packet nests more headers than are kept.
-  AddressPair* AddPair() { return pair_count < kMaxPairs ? &pairs[pair_count++] : nullptr; }
+  /// Room for the addresses of a frame; null inside of what has addresses already, since a frame in a tunnel is its
+  /// outer nodes' traffic.
+  AddressPair* AddPhysicalPair() { return pair_count == 0 ? ClearedPair() : nullptr; }
+
+  /// Room for the addresses of a network header; null for all but the outermost.
+  AddressPair* AddNetworkPair() {
+    if (has_network_pair) return nullptr;
+    has_network_pair = true;
+    return ClearedPair();
+  }
+
+  /// Notes an IP datagram, from its header to the end of what was captured of it. Of datagrams in each other the
+  /// outermost is kept; ports and payload are those of the innermost, so that what was found before is dropped.
+  void BeginDatagram(Bytes datagram) {
+    if (network.empty()) network = datagram;
+    payload = {};
+    has_ports = false;
+    source_port = destination_port = 0;
+  }
 
   /// A header that does not fit into the bytes left: the frame's fault, unless the capture dropped its tail.
   void MarkShort() { malformed = malformed || !cut_off; }
 
-  /// From the outermost header inwards; those beyond the count are left over from earlier packets.
+  /// The frame's if it has one, then the network header's; those beyond the count are left over from earlier packets.
   std::array<AddressPair, kMaxPairs> pairs;
   std::array<std::uint16_t, kMaxChain> chain{};  ///< identifiers of the protocols met, outermost first
   std::uint8_t pair_count = 0;
   std::uint8_t chain_length = 0;
   std::uint8_t vlan_tags = 0;
   std::uint8_t tcp_flags = 0;  ///< as in the header: FIN 1, SYN 2, RST 4 (RFC 9293 section 3.1)
+  /// IPv4's protocol, IPv6's last next header (IANA protocol numbers), of the innermost IP header; 0 also without one.
+  std::uint8_t ip_protocol = 0;
   std::uint16_t source_port = 0;
   std::uint16_t destination_port = 0;
-  bool has_ports = false;  ///< only the first fragment of a datagram has them
-  bool is_tcp = false;     ///< whose ports: TCP's, or UDP's
+  bool has_network_pair = false;
+  bool has_ports = false;  ///< only the first fragment of a datagram has them; `ip_protocol` says whose they are
   bool is_fragment = false;
   bool is_icmp_error = false;  ///< an error message of ICMP or ICMPv6
   bool malformed = false;      ///< a header contradicts itself or the frame's length
   bool cut_off = false;        ///< less was captured than was on the wire
+  Bytes network;  ///< the outermost IP datagram from its header on, without padding, as far as it was captured
+  Bytes payload;  ///< what the innermost TCP, UDP or SCTP header carries, as far as it was captured; may be empty
+
+ private:
+  AddressPair* ClearedPair() {
+    pairs[pair_count] = {};
+    return &pairs[pair_count++];
+  }
 };
 
 /// Fills a record with the first `length` bytes, which are there.
@@ -71,6 +103,10 @@ void SetAddress(AddressRecord* record, AddressType type, const std::uint8_t* byt
 
 inline std::uint16_t Read16(Bytes bytes, std::size_t at) {
   return static_cast<std::uint16_t>((bytes[at] << 8) | bytes[at + 1]);
+}
+
+inline std::uint32_t Read32(Bytes bytes, std::size_t at) {
+  return (std::uint32_t{Read16(bytes, at)} << 16) | Read16(bytes, at + 2);
 }
 
 /// What is left behind `count` bytes, which may be more than there are.

@@ -13,7 +13,7 @@ Payload DecodeTcp(Bytes bytes, PacketFacts& facts) {
   if (bytes.size() >= 4) {
     facts.source_port = Read16(bytes, 0);
     facts.destination_port = Read16(bytes, 2);
-    facts.has_ports = facts.is_tcp = true;
+    facts.has_ports = true;
   }
   if (bytes.size() < kHeaderLength) {
     facts.MarkShort();
@@ -23,12 +23,12 @@ Payload DecodeTcp(Bytes bytes, PacketFacts& facts) {
   std::size_t header = std::size_t{static_cast<unsigned>(bytes[12] >> 4)} * 4;
   if (header < kHeaderLength) facts.malformed = true;
   if (header > bytes.size()) facts.MarkShort();
+  if (header >= kHeaderLength) facts.payload = Behind(bytes, header);
   return {};
 }
 
 constexpr std::array kKeys{LayerKey{Layer::kIpProtocol, 6}};
-constexpr std::array kCarries{Layer::kTcpPort};
-constexpr std::array kProtocols{Protocol{"TCP", kKeys, kCarries, DecodeTcp}};
+constexpr std::array kProtocols{Protocol{"TCP", kKeys, DecodeTcp}};
 const ProtocolRegistration kRegistration(kProtocols);
 
 }  // namespace

@@ -20,6 +20,7 @@ bool Same(const AddressRecord& a, const AddressRecord& b) {
 }  // namespace
 
 std::uint32_t AddressTable::Intern(const AddressRecord& record) {
+  if (record.valid == 0) return kNoAddress;
   std::uint64_t hash = hash_(record);
   std::uint32_t found = index_.Find(hash, [&](std::uint32_t row) { return Same(records_[row], record); });
   if (found != kNoRow) return found;
