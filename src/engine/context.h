@@ -28,9 +28,10 @@ constexpr bool IsWirelessSubtype(std::uint32_t subtype) {
   return subtype >= kSubtype80211b && subtype <= kSubtype80211bg;
 }
 
-/// The statistics of one capture, live or as of a snapshot. Whatever object it hands out is a frozen view of one
-/// moment, the same moment for all objects from one availability query to the next; it may be read as long as it is
-/// held, while the capture goes on.
+/// The statistics of one capture, live or as of a snapshot. Here and in every interface that this one leads to, S_OK
+/// comes with the object or record asked for; where there may be none, the operation says what it answers instead.
+/// Whatever object it hands out is a frozen view of one moment, the same moment for all objects from one availability
+/// query to the next; it may be read as long as it is held, while the capture goes on.
 class IStatsContext : public IUnknown {
  public:
   static constexpr Guid kIid = "B4C53C38-CE57-43AD-B98E-86AE66525496"_guid;

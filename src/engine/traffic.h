@@ -22,7 +22,8 @@ class ITrafficHistory : public IUnknown {
   ~ITrafficHistory() = default;
 };
 
-/// Which frame sizes the buckets of the size distribution stand for.
+/// Which frame sizes the buckets of the size distribution stand for. No scheme has a bucket for 128 to 255 bytes: those
+/// frames stand in the bucket below.
 enum SizeScheme : std::uint32_t {
   kSizesEthernet = 1,   ///< to 64, 65-127, 256-511, 512-1023, 1024-1517, from 1518
   kSizesTokenRing = 2,  ///< 18-63, 64-127, ..., from 18000

@@ -4,6 +4,7 @@
 
 #include "platform/class_factory.h"
 #include "platform/error.h"
+#include "util/ascii.h"
 #include "util/string_table.h"
 
 namespace orvo {
@@ -46,8 +47,7 @@ std::vector<std::uint32_t> ReportUtil::DataRateList(std::uint32_t medium_type, s
 }
 
 std::u16string ReportUtil::RateTitle(std::uint32_t rate, RateTitleKind kind) {
-  std::u16string number;
-  for (char digit : std::to_string(rate / 2)) number.push_back(static_cast<char16_t>(digit));
+  std::u16string number = WidenAscii(std::to_string(rate / 2));
   if (rate % 2 != 0) number += u".5";
 
   StringId id = kStrRate;

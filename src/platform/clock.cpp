@@ -1,10 +1,9 @@
 #include "platform/clock.h"
 
-#include <time.h>
-
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <ctime>
 #include <mutex>
 
 namespace orvo {

@@ -188,7 +188,7 @@ void AppendInCodePage(std::u16string_view text, UConverter* converter, std::stri
     std::size_t ascii = AsciiRun(text);
     AppendAscii(text.substr(0, ascii), out);
     text.remove_prefix(ascii);
-    auto end = std::ranges::find_if(text, [](char16_t unit) { return unit < 0x80; });
+    const auto* end = std::ranges::find_if(text, [](char16_t unit) { return unit < 0x80; });
     auto other = static_cast<std::size_t>(end - text.begin());
     if (other > 0) AppendConverted(converter, text.substr(0, other), out);
     text.remove_prefix(other);

@@ -123,9 +123,23 @@ Status File::Publish() {
   });
 }
 
+// NOLINTBEGIN(readability-make-member-function-const): these change the file, if not the object.
 Status File::Write(std::string_view bytes) {
   return WriteAll(descriptor_, bytes);
 }
+
+Status File::SeekEnd(std::uint64_t* size) {
+  off_t end = lseek(descriptor_, 0, SEEK_END);
+  if (end < 0) return StatusFromErrno(errno);
+  if (size) *size = static_cast<std::uint64_t>(end);
+  return S_OK;
+}
+
+Status File::Sync() {
+  return fsync(descriptor_) == 0 ? S_OK : StatusFromErrno(errno);
+}
+
+// NOLINTEND(readability-make-member-function-const)
 
 Status File::ReadAt(std::uint64_t offset, char* destination, std::size_t count, std::size_t* read) const {
   if (!read || (!destination && count > 0)) return E_POINTER;
@@ -138,17 +152,6 @@ Status File::ReadAt(std::uint64_t offset, char* destination, std::size_t count, 
     *read += static_cast<std::size_t>(part);
   }
   return S_OK;
-}
-
-Status File::SeekEnd(std::uint64_t* size) {
-  off_t end = lseek(descriptor_, 0, SEEK_END);
-  if (end < 0) return StatusFromErrno(errno);
-  if (size) *size = static_cast<std::uint64_t>(end);
-  return S_OK;
-}
-
-Status File::Sync() {
-  return fsync(descriptor_) == 0 ? S_OK : StatusFromErrno(errno);
 }
 
 Status File::Close() {

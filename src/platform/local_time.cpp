@@ -1,6 +1,5 @@
-#include <time.h>
-
 #include <array>
+#include <ctime>
 #include <mutex>
 #include <optional>
 
@@ -67,11 +66,12 @@ std::optional<std::int32_t> SystemOffset(std::int64_t unix_seconds) {
   tm fields{};
   if (!localtime_r(&value, &fields)) return std::nullopt;
   std::int64_t days = DaysFromCivil(std::int64_t{fields.tm_year} + 1900, fields.tm_mon + 1, fields.tm_mday);
-  std::int64_t local = days * kSecondsPerDay + fields.tm_hour * 3600 + fields.tm_min * 60 + fields.tm_sec;
+  int second_of_day = fields.tm_hour * 3600 + fields.tm_min * 60 + fields.tm_sec;
+  std::int64_t local = days * kSecondsPerDay + second_of_day;
   return static_cast<std::int32_t>(local - unix_seconds);
 }
 
-constexpr std::int64_t kBlock = 15 * 60;
+constexpr std::int64_t kBlock = 900;  // seconds
 
 /// The offset of a quarter of an hour in which it does not change. The C library's answer takes a lock that all
 /// threads share, and reports ask for the same few minutes again and again.

@@ -7,6 +7,7 @@
 #include <unicode/localebuilder.h>
 #include <unicode/smpdtfmt.h>
 #include <unicode/timezone.h>
+#include <unicode/uchar.h>
 
 #include <array>
 #include <atomic>
@@ -74,7 +75,7 @@ icu::Locale LocaleFromEnvironment() {
 
 std::string LanguageTag(const icu::Locale& locale) {
   UErrorCode error = U_ZERO_ERROR;
-  std::string tag = locale.toLanguageTag<std::string>(error);
+  auto tag = locale.toLanguageTag<std::string>(error);
   return U_SUCCESS(error) ? tag : kDefaultTag;
 }
 
@@ -195,13 +196,24 @@ std::vector<TimePiece> CompileTime(std::u16string_view pattern) {
   return pieces;
 }
 
+/// True for a time of day such as "9 h 22 min 3 s": reports write durations and fractions in the same form, where only
+/// signs may stand between the numbers.
+bool NamesItsUnits(const icu::UnicodeString& pattern) {
+  for (std::int32_t at = 0; at < pattern.length(); ++at) {
+    const char16_t unit = pattern[at];
+    if (u_isalpha(unit) && unit != u'H' && unit != u'm' && unit != u's') return true;
+  }
+  return false;
+}
+
 void ReadTimeForm(const icu::Locale& locale, LocaleData* data) {
   UErrorCode error = U_ZERO_ERROR;
   std::unique_ptr<icu::DateTimePatternGenerator> generator(
       icu::DateTimePatternGenerator::createInstance(locale, error));
   icu::UnicodeString pattern;
   if (U_SUCCESS(error)) pattern = generator->getBestPattern(icu::UnicodeString(u"Hms"), error);
-  data->time = CompileTime(U_SUCCESS(error) ? TextOf(pattern) : u"HH:mm:ss");
+  const bool usable = U_SUCCESS(error) && !NamesItsUnits(pattern);
+  data->time = CompileTime(usable ? TextOf(pattern) : u"HH:mm:ss");
 }
 
 /// The pattern with every two-digit year written in full.
@@ -227,8 +239,8 @@ void ReadDateForm(const icu::Locale& locale, LocaleData* data) {
   simple->toPattern(pattern);
   simple->applyPattern(WithFullYear(pattern));
   simple->adoptTimeZone(icu::TimeZone::getGMT()->clone());
-  format.release();
   data->date.reset(simple);
+  (void)format.release();
 }
 
 // ---- The user's locale ---------------------------------------------------------------------------------------------
@@ -274,14 +286,14 @@ const LocaleData& UserLocale() {
 }
 
 void AppendNumber(const LocaleData& data, int value, std::size_t smallest_length, std::u16string* out) {
-  char buffer[16];
+  std::size_t reversed[16];
   std::size_t length = 0;
   do {
-    buffer[length++] = static_cast<char>(value % 10);
+    reversed[length++] = static_cast<std::size_t>(value % 10);
     value /= 10;
   } while (value > 0);
   for (std::size_t i = length; i < smallest_length; ++i) *out += data.digits[0];
-  while (length > 0) *out += data.digits[static_cast<std::size_t>(buffer[--length])];
+  while (length > 0) *out += data.digits[reversed[--length]];
 }
 
 bool IsCalendarDay(const CalendarTime& date) {

@@ -54,7 +54,7 @@ std::u16string SystemMessage(Status status) {
     if (message.status == status) return std::u16string(message.text);
   }
   // What StatusFromErrno leaves without a name of its own is told in the C library's words, untranslated.
-  std::uint32_t bits = static_cast<std::uint32_t>(status);
+  auto bits = static_cast<std::uint32_t>(status);
   std::uint32_t code = bits & 0xFFFFU;
   if ((bits >> 16) != 0x8007U || code <= kErrorErrnoBase) return {};
   const char* description = strerrordesc_np(static_cast<int>(code - kErrorErrnoBase));

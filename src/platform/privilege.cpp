@@ -1,6 +1,5 @@
 #include "platform/privilege.h"
 
-#include <limits.h>
 #include <sys/auxv.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -8,6 +7,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <climits>
 #include <deque>
 #include <string>
 #include <vector>
@@ -71,7 +71,8 @@ void CheckWay(std::string_view path) {
       way.erase(std::min(way.rfind('/'), way.size()));
       continue;
     }
-    std::string next = way + "/" + name;
+    std::string next = way;
+    next.append("/").append(name);
     struct stat details = CheckOne(next);
     if (!S_ISLNK(details.st_mode)) {
       way = std::move(next);

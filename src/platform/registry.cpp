@@ -297,7 +297,7 @@ void Registry::RemoveKey(std::u16string_view key) {
     return;
   }
   std::u16string_view last = names.back();
-  std::size_t parent_length = static_cast<std::size_t>(last.data() - key.data());
+  auto parent_length = static_cast<std::size_t>(last.data() - key.data());
   Key* parent = Resolve(&root_, key.substr(0, parent_length));
   if (!parent) return;
   auto found = FindKey(parent->subkeys, last);

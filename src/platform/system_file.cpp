@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <sys/random.h>
 #include <sys/stat.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -11,6 +10,7 @@
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
+#include <ctime>
 
 #include "platform/error.h"
 

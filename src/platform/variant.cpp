@@ -81,7 +81,7 @@ template <class T>
 T IntegerFromReal(double value) {
   value = Rounded(value);
   // Both bounds are powers of two or zero, hence exact; a value that is no number fails the comparison.
-  constexpr double kLow = static_cast<double>(std::numeric_limits<T>::min());
+  constexpr auto kLow = static_cast<double>(std::numeric_limits<T>::min());
   const double beyond = std::ldexp(1.0, std::numeric_limits<T>::digits);
   if (!(value >= kLow && value < beyond)) Raise(DISP_E_OVERFLOW);
   return static_cast<T>(value);
@@ -89,14 +89,12 @@ T IntegerFromReal(double value) {
 
 template <class T, class S>
 T IntegerFromInteger(S source) {
-  if constexpr (kIs64<S> && sizeof(T) == 4) {
-    return static_cast<T>(source);  // keeps the low 32 bits
-  } else if constexpr (kIs64<T> && sizeof(S) < 8) {
-    return static_cast<T>(source);  // sign or zero extension, by the source's sign
-  } else {
+  // Towards 32 bits the low ones are kept, towards 64 the source's sign extends it.
+  constexpr bool kAlwaysFits = (kIs64<S> && sizeof(T) == 4) || (kIs64<T> && sizeof(S) < 8);
+  if constexpr (!kAlwaysFits) {
     if (!std::in_range<T>(source)) Raise(DISP_E_OVERFLOW);
-    return static_cast<T>(source);
   }
+  return static_cast<T>(source);
 }
 
 template <class T>
@@ -128,7 +126,7 @@ T Converted(const S& source) {
   } else if constexpr (std::same_as<T, bool>) {
     return source != 0;
   } else if constexpr (std::same_as<T, float>) {
-    double real = static_cast<double>(source);
+    auto real = static_cast<double>(source);
     if (std::isfinite(real) && std::abs(real) > std::numeric_limits<float>::max()) Raise(DISP_E_OVERFLOW);
     return static_cast<float>(real);
   } else if constexpr (std::same_as<T, double>) {

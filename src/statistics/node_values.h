@@ -3,10 +3,8 @@
 #include "engine/nodes.h"
 #include "statistics/value.h"
 
-namespace orvo {
-
 /// The values of a node's columns, for every writer that shows nodes. A size is nothing where no packet had one.
-namespace node_values {
+namespace orvo::node_values {
 
 template <std::uint64_t NodeEntry::*field>
 constexpr Value Count(const NodeEntry& node) {
@@ -28,6 +26,4 @@ constexpr Value MaxSize(const NodeEntry& node) {
   return node.*field == 0 ? Value() : Value::Unsigned(node.*field);
 }
 
-}  // namespace node_values
-
-}  // namespace orvo
+}  // namespace orvo::node_values

@@ -10,7 +10,7 @@ using ContextTotal = Status (IStatsContext::*)(std::uint64_t*);
 std::uint64_t ReadTotal(ISummarySnapshot& snapshot, const Guid& identifier, IStatsContext& statistics,
                         ContextTotal fallback) {
   SummaryValue value;
-  if (snapshot.GetValue(identifier, &value) == S_OK) return value.first;
+  if (snapshot.GetValue(identifier, &value) == S_OK && value.kind != kSummaryNone) return value.first;
   std::uint64_t total = 0;
   Check((statistics.*fallback)(&total));
   return total;

@@ -14,9 +14,6 @@ namespace orvo {
 /// included.
 enum class Layout { kJoined, kTerminated };
 
-/// Stands for the switch of a column that is always there.
-inline constexpr int kAlways = -1;
-
 /// One column of a table of records: its title, the switch that turns it on, and where its value comes from.
 template <class Record>
 struct Column {
@@ -32,7 +29,7 @@ class ColumnSet {
   /// Reads each column's switch once; raises a failing read.
   ColumnSet(const TextReport& report, std::span<const Column<Record>> columns) {
     for (const Column<Record>& column : columns) {
-      if (column.gate == kAlways || report.IsOn(static_cast<std::uint32_t>(column.gate))) enabled_.push_back(column);
+      if (report.IsOn(column.gate)) enabled_.push_back(column);
     }
   }
 

@@ -3,7 +3,9 @@
 #include "platform/code_page.h"
 #include "platform/error.h"
 #include "prefs/switch_ids.h"
+#include "text/detail_file.h"
 #include "text/node_files.h"
+#include "text/protocol_file.h"
 #include "text/summary_file.h"
 #include "text/text_report.h"
 
@@ -13,8 +15,6 @@ namespace {
 constexpr MethodTraits kTraits{
     .class_id = kCsvStatsOutputClass, .settings_element = u"csvstatsoutput", .is_text_method = true};
 
-constexpr int kNoGate = -1;
-
 /// The sections in the order in which they are written. A gate that cannot be read ends the report; a section that
 /// fails ends alone.
 struct Section {
@@ -23,8 +23,10 @@ struct Section {
 };
 
 constexpr Section kSections[] = {
-    {kNoGate, WriteSummaryFile},
+    {kAlways, WriteSummaryFile},
     {kSwitchOutputNodeStats, WriteNodeFiles},
+    {kSwitchOutputProtocolStats, WriteProtocolFile},
+    {kSwitchOutputNodeDetails, WriteDetailFile},
 };
 
 }  // namespace
@@ -42,6 +44,7 @@ void CSVStatsOutput::WriteReport(const ReportJob& job) {
   TextReport report{.job = job,
                     .preferences = preferences(),
                     .util = report_util(),
+                    .protocol_names = protocol_names(),
                     .statistic_map = statistic_map_,
                     .extension = extension_,
                     .separator = narrow_separator_,
@@ -51,8 +54,7 @@ void CSVStatsOutput::WriteReport(const ReportJob& job) {
   if (Failed(Query(job.live, &report.observer))) report.observer.Reset();
 
   for (const Section& section : kSections) {
-    if (section.gate != kNoGate && !report.IsOn(static_cast<std::uint32_t>(section.gate))) continue;
-    (void)Guard([&] { section.write(report); });
+    if (report.IsOn(section.gate)) (void)Guard([&] { section.write(report); });
   }
 }
 

@@ -35,7 +35,7 @@ constexpr Column<NodeEntry> kNodeColumns[] = {
 };
 
 struct NodeFamily {
-  std::uint32_t gate;
+  int gate;
   StringId title;
   std::uint8_t type;
 };
@@ -86,7 +86,7 @@ void WriteNodeRows(TextReport& report, INodeStats& nodes, std::uint8_t type, con
 
 void WriteFamilyFile(TextReport& report, const NodeFamily& family) {
   ComPtr<INodeStats> nodes;
-  if (Failed(GetCategory(report.job.live, kNodeCategory, &nodes)) || !nodes) return;
+  if (Failed(GetCategory(report.job.live, kNodeCategory, &nodes)) || !nodes || !report.addresses) return;
   ColumnSet<NodeEntry> columns(report, kNodeColumns);
   WriteSectionFile(report, FilePath(report, kStrNodeStatistics, family.title), NodeHeader(report, columns),
                    [&](SectionFile& file) { WriteNodeRows(report, *nodes, family.type, columns, file); });

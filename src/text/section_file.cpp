@@ -1,12 +1,14 @@
 #include "text/section_file.h"
 
+#include <utility>
+
 #include "platform/error.h"
 
 namespace orvo {
 namespace {
 
-constexpr std::size_t kBlock = 256 * 1024;
-constexpr std::size_t kBufferCapacity = kBlock + 16 * 1024;
+constexpr std::size_t kBlock = std::size_t{256} * 1024;
+constexpr std::size_t kBufferCapacity = kBlock + std::size_t{16} * 1024;
 constexpr int kOpenAttempts = 8;
 
 constexpr Status kFileNotFound = StatusFromError(kErrorFileNotFound);
@@ -17,10 +19,6 @@ constexpr Status kAlreadyExists = StatusFromError(kErrorAlreadyExists);
 SectionFile::SectionFile() : buffer_(kBufferCapacity) {}
 
 void SectionFile::Open(std::u16string_view path, std::string_view header) {
-  OpenExistingOrNew(path, header);
-}
-
-void SectionFile::OpenExistingOrNew(std::u16string_view path, std::string_view header) {
   // Others may create or delete the file between our two attempts, so neither answer is final the first time.
   Status status = kFileNotFound;
   for (int attempt = 0; attempt < kOpenAttempts; ++attempt) {

@@ -31,7 +31,6 @@ class SectionFile {
   std::uint64_t rows_written() const { return rows_written_; }
 
  private:
-  void OpenExistingOrNew(std::u16string_view path, std::string_view header);
   void EndPartialRow();
   void WriteRows();
 

@@ -47,9 +47,8 @@ Value Rate(std::uint64_t count, const ReferenceTotals& totals) {
   return Value::Real(PerSecond(count, totals.duration));
 }
 
-constexpr int kAlwaysOn = -1;
 constexpr SummaryColumn kColumns[] = {
-    {"Bytes", kAlwaysOn, &SummaryRow::bytes, Plain},
+    {"Bytes", kAlways, &SummaryRow::bytes, Plain},
     {"Packets", kSwitchSumPackets, &SummaryRow::packets, Plain},
     {"PctBytes", kSwitchSumPctBytes, &SummaryRow::bytes, PctOfBytes},
     {"PctPackets", kSwitchSumPctPackets, &SummaryRow::packets, PctOfPackets},
@@ -91,7 +90,7 @@ void AppendColumn(TextReport& report, const SummaryColumn& column, const Summary
 std::vector<SummaryColumn> EnabledColumns(const TextReport& report) {
   std::vector<SummaryColumn> enabled;
   for (const SummaryColumn& column : kColumns) {
-    if (column.gate == kAlwaysOn || report.IsOn(static_cast<std::uint32_t>(column.gate))) enabled.push_back(column);
+    if (report.IsOn(column.gate)) enabled.push_back(column);
   }
   return enabled;
 }

@@ -13,11 +13,15 @@
 
 namespace orvo {
 
+/// Stands for the switch of what is always there.
+inline constexpr int kAlways = -1;
+
 /// What the sections of one text report share. It lives for the length of that report.
 struct TextReport {
   const ReportJob& job;
   IStatsOutputPrefs& preferences;
   ReportUtil& util;
+  IProtocolNameService& protocol_names;
   StatisticMap& statistic_map;
   std::u16string_view extension;
   std::string_view separator;  ///< in the code page of text files
@@ -26,7 +30,8 @@ struct TextReport {
   ComPtr<IReportObserver> observer{};  ///< null when nobody wants to know
   std::u16string scratch{};            ///< for one text at a time
 
-  bool IsOn(std::uint32_t switch_id) const { return orvo::IsOn(preferences, switch_id); }
+  /// True for kAlways; raises the failing status of a switch that cannot be read.
+  bool IsOn(int gate) const { return gate == kAlways || orvo::IsOn(preferences, static_cast<std::uint32_t>(gate)); }
 };
 
 /// The path of a section's file: "Node Statistics-IP.csv" in the report's folder. Without a second title the hyphen is

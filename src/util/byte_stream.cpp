@@ -52,7 +52,7 @@ void CByteStream::Seek(std::uint32_t offset, std::uint32_t origin) {
 }
 
 void CByteStream::Reserve(std::uint32_t extra) {
-  if (capacity_ - length_ >= extra) return;
+  if (!owns_buffer_ || capacity_ - length_ >= extra) return;
   std::uint64_t needed = std::uint64_t{length_} + extra;
   if (needed > kSizeLimit) Raise(E_OUTOFMEMORY);
   std::uint64_t steps = (needed - capacity_ + growth_increment_ - 1) / growth_increment_;

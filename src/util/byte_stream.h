@@ -44,7 +44,8 @@ class CByteStream {
   /// Moves the position, to the end at most. From the end the offset counts backwards, to the start at most. An unknown
   /// origin changes nothing.
   void Seek(std::uint32_t offset, std::uint32_t origin);
-  /// Makes room for `extra` bytes behind the length. Raises E_OUTOFMEMORY, and nothing has changed then.
+  /// Makes room for `extra` bytes behind the length. Without effect on the caller's bytes.
+  /// Raises E_OUTOFMEMORY, and nothing has changed then.
   void Reserve(std::uint32_t extra);
   /// Cuts or extends (by undefined bytes); 0 frees the buffer. Without effect on the caller's bytes.
   /// Raises E_OUTOFMEMORY, and nothing has changed then.

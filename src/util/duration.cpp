@@ -1,16 +1,13 @@
 #include "util/duration.h"
 
 #include "platform/locale.h"
+#include "util/ascii.h"
 #include "util/formatting.h"
 
 namespace orvo {
 namespace {
 
 constexpr std::uint64_t kNanosecondsPerSecond = 1'000'000'000;
-
-void AppendNumber(std::uint64_t number, std::u16string* text) {
-  for (char c : std::to_string(number)) *text += static_cast<char16_t>(c);
-}
 
 // Appends the pattern with its first two "%s" replaced.
 void AppendPattern(std::u16string_view pattern, std::u16string_view first, std::u16string_view second,
@@ -34,7 +31,7 @@ Status AppendMagnitude(std::uint64_t magnitude, int precision, std::u16string_vi
   std::u16string fraction = FractionText(magnitude % kNanosecondsPerSecond, precision);
 
   if (precision != kNoFraction && days == 0 && hours == 0 && minutes == 0) {
-    AppendNumber(static_cast<std::uint64_t>(seconds), text);
+    *text += WidenAscii(std::to_string(seconds));
     *text += fraction;
     return S_OK;
   }
@@ -45,9 +42,7 @@ Status AppendMagnitude(std::uint64_t magnitude, int precision, std::u16string_vi
   if (days == 0) {
     *text += time;
   } else {
-    std::u16string day_count;
-    AppendNumber(days, &day_count);
-    AppendPattern(day_pattern, day_count, time, text);
+    AppendPattern(day_pattern, WidenAscii(std::to_string(days)), time, text);
   }
   return S_OK;
 }

@@ -45,10 +45,10 @@ TEST_F(CaptureFileTest, GivesPacketsWithTheirTimes) {
     std::uint32_t magic, seconds, fraction;
     std::uint64_t time;
   } cases[] = {
-      {0xA1B2C3D4, 1'577'836'800, 123456, kNoon + 123'456'000},
-      {0xA1B23C4D, 1'577'836'800, 123456789, kNoon + 123'456'789},
+      {0xA1B2C3D4, 1'577'836'800, 123456, kNewYear + 123'456'000},
+      {0xA1B23C4D, 1'577'836'800, 123456789, kNewYear + 123'456'789},
       {0xA1B2C3D4, 0xFFFFFFFF, 0, kUnixEpoch + 0xFFFFFFFFULL * kSecond},  // the year 2106, not 1969
-      {0xA1B2C3D4, 1'577'836'800, 0xFFFFFFFF, kNoon},                     // no fraction of a second
+      {0xA1B2C3D4, 1'577'836'800, 0xFFFFFFFF, kNewYear},                  // no fraction of a second
   };
   for (const auto& c : cases) {
     std::string path = Write(PcapHeader(1, c.magic) + PcapRecord(c.seconds, c.fraction, Frame()) +
@@ -88,7 +88,7 @@ TEST_F(CaptureFileTest, ReadsPcapng) {
   ASSERT_TRUE(source) << error.message;
   Packet packet;
   ASSERT_TRUE(source->Next(&packet));
-  EXPECT_EQ(packet.time, kNoon + 5);
+  EXPECT_EQ(packet.time, kNewYear + 5);
   EXPECT_EQ(Buffer(packet.bytes.begin(), packet.bytes.end()), frame);
   EXPECT_FALSE(source->Next(&packet));
   EXPECT_EQ(source->warning().message, "");

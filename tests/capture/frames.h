@@ -94,10 +94,10 @@ inline Buffer Arp() {
 
 inline constexpr std::uint64_t kSecond = 1'000'000'000;
 /// 2020-01-01 00:00 UTC
-inline constexpr std::uint64_t kNoon = (11'644'473'600ULL + 1'577'836'800ULL) * kSecond;
+inline constexpr std::uint64_t kNewYear = (11'644'473'600ULL + 1'577'836'800ULL) * kSecond;
 
 /// A packet over the frame, which must outlive it; captured whole.
-inline Packet MakePacket(const Buffer& frame, std::uint64_t time = kNoon) {
+inline Packet MakePacket(const Buffer& frame, std::uint64_t time = kNewYear) {
   Packet packet;
   packet.time = time;
   packet.bytes = frame;

@@ -214,9 +214,9 @@ TEST_F(ClassFactoryTest, CreationAndUnloadingMayMeet) {
   std::atomic<int> running = 3;
   // The last instructions of an object's Release run when its library counts it no more; they must not be unloaded.
   std::mutex releasing;
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 3; ++i) {
-    threads.emplace_back([&] {
+  std::vector<std::thread> threads(3);
+  for (std::thread& thread : threads) {
+    thread = std::thread([&] {
       for (int round = 0; round < 100; ++round) {
         ComPtr<ICounter> counter;
         int total = 0;

@@ -66,10 +66,10 @@ TEST(CodePageTest, RefusesWhatIsNoSupersetOfAscii) {
 
 TEST(CodePageTest, EveryThreadSeesAChange) {
   ASSERT_EQ(SetCodePage("windows-1252"), S_OK);
-  std::vector<std::thread> threads;
+  std::vector<std::thread> threads(4);
   std::atomic<int> wrong = 0;
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([&, i] {
+  for (std::thread& thread : threads) {
+    thread = std::thread([&, i = &thread - threads.data()] {
       for (int round = 0; round < 200; ++round) {
         if (i == 0) SetCodePage(round % 2 == 0 ? "ISO-8859-5" : "windows-1252");
         std::string bytes = Narrow(u"\u00A7");

@@ -104,9 +104,9 @@ TEST_F(RegistryTest, RefusesFilesThatAreNoRegistry) {
 }
 
 TEST_F(RegistryTest, TwoProcessesLoseNoChange) {
-  constexpr int kChanges = 20;
+  constexpr std::size_t kChanges = 20;
   auto count_up = [] {
-    for (int i = 0; i < kChanges; ++i) {
+    for (std::size_t i = 0; i < kChanges; ++i) {
       Status status = Registry::Update([](Registry& registry) {
         std::u16string count = registry.Value(u"count").value_or(u"");
         registry.SetValue(u"count", u"", count + u"x");

@@ -17,12 +17,17 @@ struct View {
   Script script;
   std::vector<const NodeEntry*> node_of_address;
   std::vector<std::uint32_t> next_of_type;
+  std::vector<ConversationEntry> conversations;
   std::map<std::uint8_t, std::uint32_t> first_of_type;
 
   View(ScriptedEngine* owner, Script content) : engine(owner), script(std::move(content)) {
     node_of_address.resize(script.addresses.size());
     for (const NodeEntry& node : script.nodes) {
       if (node.address < node_of_address.size()) node_of_address[node.address] = &node;
+    }
+    for (const ScriptedConversation& conversation : script.conversations) {
+      conversations.push_back(
+          {.key = conversations.size(), .packets = conversation.packets, .bytes = conversation.bytes});
     }
     next_of_type.resize(script.addresses.size(), kNoAddress);
     for (std::size_t i = script.addresses.size(); i-- > 0;) {
@@ -128,6 +133,48 @@ class Protocols final : public ViewObject<IProtocolStats> {
   }
 };
 
+class Conversations final : public ViewObject<IConversationStats> {
+ public:
+  using ViewObject::ViewObject;
+  Status GetCount(std::uint32_t* count) override {
+    ANSWER("IConversationStats::GetCount");
+    *count = static_cast<std::uint32_t>(view_->conversations.size());
+    return S_OK;
+  }
+  Status GetEntry(std::uint32_t index, const ConversationEntry** entry) override {
+    ANSWER("IConversationStats::GetEntry");
+    return Entry(view_->conversations, index, entry);
+  }
+  Status FindByKey(std::uint64_t key, const ConversationEntry** entry) override {
+    *entry = key < view_->conversations.size() ? &view_->conversations[key] : nullptr;
+    return *entry ? S_OK : S_FALSE;
+  }
+};
+
+class ConversationIndex final : public ViewObject<IConversationIndex> {
+ public:
+  using ViewObject::ViewObject;
+  Status Resolve(std::uint64_t key, ConversationEndpoints* endpoints) override {
+    ANSWER("IConversationIndex::Resolve");
+    if (key >= view_->script.conversations.size()) return E_INVALIDARG;
+    *endpoints = view_->script.conversations[key].ends;
+    return S_OK;
+  }
+  Status FirstOfType(std::uint8_t type, std::uint64_t* key) override { return FromOn(0, type, key); }
+  Status NextOfType(std::uint64_t key, std::uint64_t* next) override {
+    return FromOn(key + 1, view_->script.addresses[view_->script.conversations[key].ends.source].type, next);
+  }
+
+ private:
+  Status FromOn(std::uint64_t key, std::uint8_t type, std::uint64_t* found) const {
+    for (; key < view_->script.conversations.size(); ++key) {
+      *found = key;
+      if (view_->script.addresses[view_->script.conversations[key].ends.source].type == type) return S_OK;
+    }
+    return S_FALSE;
+  }
+};
+
 class SummarySnapshot final : public ViewObject<ISummarySnapshot> {
  public:
   using ViewObject::ViewObject;
@@ -204,7 +251,7 @@ struct CategoryMaker {
 const CategoryMaker kCategories[] = {
     {kSummaryCategory.identifier, Make<Summary>},    {kNodeCategory.identifier, Make<Nodes>},
     {kTopTalkerCategory.identifier, Make<Nodes>},    {kHierarchyCategory.identifier, Make<Hierarchy>},
-    {kProtocolCategory.identifier, Make<Protocols>},
+    {kProtocolCategory.identifier, Make<Protocols>}, {kConversationCategory.identifier, Make<Conversations>},
 };
 
 /// The operations that the live context and a snapshot answer alike.
@@ -232,8 +279,9 @@ class ContextBase : public Object<IStatsContext, Interfaces...> {
     return S_OK;
   }
   Status GetConversationIndex(IConversationIndex** index) override {
-    *index = nullptr;
-    return E_NOTIMPL;
+    if (Status answer = engine_->Answer("IStatsContext::GetConversationIndex"); answer != S_OK) return answer;
+    *index = MakeObject<ConversationIndex>(CurrentView()).Detach();
+    return S_OK;
   }
   Status GetStartTime(std::uint64_t* time) override { return Give(&Script::start_time, time); }
   Status GetDuration(std::uint64_t* duration) override { return Give(&Script::duration, duration); }
@@ -294,6 +342,7 @@ class LiveContext final : public ContextBase<IStatsSnapshotSource, IReportObserv
 
   void* FindInterface(const Guid& iid) override {
     if (iid == IReportObserver::kIid && !engine_->offers_observer) return nullptr;
+    if (iid == IStatsSnapshotSource::kIid && !engine_->offers_snapshots) return nullptr;
     return ContextBase::FindInterface(iid);
   }
 
@@ -342,6 +391,11 @@ class AddressNames final : public Object<IAddressNameService> {
 
   Status AppendAddressText(const AddressRecord& record, std::u16string* text) override {
     if (Status answer = engine_->Answer("IAddressNameService::AppendAddressText"); answer != S_OK) return answer;
+    if (record.type == kAddressProtocol) {
+      auto protocol = engine_->protocol_tree.find(ProtocolNumber(record));
+      if (protocol != engine_->protocol_tree.end()) *text += protocol->second.name;
+      return S_OK;
+    }
     std::size_t begin = text->size();
     for (std::size_t i = 0; i < record.length; ++i) {
       if (i != 0) text->push_back(u'.');
@@ -359,17 +413,30 @@ class AddressNames final : public Object<IAddressNameService> {
 
 class ProtocolNames final : public Object<IProtocolNameService> {
  public:
-  explicit ProtocolNames(ScriptedEngine* /*engine*/) {}
-  Status IsTopLevel(std::uint16_t /*number*/) override { return S_OK; }
+  explicit ProtocolNames(ScriptedEngine* engine) : engine_(engine) {}
+  Status IsTopLevel(std::uint16_t number) override {
+    auto found = engine_->protocol_tree.find(number);
+    return found != engine_->protocol_tree.end() && found->second.parent == 0 ? S_OK : S_FALSE;
+  }
   Status GetChain(std::uint16_t number, std::uint16_t* chain, std::uint32_t capacity, std::uint32_t* count) override {
-    *count = capacity == 0 ? 0 : 1;
-    if (*count != 0) chain[0] = number;
+    if (Status answer = engine_->Answer("IProtocolNameService::GetChain"); answer != S_OK) return answer;
+    *count = 0;
+    for (auto at = engine_->protocol_tree.find(number); at != engine_->protocol_tree.end() && *count < capacity;
+         at = engine_->protocol_tree.find(at->second.parent)) {
+      chain[(*count)++] = at->first;
+    }
     return S_OK;
   }
   Status AppendName(std::uint16_t number, std::u16string* name) override {
-    AppendDecimal(number, name);
+    if (Status answer = engine_->Answer("IProtocolNameService::AppendName"); answer != S_OK) return answer;
+    auto found = engine_->protocol_tree.find(number);
+    if (found == engine_->protocol_tree.end()) return S_FALSE;
+    *name += found->second.name;
     return S_OK;
   }
+
+ private:
+  ScriptedEngine* engine_;
 };
 
 /// Creates scripted objects of one class.
@@ -413,6 +480,13 @@ std::uint32_t Script::AddPhysical(std::uint64_t number) {
   AddressRecord record{.valid = 1, .type = kAddressPhysical, .length = 6};
   for (std::size_t i = 0; i < 6; ++i) record.bytes[i] = static_cast<std::uint8_t>(number >> (8 * (5 - i)));
   return Add(record);
+}
+
+std::uint32_t Script::AddProtocol(std::uint16_t number) {
+  return Add({.valid = 1,
+              .type = kAddressProtocol,
+              .length = 2,
+              .bytes = {static_cast<std::uint8_t>(number), static_cast<std::uint8_t>(number >> 8)}});
 }
 
 ScriptedEngine::ScriptedEngine() {

@@ -20,12 +20,26 @@ struct ScriptedStat {
   SummaryValue value;
 };
 
+/// One conversation: its traffic, and the ends that the index resolves its key (its place in the list) to.
+struct ScriptedConversation {
+  ConversationEndpoints ends;
+  std::uint64_t packets = 0;
+  std::uint64_t bytes = 0;
+};
+
+/// A protocol of the tree: its name, and the number of what it is part of (0 at the top).
+struct ScriptedProtocol {
+  std::u16string name;
+  std::uint16_t parent = 0;
+};
+
 /// What a scripted engine answers, as plain data. Node, hierarchy and protocol entries refer to addresses by index.
 struct Script {
   std::vector<AddressRecord> addresses;
   std::vector<NodeEntry> nodes;
   std::vector<HierarchyEntry> hierarchy;
   std::vector<ProtocolEntry> protocols;
+  std::vector<ScriptedConversation> conversations;
   std::vector<ScriptedStat> summary;
   std::map<Guid, std::u16string> group_names;
   std::uint32_t medium_type = kMediumEthernet;
@@ -41,6 +55,7 @@ struct Script {
   std::uint32_t Add(const AddressRecord& record);
   std::uint32_t AddIp(std::uint8_t a, std::uint8_t b, std::uint8_t c, std::uint8_t d);
   std::uint32_t AddPhysical(std::uint64_t number);
+  std::uint32_t AddProtocol(std::uint16_t number);
 };
 
 /// A capture engine that answers the contract from a script, fails where it is told to, and remembers what it heard.
@@ -60,7 +75,9 @@ class ScriptedEngine {
   std::uint64_t snapshot_time = 0;
   /// Replaces the text of an address.
   std::map<std::u16string, std::u16string> names;
+  std::map<std::uint16_t, ScriptedProtocol> protocol_tree;
   bool offers_observer = true;
+  bool offers_snapshots = true;
   /// The script changes no more: a context makes its tables once instead of anew for every report.
   bool fixed = false;
 

@@ -19,6 +19,8 @@ constexpr std::uint32_t kNodeColumnSwitches[] = {
 
 class NodeFilesTest : public TextReportTest {
  protected:
+  NodeFilesTest() { OnlySection(kSwitchOutputNodeStats); }
+
   /// One node that has sent and received, with a different number in every field.
   void AddBusyNode() {
     NodeEntry node;
@@ -140,7 +142,7 @@ TEST_F(NodeFilesTest, SwitchesDecideEachFile) {
     preferences->SetPreference(id, 0);
   }
   preferences->SetDefaults();
-  preferences->SetPreference(kSwitchOutputNodeStats, 0);
+  OnlySection(0xFFFF);
   ASSERT_EQ(Output(), S_OK);
   EXPECT_THAT(folder.Names(), ElementsAre("Summary Statistics.csv"));
 }
@@ -180,6 +182,13 @@ TEST_F(NodeFilesTest, MissingObjectsSkipTheirFilesOnly) {
   ASSERT_EQ(Output(), S_OK);
   EXPECT_EQ(FileLines(kIpFile).size(), 2U);
   EXPECT_TRUE(folder.Has("Node Statistics-Hierarchy.csv"));
+}
+
+TEST_F(NodeFilesTest, WithoutAnAddressTableThereAreNoNodeFiles) {
+  AddBusyNode();
+  engine.Fail("IStatsContext::GetAddressTable", 1, S_FALSE);  // no failure, and no table
+  ASSERT_EQ(Output(), S_OK);
+  EXPECT_THAT(folder.Names(), ElementsAre("Summary Statistics.csv"));
 }
 
 TEST_F(NodeFilesTest, FailingQueryEndsItsFileAndKeepsTheRowsBefore) {

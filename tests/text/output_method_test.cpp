@@ -19,7 +19,7 @@ class FailingPreferences final : public Object<IStatsOutputPrefs> {
  public:
   Status GetPreference(std::uint32_t identifier, std::int32_t* value) override {
     if (identifier == failing) return E_OUTOFMEMORY;
-    *value = 1;
+    *value = identifier != kSwitchOutputProtocolStats && identifier != kSwitchOutputNodeDetails;
     return S_OK;
   }
   Status SetPreference(std::uint32_t /*identifier*/, std::int32_t /*value*/) override { return S_OK; }
@@ -56,6 +56,10 @@ TEST_F(OutputMethodTest, AFailingSnapshotStepEndsTheReport) {
     EXPECT_EQ(Output(), DISP_E_OVERFLOW) << step;
     EXPECT_THAT(folder.Names(), IsEmpty());
   }
+  engine.offers_snapshots = false;
+  EXPECT_EQ(Output(), E_NOINTERFACE);
+  EXPECT_EQ(engine.availability_queries, 5) << "availability is asked for before anything can fail";
+  EXPECT_THAT(folder.Names(), IsEmpty());
 }
 
 TEST_F(OutputMethodTest, WithoutStatisticsNothingIsWrittenThoughTheSnapshotIsTaken) {

@@ -30,7 +30,10 @@ constexpr const char* kIpFile = "Node Statistics-IP.csv";
 
 class SectionFileTest : public TextReportTest {
  protected:
-  SectionFileTest() { AddNode(u"10.0.0.1", u"first"); }
+  SectionFileTest() {
+    OnlySection(kSwitchOutputNodeStats);
+    AddNode(u"10.0.0.1", u"first");
+  }
 
   void AddNode(const char16_t* address, const char16_t* name) {
     NodeEntry node;
@@ -116,6 +119,13 @@ TEST_F(SectionFileTest, NothingOutsideTheFolderIsWritten) {
   }
 }
 
+TEST_F(SectionFileTest, NothingStandsBetweenFolderAndFileName) {
+  ComPtr<IStatsContext> context = engine.Context();
+  EXPECT_EQ(method->Output(Bstr(folder.ReportFolder() + u"Monday ").get(), context.get(), nullptr), S_OK);
+  EXPECT_TRUE(folder.Has("Monday Summary Statistics.csv"));
+  EXPECT_EQ(FileLines(std::string("Monday ") + kIpFile).size(), 2U);
+}
+
 TEST_F(SectionFileTest, AFolderThatIsNotThereFailsEveryFileAndNothingElse) {
   ComPtr<IStatsContext> context = engine.Context();
   EXPECT_EQ(method->Output(Bstr(folder.ReportFolder() + u"missing\\").get(), context.get(), nullptr), S_OK);
@@ -151,7 +161,7 @@ TEST_F(SectionFileTest, AFullDiskKeepsTheRowsBeforeItAndTheNextRunGoesOn) {
   for (std::size_t i = 1; i + 2 < lines.size(); ++i) ASSERT_EQ(std::ranges::count(lines[i], ','), 17) << i;
 }
 
-TEST_F(SectionFileTest, OfManyWritersOneAtATimeWritesAndTheHeaderStandsOnce) {
+TEST_F(SectionFileTest, OfParallelWritersOneAtATimeWritesAndTheHeaderStandsOnce) {
   constexpr int kWriters = 8;
   const std::u16string path = folder.ReportFolder() + u"contended.csv";
   std::atomic<int> written = 0;

@@ -17,7 +17,7 @@ constexpr Guid kGroup = "11111111-0000-0000-0000-000000000001"_guid;
 class SummaryFileTest : public TextReportTest {
  protected:
   SummaryFileTest() {
-    preferences->SetPreference(kSwitchOutputNodeStats, 0);
+    OnlySection(0xFFFF);
     engine.live.group_names[kGroup] = u"General";
     engine.live.total_packets = 200;
     engine.live.total_bytes = 1000;

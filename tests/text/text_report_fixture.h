@@ -29,6 +29,13 @@ class TextReportTest : public testing::Test {
     SetFormat(u".csv", u",");
   }
 
+  /// Leaves the summary and the section of one switch.
+  void OnlySection(std::uint32_t section) {
+    for (std::uint32_t gate : {kSwitchOutputNodeStats, kSwitchOutputProtocolStats, kSwitchOutputNodeDetails}) {
+      preferences->SetPreference(gate, gate == section);
+    }
+  }
+
   void SetFormat(std::u16string_view extension, std::u16string_view separator) {
     EXPECT_EQ(method->SetFormat(Bstr(extension).get(), Bstr(separator).get(), preferences.get(), nullptr), S_OK);
   }

@@ -142,6 +142,7 @@ TEST(ByteStream, LeavesTheCallersBytesTheirSize) {
   EXPECT_EQ(ShapeOf(stream), (Shape{2, 2, 4}));
   stream.SetLength(0);
   stream.SetLength(100);
+  stream.Reserve(100);
   EXPECT_EQ(ShapeOf(stream), (Shape{2, 2, 4}));
   EXPECT_TRUE(stream.Write("34", 2));
   EXPECT_EQ(Content(stream), "1234");

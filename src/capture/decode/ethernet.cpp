@@ -32,8 +32,8 @@ Payload DecodeEthernet(Bytes bytes, PacketFacts& facts) {
     return {};
   }
   if (AddressPair* pair = facts.AddPair()) {
-    SetAddress(&pair->destination, kAddressPhysical, bytes.data(), kAddressLength);
-    SetAddress(&pair->source, kAddressPhysical, bytes.data() + kAddressLength, kAddressLength);
+    SetAddress<kAddressLength>(&pair->destination, kAddressPhysical, bytes.data());
+    SetAddress<kAddressLength>(&pair->source, kAddressPhysical, bytes.data() + kAddressLength);
     pair->delivery = DeliveryTo(pair->destination);
   }
   std::uint16_t type = Read16(bytes, kHeaderLength - 2);

@@ -11,7 +11,8 @@ constinit const ProtocolRegistration* g_registrations = nullptr;
 
 }  // namespace
 
-ProtocolRegistration::ProtocolRegistration(std::span<const Protocol> added) : protocols(added), next(g_registrations) {
+ProtocolRegistration::ProtocolRegistration(std::span<const Protocol> registered)
+    : protocols(registered), next(g_registrations) {
   g_registrations = this;
 }
 

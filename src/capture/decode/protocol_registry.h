@@ -49,7 +49,7 @@ struct Protocol {
 /// nothing else has to know the file. (The engine is linked as objects, so that no linker leaves the file out.)
 class ProtocolRegistration {
  public:
-  explicit ProtocolRegistration(std::span<const Protocol> protocols);
+  explicit ProtocolRegistration(std::span<const Protocol> registered);
 
   std::span<const Protocol> protocols;
   const ProtocolRegistration* next;

@@ -23,7 +23,7 @@ namespace {
 constexpr std::uint64_t kNanosecondsPerSecond = 1'000'000'000;
 /// The longest frame that libpcap itself takes for possible.
 constexpr std::uint32_t kLongestFrame = 262'144;
-constexpr std::size_t kReadBuffer = 256 * 1024;
+constexpr std::size_t kReadBuffer = std::size_t{256} * 1024;
 
 /// Seconds of the classic format are 32 unsigned bits that libpcap widens with a sign; those of pcapng may lie beyond
 /// every date that a time value can hold, and are brought back to the last one.
