@@ -77,7 +77,8 @@ void ReadCaptures(const MakeOptions& options, CaptureEngine& engine) {
   for (const auto& source : sources) parts.push_back(source.get());
   MergedSource merged(parts);
 
-  const std::string what = parts.size() == 1 ? options.captures.front() : fmt::format("{} captures", parts.size());
+  const std::string what = parts.size() == 1 ? fs::path(options.captures.front()).filename().string()
+                                             : fmt::format("{} captures", parts.size());
   Progress progress(!options.no_progress, "reading " + what);
   constexpr std::uint64_t kPacketsBetweenLooks = 4096;
   std::uint64_t packets = 0;
@@ -93,6 +94,17 @@ void ReadCaptures(const MakeOptions& options, CaptureEngine& engine) {
   for (const PacketSource* source : parts) {
     if (Failed(source->warning().status)) PrintWarning(source->warning().message);
   }
+}
+
+/// The cause of a file's failure. Whatever is not a plain file is refused without saying why.
+std::string WhyNotWritten(const ReportFiles::File& file) {
+  std::error_code error;
+  const fs::file_status kind = fs::symlink_status(file.path, error);
+  if (file.status == StatusFromError(kErrorAccessDenied)) {
+    if (fs::is_symlink(kind)) return "is a symbolic link, which a report does not follow; remove it";
+    if (fs::exists(kind) && !fs::is_regular_file(kind)) return "is not a regular file; remove it";
+  }
+  return Describe(file.status);
 }
 
 /// Writes one report in one format; prints the files that it wrote. False when one of them failed.
@@ -115,7 +127,7 @@ bool WriteReport(const MakeOptions& options, const Format& format, const fs::pat
   bool all_written = true;
   for (const ReportFiles::File& file : files->files()) {
     if (Failed(file.status)) {
-      PrintMessage(fmt::format("{}: {}", file.path, Describe(file.status)));
+      PrintMessage(fmt::format("{}: {}", file.path, WhyNotWritten(file)));
       all_written = false;
     } else {
       PrintOutput(fmt::format("{} ({} {})\n", Printable(file.path), file.rows, file.rows == 1 ? "row" : "rows"));
@@ -151,11 +163,13 @@ void AddMakeCommand(CLI::App& parser, Verb* verb) {
       ->add_option("CAPTURE", options->captures,
                    "Capture files (pcap, pcapng), read as one in the order of their times")
       ->required()
-      ->type_name("...");
+      ->type_name("")
+      ->check(NotEmpty());
   command
       ->add_option("--out", options->out, "Folder of the report, made when missing; rows are appended to files there")
       ->required()
-      ->type_name("DIR");
+      ->type_name("DIR")
+      ->check(NotEmpty());
   command->add_option("--format", options->formats, "Report forms, joined by commas: " + FormatNames())
       ->type_name("LIST")
       ->capture_default_str();
@@ -163,9 +177,11 @@ void AddMakeCommand(CLI::App& parser, Verb* verb) {
   command->add_flag("--live", options->live, "Report straight from the live statistics, marked with the current time");
   command->add_flag("--no-names", options->no_names, "Write plain addresses instead of names");
   command->add_option("--locale", options->locale, "Locale of dates and times (default: the environment's)")
-      ->type_name("NAME");
+      ->type_name("NAME")
+      ->check(NotEmpty());
   command->add_option("--code-page", options->code_page, "Encoding of text files (default: the locale's, else UTF-8)")
-      ->type_name("NAME");
+      ->type_name("NAME")
+      ->check(NotEmpty());
   command->add_flag("--no-progress", options->no_progress, "Show no progress on a terminal");
   command->callback([verb, options] { *verb = [options] { return Make(*options); }; });
 }

@@ -92,6 +92,15 @@ TEST_F(CaptureFileTest, ReadsPcapng) {
   EXPECT_EQ(Buffer(packet.bytes.begin(), packet.bytes.end()), frame);
   EXPECT_FALSE(source->Next(&packet));
   EXPECT_EQ(source->warning().message, "");
+
+  // A second interface, of another link type.
+  Buffer other = Le32(1) + Le32(20) + Buffer{101, 0, 0, 0} + Le32(0) + Le32(20);
+  source = OpenCaptureFile(Write(section + interface + Le32(6) + Le32(length) + body + Le32(length) + other), &error);
+  ASSERT_TRUE(source) << error.message;
+  EXPECT_TRUE(source->Next(&packet));
+  EXPECT_FALSE(source->Next(&packet));
+  EXPECT_NE(source->warning().message.find("split the file by interface"), std::string::npos)
+      << source->warning().message;
 }
 
 TEST_F(CaptureFileTest, DamageKeepsWhatCouldBeRead) {

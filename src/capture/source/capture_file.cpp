@@ -98,9 +98,12 @@ class CaptureFile final : public PacketSource {
   }
 
   void WarnOfEnd() {
-    warning_ = {E_FAIL, OneLine(path_) + ": reading stopped after packet " + std::to_string(packets_) + " (" +
-                            OneLine(pcap_geterr(handle_)) +
-                            "); the report covers the packets up to there, record the capture again for the rest"};
+    std::string why = OneLine(pcap_geterr(handle_));
+    // Not damage: libpcap reads no further when a file describes an interface unlike "the first interface".
+    const char* remedy =
+        why.find("first interface") != why.npos ? "split the file by interface" : "record the capture again";
+    warning_ = {E_FAIL, OneLine(path_) + ": reading stopped after packet " + std::to_string(packets_) + " (" + why +
+                            "); the report covers the packets up to there, " + remedy + " for the rest"};
   }
 
   std::string path_;
@@ -119,8 +122,10 @@ std::nullptr_t Refuse(SourceError* error, Status status, const std::string& path
 }
 
 std::nullptr_t RefuseErrno(SourceError* error, int code, const std::string& path) {
-  const char* remedy = code == ENOENT    ? "; check the path"
+  const char* remedy = path == "-"       ? "; name /dev/stdin to read standard input"
+                       : code == ENOENT  ? "; check the path"
                        : code == EACCES  ? "; ask for permission to read it"
+                       : code == EMFILE  ? "; name fewer files at once, or raise the limit with ulimit -n"
                        : code == ENOTDIR ? "; a file stands where the path names a folder"
                                          : "";
   return Refuse(error, StatusFromErrno(code), path,
