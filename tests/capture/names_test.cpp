@@ -94,7 +94,7 @@ TEST(DnsNames, AreThoseThatWereAskedFor) {
        ""},
       {"multicast DNS, which marks the class, and announces in the additional section",
        Message({}, {Record(Labels("laptop.local"), kA, Ip4(4), 0x8001)}, 0x8400), "10.0.0.4 laptop.local\n"},
-      {"a goodbye", Message({Record(www, kA, Ip4(1), 0x8001, 0)}), ""},
+      {"a name not to be kept", Message({Record(www, kA, Ip4(1), 1, 0)}), "10.0.0.1 www.example.com\n"},
       {"another class", Message({Record(www, kA, Ip4(1), 3)}), ""},
       {"a question", Message({Record(www, kA, Ip4(1))}, {}, 0x0100), ""},
       {"an error", Message({Record(www, kA, Ip4(1))}, {}, 0x8183), ""},

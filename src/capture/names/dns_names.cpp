@@ -126,14 +126,15 @@ class MessageReader {
            ns_msg_getflag(message_, ns_f_rcode) == ns_r_noerror;
   }
 
-  /// Calls `take` with the records that are of the Internet's class and still hold.
+  /// Calls `take` with the records that are of the Internet's class, however long they hold: servers of local names say
+  /// 0.
   template <class Take>
   void ForEach(ns_sect section, Take take) {
     const int count = std::min<int>(ns_msg_count(message_, section), kMostRecords);
     for (int i = 0; i < count; ++i) {
       ns_rr record;
       if (ns_parserr(&message_, section, i, &record) != 0) return;
-      if ((record.rr_class & kClassMask) == ns_c_in && record.ttl != 0) take(record);
+      if ((record.rr_class & kClassMask) == ns_c_in) take(record);
     }
   }
 
