@@ -38,10 +38,13 @@ Payload DecodeIpv4(Bytes bytes, PacketFacts& facts) {
     pair->delivery = DeliveryTo(pair->destination);
   }
   if (total > bytes.size()) facts.MarkShort();
+  bytes = Within(bytes, total);
+  facts.BeginDatagram(bytes);
+  facts.ip_protocol = bytes[9];
   std::uint16_t fragment = Read16(bytes, 6);
   bool later_fragment = (fragment & kOffsetMask) != 0;
   if (later_fragment || (fragment & kMoreFragments) != 0) facts.is_fragment = true;
-  return {{Layer::kIpProtocol, bytes[9]}, Behind(Within(bytes, total), header), !later_fragment};
+  return {{Layer::kIpProtocol, bytes[9]}, Behind(bytes, header), !later_fragment};
 }
 
 constexpr std::array kKeys{LayerKey{Layer::kEtherType, 0x0800}, LayerKey{Layer::kIpProtocol, 4}};

@@ -61,11 +61,13 @@ Payload DecodeIpv6(Bytes bytes, PacketFacts& facts) {
   }
   std::size_t length = Read16(bytes, 4);
   std::uint8_t next = bytes[6];
-  bytes = bytes.subspan(kHeaderLength);
-  if (length > bytes.size()) facts.MarkShort();
+  if (kHeaderLength + length > bytes.size()) facts.MarkShort();
   // A length of 0 stands for a jumbogram (RFC 2675) or for a frame recorded before segmentation.
-  if (length != 0) bytes = Within(bytes, length);
-  return DecodeExtensions(next, bytes, facts);
+  if (length != 0) bytes = Within(bytes, kHeaderLength + length);
+  facts.BeginDatagram(bytes);
+  Payload payload = DecodeExtensions(next, bytes.subspan(kHeaderLength), facts);
+  facts.ip_protocol = static_cast<std::uint8_t>(payload.key.number);
+  return payload;
 }
 
 constexpr std::array kKeys{LayerKey{Layer::kEtherType, 0x86DD}, LayerKey{Layer::kIpProtocol, 41}};

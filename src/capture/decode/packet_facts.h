@@ -31,13 +31,24 @@ struct PacketFacts {
     chain_length = 0;
     vlan_tags = 0;
     tcp_flags = 0;
+    ip_protocol = 0;
     source_port = destination_port = 0;
     has_ports = is_tcp = is_fragment = is_icmp_error = malformed = false;
     cut_off = captured < original;
+    network = payload = {};
   }
 
   /// Room for the addresses of one more header, or null when a packet nests more headers than are kept.
   AddressPair* AddPair() { return pair_count < kMaxPairs ? &pairs[pair_count++] : nullptr; }
+
+  /// Notes an IP datagram, from its header to the end of what was captured of it. Of datagrams in each other the
+  /// outermost is kept; ports and payload are those of the innermost, so that what was found before is dropped.
+  void BeginDatagram(Bytes datagram) {
+    if (network.empty()) network = datagram;
+    payload = {};
+    has_ports = is_tcp = false;
+    source_port = destination_port = 0;
+  }
 
   /// A header that does not fit into the bytes left: the frame's fault, unless the capture dropped its tail.
   void MarkShort() { malformed = malformed || !cut_off; }
@@ -49,6 +60,8 @@ struct PacketFacts {
   std::uint8_t chain_length = 0;
   std::uint8_t vlan_tags = 0;
   std::uint8_t tcp_flags = 0;  ///< as in the header: FIN 1, SYN 2, RST 4 (RFC 9293 section 3.1)
+  /// IPv4's protocol, IPv6's last next header (IANA protocol numbers), of the innermost IP header; 0 also without one.
+  std::uint8_t ip_protocol = 0;
   std::uint16_t source_port = 0;
   std::uint16_t destination_port = 0;
   bool has_ports = false;  ///< only the first fragment of a datagram has them
@@ -57,6 +70,8 @@ struct PacketFacts {
   bool is_icmp_error = false;  ///< an error message of ICMP or ICMPv6
   bool malformed = false;      ///< a header contradicts itself or the frame's length
   bool cut_off = false;        ///< less was captured than was on the wire
+  Bytes network;  ///< the outermost IP datagram from its header on, without padding, as far as it was captured
+  Bytes payload;  ///< what the innermost TCP, UDP or SCTP header carries, as far as it was captured; may be empty
 };
 
 /// Fills a record with `length` bytes, which are there.

@@ -23,6 +23,7 @@ Payload DecodeTcp(Bytes bytes, PacketFacts& facts) {
   std::size_t header = std::size_t{static_cast<unsigned>(bytes[12] >> 4)} * 4;
   if (header < kHeaderLength) facts.malformed = true;
   if (header > bytes.size()) facts.MarkShort();
+  if (header >= kHeaderLength) facts.payload = Behind(bytes, header);
   return {};
 }
 

@@ -24,6 +24,7 @@ Payload DecodeUdp(Bytes bytes, PacketFacts& facts) {
   // 0 is a jumbogram's (RFC 2675 section 4). Fragments hold less than the length says.
   if (length != 0 && length < kHeaderLength) facts.malformed = true;
   if (length > bytes.size() && !facts.is_fragment) facts.MarkShort();
+  facts.payload = Behind(length < kHeaderLength ? bytes : Within(bytes, length), kHeaderLength);
   return {};
 }
 
