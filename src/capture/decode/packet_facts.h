@@ -35,16 +35,17 @@ struct PacketFacts {
     source_port = destination_port = 0;
     has_ports = is_tcp = is_fragment = is_icmp_error = malformed = false;
     cut_off = captured < original;
-    network = payload = {};
+    network = datagram = payload = {};
   }
 
   /// Room for the addresses of one more header, or null when a packet nests more headers than are kept.
   AddressPair* AddPair() { return pair_count < kMaxPairs ? &pairs[pair_count++] : nullptr; }
 
-  /// Notes an IP datagram, from its header to the end of what was captured of it. Of datagrams in each other the
-  /// outermost is kept; ports and payload are those of the innermost, so that what was found before is dropped.
-  void BeginDatagram(Bytes datagram) {
-    if (network.empty()) network = datagram;
+  /// Notes an IP datagram, from its header to the end of what was captured of it. Ports and payload are those of the
+  /// innermost of datagrams in each other, so that what was found before is dropped.
+  void BeginDatagram(Bytes bytes) {
+    if (network.empty()) network = bytes;
+    datagram = bytes;
     payload = {};
     has_ports = is_tcp = false;
     source_port = destination_port = 0;
@@ -70,8 +71,9 @@ struct PacketFacts {
   bool is_icmp_error = false;  ///< an error message of ICMP or ICMPv6
   bool malformed = false;      ///< a header contradicts itself or the frame's length
   bool cut_off = false;        ///< less was captured than was on the wire
-  Bytes network;  ///< the outermost IP datagram from its header on, without padding, as far as it was captured
-  Bytes payload;  ///< what the innermost TCP, UDP or SCTP header carries, as far as it was captured; may be empty
+  Bytes network;   ///< the outermost IP datagram from its header on, without padding, as far as it was captured
+  Bytes datagram;  ///< the same of the innermost
+  Bytes payload;   ///< what the innermost TCP, UDP or SCTP header carries, as far as it was captured; may be empty
 };
 
 /// Fills a record with `length` bytes, which are there.
