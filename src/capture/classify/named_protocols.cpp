@@ -13,7 +13,7 @@ constexpr std::array kKeys{keys...};
 
 template <LayerKey... keys>
 constexpr Protocol Named(std::string_view name) {
-  return {name, kKeys<keys...>, {}, nullptr};
+  return {name, kKeys<keys...>};
 }
 
 constexpr LayerKey Ether(std::uint16_t type) {
@@ -21,6 +21,24 @@ constexpr LayerKey Ether(std::uint16_t type) {
 }
 constexpr LayerKey Sap(std::uint8_t sap) {
   return {Layer::kSap, sap};
+}
+constexpr LayerKey Cisco(std::uint16_t number) {
+  return {Layer::kSnapCisco, number};
+}
+constexpr LayerKey Slow(std::uint8_t subtype) {
+  return {Layer::kSlowSubtype, subtype};
+}
+constexpr LayerKey Osi(std::uint8_t number) {
+  return {Layer::kOsi, number};
+}
+constexpr LayerKey Ppp(std::uint16_t number) {
+  return {Layer::kPpp, number};
+}
+constexpr LayerKey Ipx(std::uint16_t socket) {
+  return {Layer::kIpxSocket, socket};
+}
+constexpr LayerKey Ddp(std::uint8_t type) {
+  return {Layer::kDdpType, type};
 }
 constexpr LayerKey Ip(std::uint8_t number) {
   return {Layer::kIpProtocol, number};
@@ -31,36 +49,87 @@ constexpr LayerKey Tcp(std::uint16_t port) {
 constexpr LayerKey Udp(std::uint16_t port) {
   return {Layer::kUdpPort, port};
 }
+constexpr LayerKey Sctp(std::uint16_t port) {
+  return {Layer::kSctpPort, port};
+}
 
 constexpr std::array kLinkProtocols{
-    Named<Ether(0x8137), Sap(0xE0)>("IPX"),
-    Named<Ether(0x809B)>("AppleTalk"),
-    Named<Ether(0x80F3)>("AARP"),
-    Named<Ether(0x6003)>("DECnet"),
     Named<Ether(0x6001), Ether(0x6002)>("DEC MOP"),
     Named<Ether(0x6004)>("DEC LAT"),
-    Named<Ether(0x8847), Ether(0x8848)>("MPLS"),
-    Named<Ether(0x8863)>("PPPoE Discovery"),
-    Named<Ether(0x8864)>("PPPoE"),
-    Named<Ether(0x888E)>("802.1X"),
-    Named<Ether(0x88CC)>("LLDP"),
-    Named<Ether(0x8809)>("Slow Protocols"),
     Named<Ether(0x88E5)>("MACsec"),
-    Named<Ether(0x88F7)>("PTP"),
     Named<Ether(0x8892)>("PROFINET"),
     Named<Ether(0x88A4)>("EtherCAT"),
-    Named<Ether(0x0842)>("Wake-on-LAN"),
     Named<Ether(0x9000)>("Ethernet Loopback"),
-    Named<Sap(0x42)>("STP"),
+    Named<Sap(0x04), Sap(0x08)>("SNA"),
+    Named<Sap(0x80), Ether(0x0600)>("XNS"),
+    Named<Sap(0xBC), Ether(0x0BAD)>("VINES"),
     Named<Sap(0xF0)>("NetBEUI"),
-    Named<Sap(0xFE)>("ISO CLNP"),
+    Named<Sap(0xF4)>("LAN Manager"),
+    Named<Sap(0xF8), Sap(0xFC)>("RPL"),
+    Named<Ether(0x22EA)>("MSRP"),
+    Named<Ether(0x22F0)>("AVTP"),
+    Named<Ether(0x22F3)>("TRILL"),
+    Named<Ether(0x8808)>("Ethernet Flow Control"),
+    Named<Ether(0x88B8)>("GOOSE"),
+    Named<Ether(0x88BA)>("Sampled Values"),
+    Named<Ether(0x8902)>("Ethernet CFM"),
+    Named<Ether(0x8906)>("FCoE"),
+    Named<Ether(0x8914)>("FCoE Initialization"),
+    Named<Ether(0x88BE), Ether(0x22EB)>("ERSPAN"),
+};
+
+constexpr std::array kSnapProtocols{
+    Named<Cisco(0x0104)>("PAgP"), Named<Cisco(0x0111)>("UDLD"), Named<Cisco(0x2000)>("CDP"),
+    Named<Cisco(0x2003)>("VTP"),  Named<Cisco(0x2004)>("DTP"),
+};
+
+constexpr std::array kSlowProtocols{
+    Named<Slow(1)>("LACP"),
+    Named<Slow(2)>("LACP Marker"),
+    Named<Slow(3)>("Ethernet OAM"),
+    Named<Slow(10)>("OSSP"),
+};
+
+constexpr std::array kOsiProtocols{
+    Named<Osi(0x81)>("CLNP"),
+    Named<Osi(0x82)>("ES-IS"),
+    Named<Osi(0x83)>("IS-IS"),
+};
+
+/// Control protocols of PPP: RFC 1661, 1334, 1994, 3748, 1332, 5072, 1962, 1968, 1990, 1144.
+constexpr std::array kPppProtocols{
+    Named<Ppp(0xC021)>("LCP"),
+    Named<Ppp(0xC023)>("PAP"),
+    Named<Ppp(0xC025)>("LQR"),
+    Named<Ppp(0xC223)>("CHAP"),
+    Named<Ppp(0xC227)>("EAP"),
+    Named<Ppp(0x8021)>("IPCP"),
+    Named<Ppp(0x8057)>("IPv6CP"),
+    Named<Ppp(0x80FD)>("CCP"),
+    Named<Ppp(0x8053)>("ECP"),
+    Named<Ppp(0x003D)>("PPP Multilink"),
+    Named<Ppp(0x00FD)>("PPP Compressed"),
+    Named<Ppp(0x002D), Ppp(0x002F)>("TCP/IP Compressed"),
+};
+
+constexpr std::array kIpxProtocols{
+    Named<Ipx(0x0451)>("NCP"),
+    Named<Ipx(0x0452)>("SAP"),
+    Named<Ipx(0x0453)>("RIP (IPX)"),
+    Named<Ipx(0x0455)>("NetBIOS (IPX)"),
+    Named<Ipx(0x0456)>("IPX Diagnostics"),
+    Named<Ipx(0x0457)>("IPX Serialization"),
+};
+
+constexpr std::array kDdpProtocols{
+    Named<Ddp(1), Ddp(5)>("RTMP"), Named<Ddp(2)>("NBP"), Named<Ddp(3)>("ATP"),
+    Named<Ddp(4)>("AEP"),          Named<Ddp(6)>("ZIP"), Named<Ddp(7)>("ADSP"),
 };
 
 constexpr std::array kIpProtocols{
-    Named<Ip(2)>("IGMP"),   Named<Ip(8)>("EGP"),        Named<Ip(33)>("DCCP"),  Named<Ip(46)>("RSVP"),
-    Named<Ip(47)>("GRE"),   Named<Ip(50)>("ESP"),       Named<Ip(51)>("AH"),    Named<Ip(88)>("EIGRP"),
-    Named<Ip(89)>("OSPF"),  Named<Ip(103)>("PIM"),      Named<Ip(112)>("VRRP"), Named<Ip(115)>("L2TPv3"),
-    Named<Ip(132)>("SCTP"), Named<Ip(136)>("UDP-Lite"),
+    Named<Ip(8)>("EGP"),      Named<Ip(33)>("DCCP"),  Named<Ip(46)>("RSVP"),    Named<Ip(50)>("ESP"),
+    Named<Ip(55)>("MOBILE"),  Named<Ip(88)>("EIGRP"), Named<Ip(94)>("IPIP"),    Named<Ip(103)>("PIM"),
+    Named<Ip(108)>("IPComp"), Named<Ip(112)>("VRRP"), Named<Ip(115)>("L2TPv3"), Named<Ip(136)>("UDP-Lite"),
 };
 
 constexpr std::array kApplications{
@@ -93,7 +162,6 @@ constexpr std::array kApplications{
     Named<Tcp(179)>("BGP"),
     Named<Tcp(194), Tcp(6667)>("IRC"),
     Named<Tcp(389), Udp(389)>("LDAP"),
-    Named<Udp(319), Udp(320)>("PTP over UDP"),
     Named<Tcp(443), Tcp(8443)>("HTTPS"),
     Named<Udp(443)>("QUIC"),
     Named<Tcp(445)>("SMB"),
@@ -128,16 +196,21 @@ constexpr std::array kApplications{
     Named<Udp(1900)>("SSDP"),
     Named<Udp(1985)>("HSRP"),
     Named<Tcp(2049), Udp(2049)>("NFS"),
-    Named<Udp(2152)>("GTP-U"),
+    Named<Udp(2123)>("GTP-C"),
     Named<Tcp(3128)>("HTTP Proxy"),
     Named<Tcp(3260)>("iSCSI"),
+    Named<Udp(3544)>("Teredo"),
+    Named<Tcp(3868), Sctp(3868)>("Diameter"),
     Named<Tcp(3306)>("MySQL"),
     Named<Tcp(3389), Udp(3389)>("RDP"),
     Named<Udp(3478), Tcp(3478)>("STUN"),
     Named<Udp(3702)>("WS-Discovery"),
+    Named<Sctp(2905)>("M3UA"),
+    Named<Sctp(36412)>("S1AP"),
+    Named<Sctp(36422)>("X2AP"),
+    Named<Sctp(38412)>("NGAP"),
     Named<Udp(3784)>("BFD"),
     Named<Udp(4500)>("IPsec NAT Traversal"),
-    Named<Udp(4789)>("VXLAN"),
     Named<Tcp(5060), Udp(5060)>("SIP"),
     Named<Tcp(5061)>("SIPS"),
     Named<Tcp(5222), Tcp(5269)>("XMPP"),
@@ -148,7 +221,6 @@ constexpr std::array kApplications{
     Named<Udp(5683)>("CoAP"),
     Named<Tcp(5900)>("VNC"),
     Named<Tcp(6379)>("Redis"),
-    Named<Udp(6081)>("Geneve"),
     Named<Udp(6343)>("sFlow"),
     Named<Udp(2055), Udp(9995)>("NetFlow"),
     Named<Tcp(9100)>("Printer"),
@@ -158,6 +230,12 @@ constexpr std::array kApplications{
 };
 
 const ProtocolRegistration kLinkRegistration(kLinkProtocols);
+const ProtocolRegistration kSnapRegistration(kSnapProtocols);
+const ProtocolRegistration kSlowRegistration(kSlowProtocols);
+const ProtocolRegistration kOsiRegistration(kOsiProtocols);
+const ProtocolRegistration kPppRegistration(kPppProtocols);
+const ProtocolRegistration kIpxRegistration(kIpxProtocols);
+const ProtocolRegistration kDdpRegistration(kDdpProtocols);
 const ProtocolRegistration kIpRegistration(kIpProtocols);
 const ProtocolRegistration kApplicationRegistration(kApplications);
 

@@ -1,52 +1,57 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
+#include <memory>
+#include <mutex>
 #include <string_view>
-#include <vector>
 
 #include "capture/decode/packet_facts.h"
 
 namespace orvo {
 
-/// Every place that a protocol can stand at below others: DNS in UDP in IPv4 in Ethernet is one place, DNS in TCP
-/// another. Each place has a number of its own, the same in every run of one build, from which its chain follows;
-/// number 0 stands for no place. A protocol stands at most twice in one chain, so that tunnels in tunnels end.
-/// Immutable once made, and therefore read from any thread.
+/// Every place that a protocol was met at below others: DNS in UDP in IPv4 in Ethernet is one place, DNS in TCP
+/// another. A place has a number of its own, from which its chain follows, for as long as the process runs; number 0
+/// stands for no place. A protocol stands at most twice in one chain, and there are at most 65535 places, so that
+/// tunnels in tunnels end: what goes beyond counts as the last place that there is. Any thread may use it.
 class ProtocolTree {
  public:
-  /// Made on first use from the registered protocols.
-  static const ProtocolTree& Get();
+  static ProtocolTree& Get();
 
-  /// The place of the innermost protocol that was recognised, the application of the ports included.
-  std::uint16_t Classify(const PacketFacts& facts) const;
+  /// The place of the innermost protocol that was recognised, the application of the ports included. Makes places that
+  /// are new.
+  std::uint16_t Classify(const PacketFacts& facts);
 
   /// 0 for a place at the top of the tree and for an unknown number.
-  std::uint16_t parent(std::uint16_t number) const { return number < places_.size() ? places_[number].parent : 0; }
+  std::uint16_t parent(std::uint16_t number) const { return Contains(number) ? places_[number].parent : 0; }
   /// Empty for an unknown number. ASCII.
   std::string_view name(std::uint16_t number) const;
-  bool Contains(std::uint16_t number) const { return number != 0 && number < places_.size(); }
+  bool Contains(std::uint16_t number) const { return number != 0 && number < count(); }
   /// Numbers run from 1 to count() - 1.
-  std::size_t count() const { return places_.size(); }
+  std::size_t count() const { return count_.load(std::memory_order_acquire); }
 
  private:
+  static constexpr std::size_t kMaxPlaces = 65536;
+  static constexpr std::size_t kSlots = 2 * kMaxPlaces;
+
   struct Place {
     std::uint16_t parent = 0;
     std::uint16_t protocol = 0;
   };
-  struct Slot {
-    std::uint32_t key = 0;
-    std::uint16_t place = 0;
-  };
+  using Slot = std::atomic<std::uint16_t>;
 
   ProtocolTree();
-  void Grow();
-  void AddChild(std::uint16_t parent, std::uint16_t protocol);
-  std::uint16_t Child(std::uint16_t parent, std::uint16_t protocol) const;
-  static std::size_t SlotOf(std::uint32_t key) { return (key * 0x9E3779B1U) >> 8; }
+  std::uint16_t Child(std::uint16_t parent, std::uint16_t protocol);
+  std::uint16_t AddChild(std::uint16_t parent, std::uint16_t protocol);
+  /// The slot that holds the place, or the empty one where it belongs.
+  Slot& FindSlot(std::uint16_t parent, std::uint16_t protocol);
+  bool MayFollow(std::uint16_t parent, std::uint16_t protocol) const;
 
-  std::vector<Place> places_;
-  std::vector<Slot> slots_;  // open addressing over (parent, protocol), a power of two
-  std::uint16_t unknown_ = 0;
+  // Places are written once, before their number is published in the count and in a slot, and never change.
+  std::unique_ptr<Place[]> places_;
+  std::unique_ptr<Slot[]> slots_;  // open addressing over (parent, protocol), never more than half full
+  std::atomic<std::size_t> count_{1};
+  std::mutex adding_;
 };
 
 }  // namespace orvo

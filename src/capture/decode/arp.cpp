@@ -20,7 +20,7 @@ Payload DecodeArp(Bytes bytes, PacketFacts& facts) {
 }
 
 constexpr std::array kKeys{LayerKey{Layer::kEtherType, 0x0806}, LayerKey{Layer::kEtherType, 0x8035}};
-constexpr std::array kProtocols{Protocol{"ARP", kKeys, {}, DecodeArp}};
+constexpr std::array kProtocols{Protocol{"ARP", kKeys, DecodeArp}};
 const ProtocolRegistration kRegistration(kProtocols);
 
 }  // namespace

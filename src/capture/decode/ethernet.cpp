@@ -1,22 +1,14 @@
-// Ethernet frames (IEEE 802.3 clause 3) with any number of VLAN tags (IEEE 802.1Q clause 9).
+// Ethernet frames (IEEE 802.3 clause 3).
 
 #include <array>
 
-#include "capture/decode/protocol_registry.h"
+#include "capture/decode/type_or_length.h"
 
 namespace orvo {
 namespace {
 
 constexpr std::size_t kHeaderLength = 14;
 constexpr std::uint8_t kAddressLength = 6;
-constexpr std::size_t kTagLength = 4;
-constexpr std::uint8_t kMaxTags = 8;
-constexpr std::uint16_t kFirstEtherType = 0x0600;
-constexpr std::uint16_t kLongestLength = 1500;
-
-constexpr bool IsTag(std::uint16_t type) {
-  return type == 0x8100 || type == 0x88A8 || type == 0x9100;
-}
 
 Delivery DeliveryTo(const AddressRecord& destination) {
   if ((destination.bytes[0] & 1) == 0) return Delivery::kUnicast;
@@ -31,34 +23,18 @@ Payload DecodeEthernet(Bytes bytes, PacketFacts& facts) {
     facts.MarkShort();
     return {};
   }
-  if (AddressPair* pair = facts.AddPair()) {
+  if (AddressPair* pair = facts.AddPhysicalPair()) {
     SetAddress(&pair->destination, kAddressPhysical, bytes.data(), kAddressLength);
     SetAddress(&pair->source, kAddressPhysical, bytes.data() + kAddressLength, kAddressLength);
     pair->delivery = DeliveryTo(pair->destination);
   }
-  std::uint16_t type = Read16(bytes, kHeaderLength - 2);
-  bytes = bytes.subspan(kHeaderLength);
-  while (IsTag(type)) {
-    if (bytes.size() < kTagLength || facts.vlan_tags == kMaxTags) {
-      facts.MarkShort();
-      return {};
-    }
-    ++facts.vlan_tags;
-    type = Read16(bytes, 2);
-    bytes = bytes.subspan(kTagLength);
-  }
-  if (type >= kFirstEtherType) return {{Layer::kEtherType, type}, bytes};
-  if (type > kLongestLength) {
-    facts.malformed = true;
-    return {};
-  }
-  if (type > bytes.size()) facts.MarkShort();
-  return {{Layer::kEthernetLength, 0}, Within(bytes, type)};
+  return BehindTypeOrLength(Read16(bytes, kHeaderLength - 2), bytes.subspan(kHeaderLength), facts);
 }
 
-constexpr std::array kKeys{LayerKey{Layer::kLink, kLinkEthernet}};
-constexpr std::array kCarries{Layer::kEtherType, Layer::kEthernetLength};
-constexpr std::array kProtocols{Protocol{"Ethernet", kKeys, kCarries, DecodeEthernet}};
+/// Besides the link itself: bridged frames (RFC 1701), and Ethernet behind segment routing (RFC 8986 section 10.1).
+constexpr std::array kKeys{LayerKey{Layer::kLink, kLinkEthernet}, LayerKey{Layer::kEtherType, 0x6558},
+                           LayerKey{Layer::kIpProtocol, 143}};
+constexpr std::array kProtocols{Protocol{"Ethernet", kKeys, DecodeEthernet}};
 const ProtocolRegistration kRegistration(kProtocols);
 
 }  // namespace

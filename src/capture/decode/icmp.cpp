@@ -31,8 +31,7 @@ Payload DecodeIcmpv6(Bytes bytes, PacketFacts& facts) {
 
 constexpr std::array kIcmpKeys{LayerKey{Layer::kIpProtocol, 1}};
 constexpr std::array kIcmpv6Keys{LayerKey{Layer::kIpProtocol, 58}};
-constexpr std::array kProtocols{Protocol{"ICMP", kIcmpKeys, {}, DecodeIcmp},
-                                Protocol{"ICMPv6", kIcmpv6Keys, {}, DecodeIcmpv6}};
+constexpr std::array kProtocols{Protocol{"ICMP", kIcmpKeys, DecodeIcmp}, Protocol{"ICMPv6", kIcmpv6Keys, DecodeIcmpv6}};
 const ProtocolRegistration kRegistration(kProtocols);
 
 }  // namespace

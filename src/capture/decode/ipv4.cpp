@@ -32,12 +32,12 @@ Payload DecodeIpv4(Bytes bytes, PacketFacts& facts) {
     facts.malformed = true;
     return {};
   }
-  if (AddressPair* pair = facts.AddPair()) {
+  if (AddressPair* pair = facts.AddNetworkPair()) {
     SetAddress(&pair->source, kAddressIp, bytes.data() + 12, kAddressLength);
     SetAddress(&pair->destination, kAddressIp, bytes.data() + 16, kAddressLength);
     pair->delivery = DeliveryTo(pair->destination);
   }
-  if (total > bytes.size()) facts.MarkShort();
+  if (total > bytes.size() && !facts.is_fragment) facts.MarkShort();
   bytes = Within(bytes, total);
   facts.BeginDatagram(bytes);
   facts.ip_protocol = bytes[9];
@@ -47,9 +47,9 @@ Payload DecodeIpv4(Bytes bytes, PacketFacts& facts) {
   return {{Layer::kIpProtocol, bytes[9]}, Behind(bytes, header), !later_fragment};
 }
 
-constexpr std::array kKeys{LayerKey{Layer::kEtherType, 0x0800}, LayerKey{Layer::kIpProtocol, 4}};
-constexpr std::array kCarries{Layer::kIpProtocol};
-constexpr std::array kProtocols{Protocol{"IPv4", kKeys, kCarries, DecodeIpv4}};
+constexpr std::array kKeys{LayerKey{Layer::kEtherType, 0x0800}, LayerKey{Layer::kSap, 0x06},
+                           LayerKey{Layer::kPpp, 0x0021}, LayerKey{Layer::kIpProtocol, 4}};
+constexpr std::array kProtocols{Protocol{"IPv4", kKeys, DecodeIpv4}};
 const ProtocolRegistration kRegistration(kProtocols);
 
 }  // namespace

@@ -1,5 +1,4 @@
-// IEEE 802.3 frames that carry a length: the IEEE 802.2 header (clause 3) behind it, and its SNAP extension
-// (IEEE 802 clause 9), which leads back to EtherTypes.
+// The header of IEEE 802.2 (clauses 3 and 5): in Ethernet frames that carry a length, and on other links.
 
 #include <array>
 
@@ -8,38 +7,35 @@
 namespace orvo {
 namespace {
 
-constexpr std::size_t kLlcLength = 3;
-constexpr std::size_t kSnapLength = 5;
-constexpr std::uint16_t kRawIpx = 0xFFFF;  // IPX without an 802.2 header: its checksum field, always unused
-constexpr std::uint32_t kIpxSap = 0xE0;
+constexpr std::size_t kHeaderLength = 3;
+constexpr std::uint8_t kGlobalSap = 0xFF;
+constexpr std::uint8_t kGroupBit = 1;
 
-Payload DecodeLengthFrame(Bytes bytes, PacketFacts& facts) {
-  if (bytes.size() < kLlcLength) {
+Payload DecodeLlc(Bytes bytes, PacketFacts& facts) {
+  if (bytes.size() < kHeaderLength) {
     facts.MarkShort();
     return {};
   }
-  if (Read16(bytes, 0) == kRawIpx) return {{Layer::kSap, kIpxSap}, bytes};
-  // Unnumbered frames have one control byte, the others two.
-  std::size_t length = (bytes[2] & 3) == 3 ? kLlcLength : kLlcLength + 1;
-  return {{Layer::kSap, bytes[0]}, Behind(bytes, length)};
+  std::uint8_t control = bytes[2];
+  bool unnumbered = (control & 3) == 3;
+  // Unnumbered frames have one control byte, the others two. Only information frames and unnumbered information
+  // carry packets; supervision, identification and tests stay among the access points.
+  bool carries = (control & 1) == 0 || (control & 0xEF) == 0x03;
+  std::uint32_t sap = bytes[0] == kGlobalSap ? kGlobalSap : bytes[0] & ~std::uint32_t{kGroupBit};
+  return {{Layer::kSap, sap}, Behind(bytes, unnumbered ? kHeaderLength : kHeaderLength + 1), carries};
 }
 
-Payload DecodeSnap(Bytes bytes, PacketFacts& facts) {
-  if (bytes.size() < kSnapLength) {
-    facts.MarkShort();
-    return {};
-  }
-  bool ether_type = bytes[0] == 0 && bytes[1] == 0 && (bytes[2] == 0 || bytes[2] == 0xF8);
-  if (!ether_type) return {};
-  return {{Layer::kEtherType, Read16(bytes, 3)}, bytes.subspan(kSnapLength)};
+/// An early form of IPX stands in frames with a length without this header: its checksum is always 0xFFFF.
+Payload DecodeLengthFrame(Bytes bytes, PacketFacts& facts) {
+  constexpr std::uint32_t kIpxSap = 0xE0;
+  if (bytes.size() >= kHeaderLength && Read16(bytes, 0) == 0xFFFF) return {{Layer::kSap, kIpxSap}, bytes};
+  return DecodeLlc(bytes, facts);
 }
 
 constexpr std::array kLengthKeys{LayerKey{Layer::kEthernetLength, 0}};
-constexpr std::array kLengthCarries{Layer::kSap};
-constexpr std::array kSnapKeys{LayerKey{Layer::kSap, 0xAA}};
-constexpr std::array kSnapCarries{Layer::kEtherType};
-constexpr std::array kProtocols{Protocol{"802.3", kLengthKeys, kLengthCarries, DecodeLengthFrame},
-                                Protocol{"SNAP", kSnapKeys, kSnapCarries, DecodeSnap}};
+constexpr std::array kLlcKeys{LayerKey{Layer::kLlc, 0}};
+constexpr std::array kProtocols{Protocol{"802.3", kLengthKeys, DecodeLengthFrame},
+                                Protocol{"LLC", kLlcKeys, DecodeLlc}};
 const ProtocolRegistration kRegistration(kProtocols);
 
 }  // namespace

@@ -13,16 +13,19 @@ namespace orvo {
 /// To whom a frame or datagram is addressed.
 enum class Delivery : std::uint8_t { kUnicast, kBroadcast, kMulticast };
 
-/// The two ends that one header names. Both addresses are of one type.
+/// The two ends that one header names. Both addresses are of one type; an end that the header leaves out is an empty
+/// record.
 struct AddressPair {
   AddressRecord source;
   AddressRecord destination;
   Delivery delivery = Delivery::kUnicast;
+
+  bool names_both_ends() const { return source.valid != 0 && destination.valid != 0; }
 };
 
 /// What the decoders found in one packet. One object serves packet after packet; nothing in it is ever allocated.
 struct PacketFacts {
-  static constexpr std::size_t kMaxPairs = 4;
+  static constexpr std::size_t kMaxPairs = 2;
   static constexpr std::size_t kMaxChain = 12;
 
   /// Makes the object ready for a packet of these lengths.
@@ -33,13 +36,21 @@ struct PacketFacts {
     tcp_flags = 0;
     ip_protocol = 0;
     source_port = destination_port = 0;
-    has_ports = is_tcp = is_fragment = is_icmp_error = malformed = false;
+    has_network_pair = has_ports = is_fragment = is_icmp_error = malformed = false;
     cut_off = captured < original;
     network = datagram = payload = {};
   }
 
-  /// Room for the addresses of one more header, or null when a packet nests more headers than are kept.
-  AddressPair* AddPair() { return pair_count < kMaxPairs ? &pairs[pair_count++] : nullptr; }
+  /// Room for the addresses of a frame; null inside of what has addresses already, since a frame in a tunnel is its
+  /// outer nodes' traffic.
+  AddressPair* AddPhysicalPair() { return pair_count == 0 ? ClearedPair() : nullptr; }
+
+  /// Room for the addresses of a network header; null for all but the outermost.
+  AddressPair* AddNetworkPair() {
+    if (has_network_pair) return nullptr;
+    has_network_pair = true;
+    return ClearedPair();
+  }
 
   /// Notes an IP datagram, from its header to the end of what was captured of it. Ports and payload are those of the
   /// innermost of datagrams in each other, so that what was found before is dropped.
@@ -47,14 +58,14 @@ struct PacketFacts {
     if (network.empty()) network = bytes;
     datagram = bytes;
     payload = {};
-    has_ports = is_tcp = false;
+    has_ports = false;
     source_port = destination_port = 0;
   }
 
   /// A header that does not fit into the bytes left: the frame's fault, unless the capture dropped its tail.
   void MarkShort() { malformed = malformed || !cut_off; }
 
-  /// From the outermost header inwards; those beyond the count are left over from earlier packets.
+  /// The frame's if it has one, then the network header's; those beyond the count are left over from earlier packets.
   std::array<AddressPair, kMaxPairs> pairs;
   std::array<std::uint16_t, kMaxChain> chain{};  ///< identifiers of the protocols met, outermost first
   std::uint8_t pair_count = 0;
@@ -65,8 +76,8 @@ struct PacketFacts {
   std::uint8_t ip_protocol = 0;
   std::uint16_t source_port = 0;
   std::uint16_t destination_port = 0;
-  bool has_ports = false;  ///< only the first fragment of a datagram has them
-  bool is_tcp = false;     ///< whose ports: TCP's, or UDP's
+  bool has_network_pair = false;
+  bool has_ports = false;  ///< only the first fragment of a datagram has them; `ip_protocol` says whose they are
   bool is_fragment = false;
   bool is_icmp_error = false;  ///< an error message of ICMP or ICMPv6
   bool malformed = false;      ///< a header contradicts itself or the frame's length
@@ -74,6 +85,12 @@ struct PacketFacts {
   Bytes network;   ///< the outermost IP datagram from its header on, without padding, as far as it was captured
   Bytes datagram;  ///< the same of the innermost
   Bytes payload;   ///< what the innermost TCP, UDP or SCTP header carries, as far as it was captured; may be empty
+
+ private:
+  AddressPair* ClearedPair() {
+    pairs[pair_count] = {};
+    return &pairs[pair_count++];
+  }
 };
 
 /// Fills a record with `length` bytes, which are there.
@@ -88,6 +105,10 @@ inline void SetAddress(AddressRecord* record, AddressType type, const std::uint8
 
 inline std::uint16_t Read16(Bytes bytes, std::size_t at) {
   return static_cast<std::uint16_t>((bytes[at] << 8) | bytes[at + 1]);
+}
+
+inline std::uint32_t Read32(Bytes bytes, std::size_t at) {
+  return (std::uint32_t{Read16(bytes, at)} << 16) | Read16(bytes, at + 2);
 }
 
 /// What is left behind `count` bytes, which may be more than there are.

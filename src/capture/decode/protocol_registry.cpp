@@ -7,6 +7,9 @@
 namespace orvo {
 namespace {
 
+/// More headers, those outside the chain included, than any sender has a use for.
+constexpr int kMaxHeaders = 32;
+
 constinit const ProtocolRegistration* g_registrations = nullptr;
 
 }  // namespace
@@ -51,13 +54,17 @@ void DecodePacket(const Packet& packet, PacketFacts* facts) {
   static const ProtocolRegistry& registry = ProtocolRegistry::Get();
   facts->Begin(packet.bytes.size(), packet.original_length);
   Payload next{{Layer::kLink, packet.link_type}, packet.bytes};
-  // The chain's length bounds the work that nested headers can cause.
-  while (facts->chain_length < PacketFacts::kMaxChain) {
+  int headers = 0;
+  while (next.key.layer != Layer::kNone && facts->chain_length < PacketFacts::kMaxChain) {
     std::uint16_t identifier = registry.Find(next.key.layer, next.key.number);
-    if (identifier == 0) break;
-    facts->chain[facts->chain_length++] = identifier;
+    if (identifier == 0) return;
+    if (++headers > kMaxHeaders) {
+      facts->malformed = true;
+      return;
+    }
     const Protocol& protocol = registry.protocol(identifier);
-    if (!protocol.decode || !next.has_header) break;
+    if (protocol.in_chain) facts->chain[facts->chain_length++] = identifier;
+    if (!protocol.decode || !next.has_header) return;
     next = protocol.decode(next.bytes, *facts);
   }
 }

@@ -16,12 +16,21 @@ enum class Layer : std::uint8_t {
   kLink,            ///< link type of a packet
   kEtherType,       ///< IEEE 802 EtherType
   kEthernetLength,  ///< 0: an IEEE 802.3 frame with a length in the EtherType's place
+  kLlc,             ///< 0: an IEEE 802.2 header on a link other than Ethernet
   kSap,             ///< destination service access point of an IEEE 802.2 header
-  kIpProtocol,      ///< protocol of IPv4, next header of IPv6
+  kSnapCisco,       ///< protocol identifier of a SNAP header whose organisation is 00-00-0C
+  kSlowSubtype,     ///< subtype of IEEE 802.3 clause 57A
+  kOsi,             ///< network layer protocol identifier (ISO/IEC TR 9577)
+  kPpp,             ///< protocol field of PPP
+  kIpxSocket,
+  kDdpType,     ///< type of an AppleTalk datagram
+  kIpProtocol,  ///< protocol of IPv4, next header of IPv6
   kTcpPort,
   kUdpPort,
+  kUdpTunnel,  ///< destination port of UDP, for protocols that carry packets of others
+  kSctpPort,
 };
-inline constexpr std::size_t kLayerCount = 8;
+inline constexpr std::size_t kLayerCount = static_cast<std::size_t>(Layer::kSctpPort) + 1;
 
 struct LayerKey {
   Layer layer = Layer::kNone;
@@ -35,14 +44,14 @@ struct Payload {
   bool has_header = true;  ///< false in a later fragment: the protocol is known, its header is elsewhere
 };
 
-/// One protocol: its name, the keys under which other headers announce it, the layers whose keys it announces itself,
-/// and the function that reads its header. The function gets whatever bytes there are, none included, checks before it
-/// reads, notes what it found, and says what comes next. Null for a protocol that is only recognised.
+/// One protocol: its name, the keys under which other headers announce it, and the function that reads its header. The
+/// function gets whatever bytes there are, none included, checks before it reads, notes what it found, and says what
+/// comes next. Null for a protocol that is only recognised.
 struct Protocol {
   std::string_view name;
   std::span<const LayerKey> keys;
-  std::span<const Layer> carries;
   Payload (*decode)(Bytes bytes, PacketFacts& facts) = nullptr;
+  bool in_chain = true;  ///< false for a mark that belongs to the header before it, such as a VLAN tag
 };
 
 /// Adds protocols to the registry before main begins: every file of a protocol holds one, at namespace scope, and

@@ -13,7 +13,7 @@ Payload DecodeTcp(Bytes bytes, PacketFacts& facts) {
   if (bytes.size() >= 4) {
     facts.source_port = Read16(bytes, 0);
     facts.destination_port = Read16(bytes, 2);
-    facts.has_ports = facts.is_tcp = true;
+    facts.has_ports = true;
   }
   if (bytes.size() < kHeaderLength) {
     facts.MarkShort();
@@ -28,8 +28,7 @@ Payload DecodeTcp(Bytes bytes, PacketFacts& facts) {
 }
 
 constexpr std::array kKeys{LayerKey{Layer::kIpProtocol, 6}};
-constexpr std::array kCarries{Layer::kTcpPort};
-constexpr std::array kProtocols{Protocol{"TCP", kKeys, kCarries, DecodeTcp}};
+constexpr std::array kProtocols{Protocol{"TCP", kKeys, DecodeTcp}};
 const ProtocolRegistration kRegistration(kProtocols);
 
 }  // namespace

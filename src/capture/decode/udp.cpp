@@ -8,13 +8,13 @@ namespace orvo {
 namespace {
 
 constexpr std::size_t kHeaderLength = 8;
+constexpr std::uint16_t kFirstUserPort = 1024;
 
 Payload DecodeUdp(Bytes bytes, PacketFacts& facts) {
   if (bytes.size() >= 4) {
     facts.source_port = Read16(bytes, 0);
     facts.destination_port = Read16(bytes, 2);
     facts.has_ports = true;
-    facts.is_tcp = false;
   }
   if (bytes.size() < kHeaderLength) {
     facts.MarkShort();
@@ -25,12 +25,13 @@ Payload DecodeUdp(Bytes bytes, PacketFacts& facts) {
   if (length != 0 && length < kHeaderLength) facts.malformed = true;
   if (length > bytes.size() && !facts.is_fragment) facts.MarkShort();
   facts.payload = Behind(length < kHeaderLength ? bytes : Within(bytes, length), kHeaderLength);
-  return {};
+  // Servers answer from low ports to whatever port they were asked from, which need not be that of a tunnel's end.
+  if (facts.source_port < kFirstUserPort) return {};
+  return {{Layer::kUdpTunnel, facts.destination_port}, facts.payload};
 }
 
 constexpr std::array kKeys{LayerKey{Layer::kIpProtocol, 17}};
-constexpr std::array kCarries{Layer::kUdpPort};
-constexpr std::array kProtocols{Protocol{"UDP", kKeys, kCarries, DecodeUdp}};
+constexpr std::array kProtocols{Protocol{"UDP", kKeys, DecodeUdp}};
 const ProtocolRegistration kRegistration(kProtocols);
 
 }  // namespace

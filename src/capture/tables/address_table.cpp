@@ -5,6 +5,7 @@
 namespace orvo {
 
 std::uint32_t AddressTable::Intern(const AddressRecord& record) {
+  if (record.valid == 0) return kNoAddress;
   std::uint64_t hash = hash_(record);
   std::uint32_t found = index_.Find(hash, [&](std::uint32_t row) { return records_[row] == record; });
   if (found != kNoRow) return found;

@@ -30,7 +30,8 @@ class AddressTable {
     last_.fill(kNoAddress);
   }
 
-  /// The index of an address, which is given one when it is new; kNoAddress when the table is full.
+  /// The index of an address, which is given one when it is new; kNoAddress for an empty
+  /// record, and when the table is full.
   std::uint32_t Intern(const AddressRecord& record);
 
   std::size_t size() const { return records_.size(); }

@@ -40,7 +40,7 @@ void StatisticsTables::Count(const Packet& packet, const PacketFacts& facts, std
     std::uint32_t destination = addresses_.Intern(pair.destination);
     CountNodes(packet, pair, source, destination);
     bool both = source != kNoAddress && destination != kNoAddress;
-    addresses_listed = addresses_listed && both;
+    addresses_listed = addresses_listed && (both || !pair.names_both_ends());
     if (both) rows_listed &= conversations_.Count({source, destination, protocol_key}, pair.source.type, bytes);
     if (pair.source.type == kAddressPhysical) {
       physical_source = source;
