@@ -4,15 +4,14 @@
 #include <cstring>
 #include <utility>
 
+#include "capture/classify/port_application.h"
+
 namespace orvo {
 namespace {
 
 constexpr std::size_t kFirstSlots = 64;
 /// How many flows that are over are looked for with each packet: more than one, so that they go faster than they come.
 constexpr int kExpiredAtOnce = 4;
-
-constexpr std::uint16_t kTcp = 6;
-constexpr std::uint16_t kUdp = 17;
 
 constexpr std::uint8_t kFin = 1;
 constexpr std::uint8_t kSyn = 2;
@@ -26,9 +25,9 @@ bool BeginsConnection(std::uint8_t tcp_flags) {
 }  // namespace
 
 bool FlowPacket::Read(const PacketFacts& facts, std::uint64_t packet_time) {
+  Layer layer = PortLayer(facts);
   Bytes datagram = facts.datagram;
-  if (!facts.has_ports || datagram.empty()) return false;
-  if (facts.ip_protocol != kTcp && facts.ip_protocol != kUdp) return false;
+  if ((layer != Layer::kTcpPort && layer != Layer::kUdpPort) || datagram.empty()) return false;
   std::uint16_t version = datagram[0] >> 4;
   std::size_t length = version == 4 ? 4 : 16;
   const std::uint8_t* source = datagram.data() + (version == 4 ? 12 : 8);
@@ -43,7 +42,7 @@ bool FlowPacket::Read(const PacketFacts& facts, std::uint64_t packet_time) {
   key.ip_protocol = facts.ip_protocol;
   key.ip_version = version;
   time = packet_time;
-  tcp_flags = facts.ip_protocol == kTcp ? facts.tcp_flags : std::uint8_t{0};
+  tcp_flags = layer == Layer::kTcpPort ? facts.tcp_flags : std::uint8_t{0};
   has_payload = !facts.payload.empty();
   return true;
 }

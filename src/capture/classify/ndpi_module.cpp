@@ -7,6 +7,7 @@
 #include <cstring>
 #include <mutex>
 #include <new>
+#include <utility>
 
 namespace orvo {
 namespace {
@@ -44,9 +45,16 @@ void Free(void* block) {
 
 void Silence(std::uint32_t, void*, ndpi_log_level_t, const char*, const char*, unsigned, const char*, ...) {}
 
-std::mutex& InitMutex() {
+/// nDPI makes and ends one module at a time.
+std::mutex& ModulesMutex() {
   static std::mutex mutex;
   return mutex;
+}
+
+/// The module that told the names, for whoever needs one first.
+std::unique_ptr<NdpiModule>& Spare() {
+  static std::unique_ptr<NdpiModule> spare;
+  return spare;
 }
 
 NdpiModule::Finding FindingOf(const ndpi_protocol& found) {
@@ -80,7 +88,6 @@ void NdpiModule::FlowDeleter::operator()(ndpi_flow_struct* flow) const {
 }
 
 NdpiModule::NdpiModule() : datagram_(kMaxDatagram + kSlack) {
-  std::lock_guard lock(InitMutex());
   set_ndpi_malloc(Allocate);
   set_ndpi_free(Free);
   set_ndpi_flow_malloc(Allocate);
@@ -95,14 +102,22 @@ NdpiModule::NdpiModule() : datagram_(kMaxDatagram + kSlack) {
 }
 
 NdpiModule::~NdpiModule() {
-  std::lock_guard lock(InitMutex());
+  std::lock_guard lock(ModulesMutex());
   ndpi_exit_detection_module(module_);
 }
 
-std::vector<std::string> NdpiModule::Names() const {
+std::unique_ptr<NdpiModule> NdpiModule::Make() {
+  std::lock_guard lock(ModulesMutex());
+  return Spare() ? std::move(Spare()) : std::unique_ptr<NdpiModule>(new NdpiModule);
+}
+
+std::vector<std::string> NdpiModule::Names() {
+  std::lock_guard lock(ModulesMutex());
+  if (!Spare()) Spare().reset(new NdpiModule);
+  ndpi_detection_module_struct* module = Spare()->module_;
   std::vector<std::string> names;
-  for (std::uint32_t i = 0; i < ndpi_get_num_supported_protocols(module_); ++i) {
-    names.emplace_back(ndpi_get_proto_name(module_, static_cast<std::uint16_t>(i)));
+  for (std::uint32_t i = 0; i < ndpi_get_num_supported_protocols(module); ++i) {
+    names.emplace_back(ndpi_get_proto_name(module, static_cast<std::uint16_t>(i)));
   }
   return names;
 }

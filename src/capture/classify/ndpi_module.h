@@ -30,14 +30,14 @@ class NdpiModule {
   /// A flow that nDPI looks at. Its module must outlive it.
   using FlowPtr = std::unique_ptr<ndpi_flow_struct, FlowDeleter>;
 
-  /// A module takes about 4 MB and 20 ms. Raises std::bad_alloc without memory.
-  NdpiModule();
+  /// A new module, which takes about 4 MB and 20 ms. Raises std::bad_alloc without memory.
+  static std::unique_ptr<NdpiModule> Make();
+  /// The names of all protocols by nDPI's numbers; the first is that of no protocol. Any thread may ask.
+  static std::vector<std::string> Names();
+
   NdpiModule(const NdpiModule&) = delete;
   NdpiModule& operator=(const NdpiModule&) = delete;
   ~NdpiModule();
-
-  /// By nDPI's number; the first is that of no protocol.
-  std::vector<std::string> Names() const;
 
   /// Raises std::bad_alloc without memory.
   FlowPtr NewFlow();
@@ -52,6 +52,8 @@ class NdpiModule {
 
  private:
   class Counting;
+
+  NdpiModule();
 
   std::size_t flow_bytes_ = 0;
   std::vector<std::uint8_t> datagram_;

@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 
+#include "capture/classify/application_detector.h"
 #include "capture/classify/protocol_tree.h"
 #include "capture/context/capture_engine.h"
 #include "capture/context/category_views.h"
@@ -35,7 +36,9 @@ class EngineCore {
 
  private:
   const EngineOptions options_;
-  PacketFacts facts_;  // the feeding thread's
+  // The feeding thread's.
+  PacketFacts facts_;
+  ApplicationDetector detector_;
   std::atomic<std::uint64_t> packets_ = 0;
 
   mutable std::mutex mutex_;  // guards what follows; held for one packet, or while pages are shared

@@ -39,6 +39,7 @@ struct PacketFacts {
     has_network_pair = has_ports = is_fragment = is_icmp_error = malformed = false;
     cut_off = captured < original;
     network = datagram = payload = {};
+    applications = {};
   }
 
   /// Room for the addresses of a frame; null inside of what has addresses already, since a frame in a tunnel is its
@@ -85,6 +86,9 @@ struct PacketFacts {
   Bytes network;   ///< the outermost IP datagram from its header on, without padding, as far as it was captured
   Bytes datagram;  ///< the same of the innermost
   Bytes payload;   ///< what the innermost TCP, UDP or SCTP header carries, as far as it was captured; may be empty
+  /// Identifiers of the protocols that the packet's flow was found to carry: what is spoken, then what it is spoken to
+  /// (TLS, then a mail service); 0 for not known. Decoders leave them alone.
+  std::array<std::uint16_t, 2> applications{};
 
  private:
   AddressPair* ClearedPair() {

@@ -17,6 +17,19 @@ struct Traffic {
   }
 };
 
+/// Flows of TCP and UDP.
+struct FlowCounts {
+  std::uint64_t begun = 0;
+  std::uint64_t recognised = 0;     ///< by their content
+  std::uint64_t given_up = 0;       ///< under way, but dropped from the full table
+  std::uint64_t not_inspected = 0;  ///< judged early, as too many were being looked into
+
+  FlowCounts Since(const FlowCounts& earlier) const {
+    return {begun - earlier.begun, recognised - earlier.recognised, given_up - earlier.given_up,
+            not_inspected - earlier.not_inspected};
+  }
+};
+
 /// The buckets of the Ethernet size scheme: to 64, 65-127, 256-511, 512-1023, 1024-1517, from 1518. The scheme names no
 /// bucket for 128 to 255; frames of those sizes are counted in the one below, so that every packet is in a bucket.
 inline constexpr std::size_t kSizeBuckets = 6;
@@ -49,7 +62,8 @@ struct Counters {
   std::uint64_t out_of_order = 0;            ///< older than the packet before
   std::uint64_t unlisted_addresses = 0;      ///< packets with an address that the full address table did not take in
   std::uint64_t unlisted_conversations = 0;  ///< packets of a conversation or hierarchy row that a full table lacks
-  std::uint64_t shortest = 0;                ///< 0 while there are no packets
+  FlowCounts flows;
+  std::uint64_t shortest = 0;  ///< 0 while there are no packets
   std::uint64_t longest = 0;
   std::array<std::uint64_t, kSizeBuckets> sizes{};
   // Taken from the tables when they are frozen.
