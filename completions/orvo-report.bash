@@ -4,7 +4,7 @@
 
 # What may follow each word: its options.
 declare -gA _orvo_report_options=(
-  [make]='--out --format --settings --set --live --no-names --locale --code-page --no-progress --help'
+  [make]='--out --format --filter --settings --set --live --no-names --locale --code-page --no-progress --help'
   [settings]='--settings --set --help'
   [classes]='--help'
   [register]='--help'
@@ -12,6 +12,7 @@ declare -gA _orvo_report_options=(
 )
 _orvo_report_words='make settings classes register unregister --help --version'
 _orvo_report_formats='csv tab'
+_orvo_report_filters='arp broadcast ether host icmp icmp6 ip ip6 multicast net not port portrange tcp udp vlan'
 _orvo_report_code_pages='UTF-8 US-ASCII ISO-8859-1 ISO-8859-15 windows-1250 windows-1251 windows-1252 Shift_JIS'
 
 # _orvo_report_offer WORDS CURRENT: those of the words that begin like the current one.
@@ -49,6 +50,7 @@ _orvo_report_value() {
       _orvo_report_offer "$switches" "$current"
       ;;
     --locale) _orvo_report_offer "$(locale -a 2>/dev/null)" "$current" ;;
+    --filter) _orvo_report_offer "$_orvo_report_filters" "$current" ;;
     --code-page) _orvo_report_offer "$_orvo_report_code_pages" "$current" ;;
     *) return 1 ;;
   esac

@@ -6,7 +6,6 @@
 #include "app/options.h"
 #include "frame/stats_output_method.h"
 #include "platform/code_page.h"
-#include "platform/path.h"
 #include "platform/registry.h"
 #include "prefs/preferences.h"
 
@@ -27,24 +26,36 @@ std::u16string ClassKey(const Guid& class_id) {
   return u"CLSID\\" + FormatGuid(class_id);
 }
 
-std::string SystemPath(std::u16string_view path) {
-  std::string system;
-  return Succeeded(PathToSystem(path, &system)) ? system : ToUtf8(path);
+/// The registry. Ends the command, with the file's name, when there is one that cannot be used.
+Registry ReadRegistry() {
+  Registry registry;
+  const Status status = Registry::Read(&registry);
+  if (status == E_FAIL) {
+    throw CommandError(kFailed, fmt::format("{}: is no registry, or a damaged one; remove it and register again",
+                                            Registry::FilePath()));
+  }
+  if (status == E_OUTOFMEMORY) {
+    throw CommandError(kFailed, fmt::format("{}: is too large for a registry", Registry::FilePath()));
+  }
+  Require(status, Registry::FilePath());
+  return registry;
 }
 
-/// Where a class comes from: what the registry says, else the library beside the command, else why it cannot be had.
+/// Where a class comes from: what the registry says, else the library beside the command, and why it cannot be had.
 std::string Origin(const Registry& registry, const KnownClass& known) {
   ComPtr<IClassFactory> factory;
-  Status status = GetClassObject(known.class_id, IClassFactory::kIid, factory.OutVoid());
-  if (Failed(status)) return fmt::format("not available: {}", Describe(status));
-  if (auto path = registry.Value(ClassKey(known.class_id) + u"\\InprocServer32"))
-    return "registered: " + SystemPath(*path);
-  return "not registered, found beside the command: " + SystemPath(LibraryBesideCommand());
+  const Status status = GetClassObject(known.class_id, IClassFactory::kIid, factory.OutVoid());
+  std::string origin = "not registered";
+  if (auto path = registry.Value(ClassKey(known.class_id) + u"\\InprocServer32")) {
+    origin = "registered: " + SystemPath(*path);
+  } else if (const std::u16string beside = LibraryBesideCommand(); !beside.empty()) {
+    origin = "not registered, found beside the command: " + SystemPath(beside);
+  }
+  return Failed(status) ? fmt::format("{}, not available: {}", origin, Describe(status)) : origin;
 }
 
 int ListClasses() {
-  Registry registry;
-  Require(Registry::Read(&registry), Registry::FilePath());
+  const Registry registry = ReadRegistry();
   for (const KnownClass& known : kClasses) {
     const std::string prog_id = ToUtf8(registry.Value(ClassKey(known.class_id) + u"\\ProgID").value_or(u"-"));
     PrintOutput(fmt::format("{}  {:<17} {:<33} {}\n", ToUtf8(FormatGuid(known.class_id)), known.name, prog_id,
@@ -58,7 +69,8 @@ int CallLibrary(const char* entry, const char* done) {
   const std::u16string library = LibraryBesideCommand();
   if (library.empty()) throw CommandError(kFailed, "OrvoReports.so: not found beside the command");
   const std::string path = SystemPath(library);
-  Require(CallLibraryEntry(library, entry), path);
+  ReadRegistry();
+  Require(CallLibraryEntry(library, entry), fmt::format("{}: cannot be {} in {}", path, done, Registry::FilePath()));
   PrintOutput(fmt::format("{} {} in {}\n", Printable(path), done, Printable(Registry::FilePath())));
   return kDone;
 }

@@ -1,12 +1,19 @@
 #include "app/component.h"
 
-#include <array>
+#include <fmt/core.h>
+
 #include <filesystem>
 #include <system_error>
 
+#include "platform/code_page.h"
 #include "platform/path.h"
 
 namespace orvo::app {
+
+std::string SystemPath(std::u16string_view path) {
+  std::string system;
+  return Succeeded(PathToSystem(path, &system)) ? system : ToUtf8(path);
+}
 
 std::u16string LibraryBesideCommand() {
   std::error_code error;
@@ -21,7 +28,23 @@ std::u16string LibraryBesideCommand() {
 }
 
 void UseLibraryBesideCommand() {
-  if (const std::u16string library = LibraryBesideCommand(); !library.empty()) AddLibrary(library);
+  const std::u16string library = LibraryBesideCommand();
+  if (library.empty()) return;
+  const Status status = AddLibrary(library);
+  if (Succeeded(status)) return;
+  const std::string path = SystemPath(library);
+  if (status == StatusFromError(kErrorAccessDenied)) {
+    throw CommandError(kFailed, path +
+                                    ": is not trusted; a command that has privileges uses only a library that nobody "
+                                    "but root can change, in folders of which the same is true");
+  }
+  Require(status, path);
+}
+
+void RequireClass(Status status, std::string_view what) {
+  if (Succeeded(status)) return;
+  throw CommandError(kFailed, fmt::format("{} cannot be used: {} (orvo-report classes tells where it comes from)", what,
+                                          Describe(status)));
 }
 
 }  // namespace orvo::app

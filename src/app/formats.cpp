@@ -16,7 +16,7 @@ constexpr Format kFormats[] = {
 };
 
 const Format* FindFormat(std::string_view name) {
-  auto found = std::ranges::find_if(kFormats, [&](const Format& format) { return format.name == name; });
+  const auto* found = std::ranges::find_if(kFormats, [&](const Format& format) { return format.name == name; });
   if (found != std::end(kFormats)) return &*found;
   throw CommandError(kUsage, fmt::format("--format {}: there is no such format (known: {})", name, FormatNames()));
 }

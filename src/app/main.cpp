@@ -1,11 +1,15 @@
+#include <fcntl.h>
 #include <fmt/core.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <exception>
 #include <new>
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "app/component.h"
 #include "app/messages.h"
@@ -28,15 +32,29 @@ int ReportParsing(CLI::App& parser, const CLI::ParseError& error, std::string_vi
     return kDone;
   }
   std::string message = error.what();
-  // The parser misses the verb where it should name the word that is none.
+  const std::vector<std::string> unknown = parser.remaining(/*recurse=*/true);
   if (parser.get_subcommands().empty() && !first_word.empty() && !first_word.starts_with('-')) {
+    // The parser misses the verb where it should name the word that is none.
     message = fmt::format("{}: there is no such verb", first_word);
+  } else if (!unknown.empty() && unknown.front().starts_with('-')) {
+    // An option that is mistyped is why another seems to be missing.
+    message = fmt::format("{}: there is no such option", unknown.front());
   }
   PrintMessage(fmt::format("{} (try: orvo-report --help)", message));
   return kUsage;
 }
 
+/// Takes the places of standard streams that the caller has closed, so that no file of ours gets their numbers and is
+/// mistaken for them. Opened the wrong way round, they go on failing whoever uses them.
+void FillStandardStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) != -1 || errno != EBADF) continue;
+    (void)!open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+  }
+}
+
 int Run(int argc, char** argv) {
+  FillStandardStreams();
   CLI::App parser("Turns network captures into report files.", "orvo-report");
   parser.set_version_flag("--version", "orvo-report " ORVO_VERSION);
   parser.require_subcommand(1);

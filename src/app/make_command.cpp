@@ -1,6 +1,9 @@
 #include <fmt/core.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -15,6 +18,7 @@
 #include "capture/context/capture_engine.h"
 #include "capture/source/capture_file.h"
 #include "capture/source/merged_source.h"
+#include "capture/source/packet_filter.h"
 #include "frame/stats_output_method.h"
 #include "platform/code_page.h"
 #include "platform/locale.h"
@@ -28,6 +32,7 @@ namespace fs = std::filesystem;
 struct MakeOptions {
   std::vector<std::string> captures;
   std::string out;
+  std::string filter;
   std::string formats = "csv";
   SettingsOptions settings;
   std::string locale;
@@ -47,13 +52,43 @@ void ApplyLocale(const MakeOptions& options) {
   }
 }
 
-/// Makes a folder with its parents and gives it in full. Ends the command when it is not there afterwards.
+/// A format, and the folder that its report goes into.
+struct Target {
+  const Format* format;
+  fs::path folder;
+};
+
+/// Makes a folder with its parents and gives it in full. Ends the command when no file can be made in it.
 fs::path MakeFolder(const fs::path& path) {
   std::error_code error;
   fs::path folder = fs::absolute(path, error);
   if (!error) fs::create_directories(folder, error);
   if (error) throw CommandError(kFailed, fmt::format("{}: cannot be made: {}", path.string(), error.message()));
+  if (access(folder.c_str(), W_OK | X_OK) != 0) {
+    throw CommandError(kFailed,
+                       fmt::format("{}: cannot be written: {}", path.string(), Describe(StatusFromErrno(errno))));
+  }
   return folder;
+}
+
+/// The folder of each format: the one that was named, or, since several formats would mix their files there, one for
+/// each below it.
+std::vector<Target> MakeTargets(const MakeOptions& options) {
+  const std::vector<const Format*> formats = ParseFormats(options.formats);
+  const fs::path out(options.out);
+  std::vector<Target> targets;
+  for (const Format* format : formats)
+    targets.push_back({format, MakeFolder(formats.size() == 1 ? out : out / format->name)});
+  return targets;
+}
+
+/// The filter that was asked for, or none.
+std::unique_ptr<PacketFilter> MakeFilter(const std::string& expression) {
+  if (expression.empty()) return nullptr;
+  SourceError error;
+  auto filter = PacketFilter::Make(expression, &error);
+  if (!filter) throw CommandError(kUsage, fmt::format("--filter {}", error.message));
+  return filter;
 }
 
 using Sources = std::vector<std::unique_ptr<PacketSource>>;
@@ -69,76 +104,101 @@ Sources OpenCaptures(const std::vector<std::string>& captures) {
   return sources;
 }
 
-/// Reads all captures into the engine, as one. What is wrong with the end of one is a warning: the report shows what is
+void PrintWarningOf(const PacketSource& source) {
+  if (Failed(source.warning().status)) PrintWarning(source.warning().message);
+}
+
+/// Reads all captures into the engine, as one. What is wrong with one of them is a warning: the report shows what is
 /// there.
-void ReadCaptures(const MakeOptions& options, CaptureEngine& engine) {
-  const Sources sources = OpenCaptures(options.captures);
+void ReadCaptures(const MakeOptions& options, const Sources& sources, PacketFilter* filter, CaptureEngine& engine) {
   std::vector<PacketSource*> parts;
   for (const auto& source : sources) parts.push_back(source.get());
   MergedSource merged(parts);
+  std::unique_ptr<FilteredSource> filtered;
+  if (filter) filtered = std::make_unique<FilteredSource>(&merged, filter);
+  PacketSource& source = filtered ? static_cast<PacketSource&>(*filtered) : merged;
 
-  const std::string what = parts.size() == 1 ? options.captures.front() : fmt::format("{} captures", parts.size());
+  const std::string what = parts.size() == 1 ? fs::path(options.captures.front()).filename().string()
+                                             : fmt::format("{} captures", parts.size());
   Progress progress(!options.no_progress, "reading " + what);
   constexpr std::uint64_t kPacketsBetweenLooks = 4096;
   std::uint64_t packets = 0;
-  for (Packet packet; merged.Next(&packet);) {
+  for (Packet packet; source.Next(&packet);) {
     engine.Feed(packet);
     if (++packets % kPacketsBetweenLooks == 0) {
-      const SourceProgress read = merged.progress();
+      const SourceProgress read = source.progress();
       progress.Update(read.bytes_read, read.bytes_total, packets);
     }
   }
   progress.Clear();
-  engine.SetDropped(merged.dropped());
-  for (const PacketSource* source : parts) {
-    if (Failed(source->warning().status)) PrintWarning(source->warning().message);
-  }
+  engine.SetDropped(source.dropped());
+  for (const PacketSource* part : parts) PrintWarningOf(*part);
+  PrintWarningOf(source);
 }
 
-/// Writes one report in one format; prints the files that it wrote. False when one of them failed.
-bool WriteReport(const MakeOptions& options, const Format& format, const fs::path& folder, CaptureEngine& engine,
+/// The cause of a file's failure. Whatever is not a plain file is refused without saying why.
+std::string WhyNotWritten(const ReportFiles::File& file) {
+  std::error_code error;
+  const fs::file_status kind = fs::symlink_status(file.path, error);
+  if (file.status == StatusFromError(kErrorAccessDenied)) {
+    if (fs::is_symlink(kind)) return "is a symbolic link, which a report does not follow; remove it";
+    if (fs::exists(kind) && !fs::is_regular_file(kind)) return "is not a regular file; remove it";
+  }
+  return Describe(file.status);
+}
+
+/// Prints the files that were written, and one message for each cause that kept others from it. False when there are
+/// such.
+bool PrintFiles(const ReportFiles& files) {
+  std::map<std::string, std::vector<std::string>> failed;
+  for (const ReportFiles::File& file : files.files()) {
+    if (Failed(file.status)) {
+      failed[WhyNotWritten(file)].push_back(file.path);
+    } else {
+      PrintOutput(fmt::format("{} ({} {})\n", Printable(file.path), file.rows, file.rows == 1 ? "row" : "rows"));
+    }
+  }
+  for (const auto& [cause, paths] : failed) {
+    const std::string others = paths.size() == 1 ? "" : fmt::format(" (and {} more)", paths.size() - 1);
+    PrintMessage(fmt::format("{}{}: {}", paths.front(), others, cause));
+  }
+  return failed.empty();
+}
+
+/// Writes one report in one format. False when one of its files failed.
+bool WriteReport(const MakeOptions& options, const Target& target, CaptureEngine& engine,
                  IStatsOutputPrefs& preferences) {
+  const Format& format = *target.format;
   auto files = MakeObject<ReportFiles>();
   engine.SetObserver(files.get());
   auto method = CreateComponent<IStatsOutputMethod>(format.method, fmt::format("the report library ({})", format.name));
   Require(method->SetFormat(Bstr(format.extension).get(), Bstr(format.separator).get(), &preferences, nullptr),
           format.name);
 
-  const Bstr report_folder(PathFromSystem(folder.string() + "/"));
+  const Bstr report_folder(PathFromSystem(target.folder.string() + "/"));
   ComPtr<IStatsContext> context = engine.Context();
   ComPtr<IGraphCollection> graphs = engine.Graphs();
   Status status = options.live ? method->OutputLive(context.get(), report_folder.get(), graphs.get())
                                : method->Output(report_folder.get(), context.get(), graphs.get());
   engine.SetObserver(nullptr);
-  Require(status, folder.string());
-
-  bool all_written = true;
-  for (const ReportFiles::File& file : files->files()) {
-    if (Failed(file.status)) {
-      PrintMessage(fmt::format("{}: {}", file.path, Describe(file.status)));
-      all_written = false;
-    } else {
-      PrintOutput(fmt::format("{} ({} {})\n", Printable(file.path), file.rows, file.rows == 1 ? "row" : "rows"));
-    }
-  }
-  return all_written;
+  Require(status, target.folder.string());
+  return PrintFiles(*files);
 }
 
 int Make(const MakeOptions& options) {
+  // Whatever can be wrong with the words and folders is found before the long work begins.
   ApplyLocale(options);
-  const std::vector<const Format*> formats = ParseFormats(options.formats);
+  (void)ParseFormats(options.formats);
   ComPtr<IStatsOutputPrefs> preferences = LoadPreferences(options.settings);
-
+  const std::unique_ptr<PacketFilter> filter = MakeFilter(options.filter);
   CaptureEngine engine({.plain_addresses = options.no_names});
   Require(engine.RegisterClasses(), "the capture engine");
-  ReadCaptures(options, engine);
+  const Sources sources = OpenCaptures(options.captures);
+  const std::vector<Target> targets = MakeTargets(options);
+
+  ReadCaptures(options, sources, filter.get(), engine);
   bool all_written = true;
-  for (const Format* format : formats) {
-    // Several formats would mix their files: each gets a folder of its own then.
-    const fs::path folder =
-        MakeFolder(formats.size() == 1 ? fs::path(options.out) : fs::path(options.out) / format->name);
-    all_written &= WriteReport(options, *format, folder, engine, *preferences);
-  }
+  for (const Target& target : targets) all_written &= WriteReport(options, target, engine, *preferences);
   return all_written ? kDone : kFailed;
 }
 
@@ -149,23 +209,30 @@ void AddMakeCommand(CLI::App& parser, Verb* verb) {
   auto options = std::make_shared<MakeOptions>();
   command
       ->add_option("CAPTURE", options->captures,
-                   "Capture files (pcap, pcapng), read as one in the order of their times")
+                   "Capture files (pcap, pcapng, also gzip or zstd), read as one in the order of their times")
       ->required()
-      ->type_name("...");
+      ->type_name("")
+      ->check(NotEmpty());
   command
       ->add_option("--out", options->out, "Folder of the report, made when missing; rows are appended to files there")
       ->required()
-      ->type_name("DIR");
+      ->type_name("DIR")
+      ->check(NotEmpty());
   command->add_option("--format", options->formats, "Report forms, joined by commas: " + FormatNames())
       ->type_name("LIST")
       ->capture_default_str();
+  command
+      ->add_option("--filter", options->filter, "Count only packets that this expression holds for, see pcap-filter(7)")
+      ->type_name("EXPR");
   AddSettingsOptions(*command, &options->settings);
   command->add_flag("--live", options->live, "Report straight from the live statistics, marked with the current time");
   command->add_flag("--no-names", options->no_names, "Write plain addresses instead of names");
   command->add_option("--locale", options->locale, "Locale of dates and times (default: the environment's)")
-      ->type_name("NAME");
+      ->type_name("NAME")
+      ->check(NotEmpty());
   command->add_option("--code-page", options->code_page, "Encoding of text files (default: the locale's, else UTF-8)")
-      ->type_name("NAME");
+      ->type_name("NAME")
+      ->check(NotEmpty());
   command->add_flag("--no-progress", options->no_progress, "Show no progress on a terminal");
   command->callback([verb, options] { *verb = [options] { return Make(*options); }; });
 }

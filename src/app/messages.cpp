@@ -11,15 +11,25 @@
 namespace orvo::app {
 
 std::string Printable(std::string_view text) {
-  std::string shown(text);
-  for (char& byte : shown) {
-    if (static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F) byte = '?';
+  std::string shown;
+  shown.reserve(text.size());
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const auto byte = static_cast<unsigned char>(text[at]);
+    // U+0080 to U+009F: terminals obey them like their forms of two characters.
+    const bool wide = byte == 0xC2 && at + 1 < text.size() && (text[at + 1] & 0xE0) == 0x80;
+    shown += byte < 0x20 || byte == 0x7F || wide ? '?' : text[at];
+    if (wide) ++at;
   }
   return shown;
 }
 
+void WriteError(std::string_view text) {
+  (void)!std::fwrite(text.data(), 1, text.size(), stderr);
+  (void)!std::fflush(stderr);
+}
+
 void PrintMessage(std::string_view message) {
-  fmt::print(stderr, "orvo-report: {}\n", Printable(message));
+  WriteError(fmt::format("orvo-report: {}\n", Printable(message)));
 }
 
 void PrintWarning(std::string_view message) {

@@ -30,8 +30,11 @@ void PrintWarning(std::string_view message);
 /// Writes to standard output; ends the command when that fails.
 void PrintOutput(std::string_view text);
 
-/// The text with its control characters shown as "?".
+/// The text with its control characters, those of eight bits in UTF-8 included, shown as "?".
 std::string Printable(std::string_view text);
+
+/// Writes to standard error as it stands. Where it cannot be written there is nobody left to tell.
+void WriteError(std::string_view text);
 
 /// The system's message for a failing status, or its number where there is none.
 std::string Describe(Status status);

@@ -16,6 +16,9 @@ void AddMakeCommand(CLI::App& parser, Verb* verb);
 void AddSettingsCommand(CLI::App& parser, Verb* verb);
 void AddClassesCommands(CLI::App& parser, Verb* verb);
 
+/// Refuses the empty text, which a script passes for a variable that it forgot to set.
+CLI::Validator NotEmpty();
+
 /// --settings and --set, which mean the same everywhere.
 void AddSettingsOptions(CLI::App& command, SettingsOptions* options);
 

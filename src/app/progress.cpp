@@ -3,7 +3,8 @@
 #include <fmt/core.h>
 #include <unistd.h>
 
-#include <cstdio>
+#include <algorithm>
+#include <cmath>
 
 #include "app/messages.h"
 
@@ -12,10 +13,13 @@ namespace {
 
 constexpr std::chrono::milliseconds kBetweenUpdates(200);
 constexpr const char* kClearLine = "\r\x1b[K";
+// A line that went on below could not be cleared: what does not fit into the terminal stays out of sight.
+constexpr const char* kNoWrap = "\x1b[?7l";
+constexpr const char* kWrap = "\x1b[?7h";
 
 }  // namespace
 
-Progress::Progress(bool wanted, std::string what)
+Progress::Progress(bool wanted, std::string_view what)
     : wanted_(wanted && isatty(STDERR_FILENO) == 1),
       what_(Printable(what)),
       begin_(std::chrono::steady_clock::now()),
@@ -34,22 +38,21 @@ void Progress::Show(Time now, std::uint64_t done, std::uint64_t total, std::uint
   const double rate = static_cast<double>(packets) / seconds;
   std::string line;
   if (total != 0 && done != 0) {
-    const double part = static_cast<double>(done) / static_cast<double>(total);
+    // A file that grows meanwhile has more than its total.
+    const double part = std::min(1.0, static_cast<double>(done) / static_cast<double>(total));
     const double left = part < 1 ? seconds * (1 - part) / part : 0;
-    line = fmt::format("{} {:3.0f}%, {} packets, {:.0f} a second, {} left", what_, 100 * part, packets, rate,
-                       DurationText(static_cast<std::uint64_t>(left + 0.5)));
+    line = fmt::format("{:3.0f}%, {} packets, {:.0f} a second, {} left: {}", 100 * part, packets, rate,
+                       DurationText(static_cast<std::uint64_t>(std::llround(left))), what_);
   } else {
-    line = fmt::format("{}: {} packets, {:.0f} a second", what_, packets, rate);
+    line = fmt::format("{} packets, {:.0f} a second: {}", packets, rate, what_);
   }
-  fmt::print(stderr, "{}{}", kClearLine, line);
-  std::fflush(stderr);
+  WriteError(fmt::format("{}{}{}{}", kClearLine, kNoWrap, line, kWrap));
   shown_ = true;
 }
 
 void Progress::Clear() {
   if (!shown_) return;
-  fmt::print(stderr, "{}", kClearLine);
-  std::fflush(stderr);
+  WriteError(kClearLine);
   shown_ = false;
 }
 

@@ -3,15 +3,16 @@
 #include <chrono>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace orvo::app {
 
 /// A line on standard error that says how far long work has come: percent, rate, time left. It is written a few times a
-/// second at most, only when standard error is a terminal, and removed when the work ends.
+/// second at most, only when standard error is a terminal, never wraps, and is removed when the work ends.
 class Progress {
  public:
-  /// Nothing is shown when `wanted` is false. `what` names the work ("reading capture.pcap").
-  Progress(bool wanted, std::string what);
+  /// Nothing is shown when `wanted` is false. `what` names the work in a few words ("reading capture.pcap").
+  Progress(bool wanted, std::string_view what);
   ~Progress() { Clear(); }
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;

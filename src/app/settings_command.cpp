@@ -8,8 +8,12 @@
 
 namespace orvo::app {
 
+CLI::Validator NotEmpty() {
+  return {[](const std::string& value) { return value.empty() ? "must not be empty" : ""; }, ""};
+}
+
 void AddSettingsOptions(CLI::App& command, SettingsOptions* options) {
-  command.add_option("--settings", options->file, "Settings file to start from")->type_name("FILE");
+  command.add_option("--settings", options->file, "Settings file to start from")->type_name("FILE")->check(NotEmpty());
   command.add_option("--set", options->assignments, "Set one switch, after the settings file (repeatable)")
       ->type_name("NAME=VALUE")
       ->allow_extra_args(false);

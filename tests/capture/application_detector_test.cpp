@@ -60,7 +60,7 @@ Buffer Noise(std::uint8_t seed) {
 class ApplicationDetectorTest : public testing::Test {
  protected:
   /// The path that a packet is counted under, without the link.
-  std::string Path(const Buffer& frame, std::uint64_t time = kNoon) {
+  std::string Path(const Buffer& frame, std::uint64_t time = kNewYear) {
     DecodePacket(MakePacket(frame), &facts_);
     detector_->Inspect(time, &facts_);
     ProtocolTree& tree = ProtocolTree::Get();
@@ -130,7 +130,7 @@ TEST_F(ApplicationDetectorTest, FreesAtOnceWhatLookingIntoAFlowTook) {
   EXPECT_EQ(detector_->undecided(), 2U);
   Path(TcpPacket(20001, 9999, {}, 4));
   EXPECT_EQ(detector_->undecided(), 1U);
-  for (int i = 0; i < 100; ++i) Path(TcpPacket(20003, 9999, {}), kNoon + FlowTable::kIdleTime);
+  for (int i = 0; i < 100; ++i) Path(TcpPacket(20003, 9999, {}), kNewYear + FlowTable::kIdleTime);
   EXPECT_EQ(detector_->undecided(), 0U);
   EXPECT_EQ(detector_->undecided_bytes(), base);
 }

@@ -19,10 +19,10 @@ inline void FeedSmallCapture(CaptureEngine* engine) {
   Buffer arp = Ethernet(BroadcastMac(), Mac(1), 0x0806, Arp());
   Buffer multicast =
       Ethernet(MulticastMac(), Mac(1), 0x0800, Ipv4(Ip4(1), {224, 0, 0, 251}, 17, Udp(5353, 5353, Zeros(18))));
-  engine->Feed(MakePacket(query, kNoon));
-  engine->Feed(MakePacket(answer, kNoon - kSecond));
-  engine->Feed(MakePacket(arp, kNoon + kSecond));
-  engine->Feed(MakePacket(multicast, kNoon + 3 * kSecond));
+  engine->Feed(MakePacket(query, kNewYear));
+  engine->Feed(MakePacket(answer, kNewYear - kSecond));
+  engine->Feed(MakePacket(arp, kNewYear + kSecond));
+  engine->Feed(MakePacket(multicast, kNewYear + 3 * kSecond));
 }
 
 /// What a report sees of an engine at one moment.

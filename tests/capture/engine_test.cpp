@@ -63,13 +63,13 @@ TEST(Engine, TakesTimesInWhateverOrder) {
   std::uint64_t duration = 0;
   EXPECT_EQ(view.context->GetStartTime(&start), S_OK);
   EXPECT_EQ(view.context->GetDuration(&duration), S_OK);
-  EXPECT_EQ(start, kNoon - kSecond);
+  EXPECT_EQ(start, kNewYear - kSecond);
   EXPECT_EQ(duration, 4 * kSecond);
   const NodeEntry* node = nullptr;
   ASSERT_EQ(view.Get(kNodeCategory)->FindByAddress(view.Index("10.0.0.2"), &node), S_OK);
-  EXPECT_EQ(node->first_time_sent, kNoon - kSecond);
-  EXPECT_EQ(node->last_time_sent, kNoon - kSecond);
-  EXPECT_EQ(node->first_time_received, kNoon);
+  EXPECT_EQ(node->first_time_sent, kNewYear - kSecond);
+  EXPECT_EQ(node->last_time_sent, kNewYear - kSecond);
+  EXPECT_EQ(node->first_time_received, kNewYear);
 }
 
 TEST(Engine, PutsLogicalAddressesBehindPhysicalOnes) {

@@ -15,7 +15,7 @@ namespace {
 constexpr std::uint8_t kFin = 1, kSyn = 2, kRst = 4, kPush = 8, kAck = 16;
 
 /// The flow packet of a frame; with protocol 0 when it is of no flow.
-FlowPacket Read(const Buffer& frame, std::uint64_t time = kNoon) {
+FlowPacket Read(const Buffer& frame, std::uint64_t time = kNewYear) {
   PacketFacts facts;
   DecodePacket(MakePacket(frame), &facts);
   FlowPacket packet;
@@ -29,7 +29,7 @@ Buffer TcpFrame(bool forth, std::uint8_t flags, const Buffer& payload = {}, unsi
 }
 
 /// A packet of the flow of that number, of which there are many.
-FlowPacket Numbered(unsigned number, std::uint64_t time = kNoon) {
+FlowPacket Numbered(unsigned number, std::uint64_t time = kNewYear) {
   FlowPacket packet;
   packet.key.ports = {static_cast<std::uint16_t>(number), 53};
   packet.key.ip_protocol = 17;
@@ -75,7 +75,7 @@ TEST(FlowTable, EndsConnectionsAndBeginsThemAnew) {
   int ended = 0;
   FlowTable table(100, [&](Flow&) { ++ended; });
   auto enter = [&](bool forth, std::uint8_t flags, const Buffer& payload = {}, std::uint64_t later = 0) -> Flow& {
-    return table[table.Enter(Read(TcpFrame(forth, flags, payload), kNoon + later))];
+    return table[table.Enter(Read(TcpFrame(forth, flags, payload), kNewYear + later))];
   };
   enter(true, kSyn);
   enter(true, kSyn);  // repeated
@@ -94,23 +94,23 @@ TEST(FlowTable, EndsConnectionsAndBeginsThemAnew) {
   EXPECT_EQ(table.begun(), 3U);
   EXPECT_TRUE(enter(false, kRst).ended);
   // Ended flows go early, with whatever packet comes next.
-  table.Enter(Numbered(1, kNoon + FlowTable::kLingerTime));
+  table.Enter(Numbered(1, kNewYear + FlowTable::kLingerTime));
   EXPECT_EQ(table.size(), 1U);
   EXPECT_EQ(ended, 3);
 }
 
 TEST(FlowTable, ForgetsWhatIsIdle) {
   FlowTable table(100, [](Flow&) {});
-  for (unsigned i = 0; i < 10; ++i) table.Enter(Numbered(i, kNoon + i));
-  table.Enter(Numbered(0, kNoon + 20));
-  std::uint64_t later = kNoon + FlowTable::kIdleTime + 9;
+  for (unsigned i = 0; i < 10; ++i) table.Enter(Numbered(i, kNewYear + i));
+  table.Enter(Numbered(0, kNewYear + 20));
+  std::uint64_t later = kNewYear + FlowTable::kIdleTime + 9;
   for (int i = 0; i < 5; ++i) table.Enter(Numbered(0, later));
   EXPECT_EQ(table.size(), 1U);
   EXPECT_EQ(table.begun(), 10U);
   table.Enter(Numbered(0, later + FlowTable::kIdleTime));
   EXPECT_EQ(table.begun(), 11U);
   // Packets with older times change nothing of that.
-  table.Enter(Numbered(0, kNoon));
+  table.Enter(Numbered(0, kNewYear));
   EXPECT_EQ(table.begun(), 11U);
 }
 

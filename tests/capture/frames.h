@@ -94,28 +94,15 @@ inline Buffer Arp() {
 
 inline constexpr std::uint64_t kSecond = 1'000'000'000;
 /// 2020-01-01 00:00 UTC
-inline constexpr std::uint64_t kNoon = (11'644'473'600ULL + 1'577'836'800ULL) * kSecond;
+inline constexpr std::uint64_t kNewYear = (11'644'473'600ULL + 1'577'836'800ULL) * kSecond;
 
 /// A packet over the frame, which must outlive it; captured whole.
-inline Packet MakePacket(const Buffer& frame, std::uint64_t time = kNoon) {
+inline Packet MakePacket(const Buffer& frame, std::uint64_t time = kNewYear) {
   Packet packet;
   packet.time = time;
   packet.bytes = frame;
   packet.original_length = static_cast<std::uint32_t>(frame.size());
   return packet;
-}
-
-/// A pcap file: its header, and records.
-inline Buffer PcapHeader(std::uint32_t link_type = 1, std::uint32_t magic = 0xA1B2C3D4) {
-  return Le32(magic) + Buffer{2, 0, 4, 0} + Le32(0) + Le32(0) + Le32(262144) + Le32(link_type);
-}
-inline Buffer PcapRecord(std::uint32_t seconds, std::uint32_t fraction, const Buffer& frame, std::uint32_t captured,
-                         std::uint32_t original) {
-  return Le32(seconds) + Le32(fraction) + Le32(captured) + Le32(original) + frame;
-}
-inline Buffer PcapRecord(std::uint32_t seconds, std::uint32_t fraction, const Buffer& frame) {
-  auto length = static_cast<std::uint32_t>(frame.size());
-  return PcapRecord(seconds, fraction, frame, length, length);
 }
 
 inline std::string Ascii(std::u16string_view text) {

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "capture/classify/protocol_tree.h"
+#include "capture/decode/protocol_registry.h"
+#include "capture/tables/address_table.h"
 #include "engine/protocols.h"
 #include "platform/class_factory.h"
 #include "tests/capture/engine_fixture.h"
@@ -15,6 +17,13 @@ AddressRecord Record(std::uint8_t type, const Buffer& bytes) {
   record.length = static_cast<std::uint8_t>(bytes.size());
   std::copy_n(bytes.begin(), std::min(bytes.size(), record.bytes.size()), record.bytes.begin());
   return record;
+}
+
+/// The record of the place that an empty frame of Ethernet counts under.
+AddressRecord EthernetEntry() {
+  PacketFacts facts;
+  DecodePacket(MakePacket({}), &facts);
+  return ProtocolRecord(ProtocolTree::Get().Classify(facts));
 }
 
 TEST(AddressText, FollowsTheNotationOfEachType) {
@@ -42,8 +51,8 @@ TEST(AddressText, FollowsTheNotationOfEachType) {
       {Record(kAddressAppleTalk, {0xFF, 0, 200}), "65280.200"},
       {Record(kAddressDecnet, {0x06, 0x01}), "1.513"},
       {Record(kAddressWan, {1, 0}), "256"},
-      {Record(kAddressProtocol, {1, 0}), "Ethernet"},
-      {Record(kAddressProtocol, {0xFF, 0xFF}), ""},
+      {EthernetEntry(), "Ethernet"},
+      {Record(kAddressProtocol, {0, 0}), ""},
       {Record(kAddressIp, {1, 2, 3}), "010203"},  // a length that does not fit
       {Record(99, {1, 2}), "0102"},
       {Record(kAddressIpv6, Buffer(40, 0xAA)), "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa"},

@@ -46,7 +46,7 @@ TEST_F(SnapshotTest, AnswersLikeTheContextThatWroteIt) {
   std::uint64_t mark = 0;
   ComPtr<IUnknown> object;
   ASSERT_EQ(Load(Take(&mark), &object), S_OK);
-  EXPECT_EQ(mark, kNoon + 3 * kSecond);
+  EXPECT_EQ(mark, kNewYear + 3 * kSecond);
   View live(engine_);
   ComPtr<IStatsContext> snapshot;
   ASSERT_EQ(Query(object.get(), &snapshot), S_OK);

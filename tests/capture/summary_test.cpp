@@ -12,11 +12,11 @@ void FeedErrors(CaptureEngine* engine) {
   Buffer error = Ethernet(Mac(2), Mac(1), 0x0800, Ipv4(Ip4(1), Ip4(2), 1, Icmp(3)));
   Buffer reset = Ethernet(Mac(2), Mac(1), 0x8100, Vlan(0x0800, Ipv4(Ip4(1), Ip4(2), 6, Tcp(1, 80, 0x06))));
   Buffer bad = Ethernet(Mac(2), Mac(1), 0x0800, {0x11});
-  engine->Feed(MakePacket(error, kNoon + kSecond));
-  engine->Feed(MakePacket(error, kNoon));
-  engine->Feed(MakePacket(reset, kNoon));
-  engine->Feed(MakePacket(bad, kNoon));
-  Packet part = MakePacket(bad, kNoon);
+  engine->Feed(MakePacket(error, kNewYear + kSecond));
+  engine->Feed(MakePacket(error, kNewYear));
+  engine->Feed(MakePacket(reset, kNewYear));
+  engine->Feed(MakePacket(bad, kNewYear));
+  Packet part = MakePacket(bad, kNewYear);
   part.original_length = 1514;
   engine->Feed(part);
   engine->SetDropped(12);
@@ -33,10 +33,10 @@ TEST(Summary, SaysWhatWasCounted) {
     std::uint64_t first;
     std::uint64_t second = 0;
   } cases[] = {
-      {"Start Date", kSummaryDate, kNoon - kSecond},
-      {"Start Time", kSummaryTime, kNoon - kSecond},
+      {"Start Date", kSummaryDate, kNewYear - kSecond},
+      {"Start Time", kSummaryTime, kNewYear - kSecond},
       {"Duration", kSummaryDuration, 4 * kSecond},
-      {"Time of Last Packet", kSummaryTime, kNoon + 3 * kSecond},
+      {"Time of Last Packet", kSummaryTime, kNewYear + 3 * kSecond},
       {"Total Packets", kSummaryPackets, 9},
       {"Total Bytes", kSummaryBytes, 262 + 42 + 42 + 58 + 15 + 1514},
       {"Total Broadcast", kSummaryPacketsAndBytes, 1, 42},
@@ -47,7 +47,7 @@ TEST(Summary, SaysWhatWasCounted) {
       {"Packets Dropped by the Capture", kSummaryPackets, 12},
       {"Packets out of Time Order", kSummaryPackets, 3},
       {"ICMP Errors", kSummaryPacketsAndBytes, 2, 84},
-      {"Time of Last ICMP Error", kSummaryTime, kNoon + kSecond},
+      {"Time of Last ICMP Error", kSummaryTime, kNewYear + kSecond},
       {"SYN Packets", kSummaryPackets, 1},
       {"RST Packets", kSummaryPackets, 1},
       {"FIN Packets", kSummaryPackets, 0},

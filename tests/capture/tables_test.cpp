@@ -93,14 +93,14 @@ TEST(RowIndex, TellsRowsOfOneHashApart) {
 
 AddressRecord Physical(std::uint8_t last) {
   AddressRecord record;
-  SetAddress(&record, kAddressPhysical, Mac(last).data(), 6);
+  SetAddress<6>(&record, kAddressPhysical, Mac(last).data());
   return record;
 }
 
 TEST(AddressTable, KeepsIndicesAndChainsTypes) {
   AddressTable table(100);
   AddressRecord ip;
-  SetAddress(&ip, kAddressIp, Ip4(1).data(), 4);
+  SetAddress<4>(&ip, kAddressIp, Ip4(1).data());
   EXPECT_EQ(table.Intern(Physical(1)), 0U);
   EXPECT_EQ(table.Intern(ip), 1U);
   FrozenAddresses early = table.Freeze();

@@ -8,7 +8,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <regex>
 
 #include "tests/support/command.h"
 #include "tests/support/temporary_folder.h"
@@ -46,9 +45,17 @@ TEST(CommandTest, WrongUsageIsOneLineAndStatusTwo) {
       {{"mkae"}, "mkae: there is no such verb"},
       {{"make"}, "CAPTURE"},
       {{"make", kSample}, "--out"},
-      {{"make", kSample, "--out", folder.Path(), "--bogus"}, "--bogus"},
+      {{"make", kSample, "--out", folder.Path(), "--bogus"}, "--bogus: there is no such option"},
+      {{"make", kSample, "--uot", folder.Path()}, "--uot: there is no such option"},
+      {{"make", kSample, "--out", ""}, "--out: must not be empty"},
+      {{"make", kSample, "--out", folder.Path(), "--settings", ""}, "--settings: must not be empty"},
+      {{"make", kSample, "--out", folder.Path(), "--locale", ""}, "--locale: must not be empty"},
+      {{"make", kSample, "--out", folder.Path(), "--code-page", ""}, "--code-page: must not be empty"},
+      {{"make", "", "--out", folder.Path()}, "CAPTURE: must not be empty"},
       {{"make", kSample, "--out", folder.Path(), "--format", "csv,doc"}, "--format doc: there is no such format"},
       {{"make", kSample, "--out", folder.Path(), "--format", ""}, "--format"},
+      {{"make", kSample, "--out", folder.Path(), "--filter", "tcp prot 80"}, "--filter tcp prot 80: "},
+      {{"make", kSample, "--out", folder.Path(), "--filter", "wlan host 10.0.0.1"}, "--filter wlan host 10.0.0.1: "},
       {{"make", kSample, "--out", folder.Path(), "--set", "NodeNmae=1"}, "--set NodeNmae: there is no such switch"},
       {{"make", kSample, "--out", folder.Path(), "--set", "NodeName"}, "must read NAME=VALUE"},
       {{"make", kSample, "--out", folder.Path(), "--set", "NodeName=yes"}, "whole number"},
@@ -57,6 +64,10 @@ TEST(CommandTest, WrongUsageIsOneLineAndStatusTwo) {
       {{"make", kSample, "--out", folder.Path(), "--code-page", "klingon"}, "--code-page klingon"},
       {{"make", kSample, "--out", folder.Path(), "--code-page", "UTF-16"}, "--code-page UTF-16"},
       {{"settings", "--set", "x\x1b[31my=1"}, "x?[31my"},
+      {{"settings", "--set",
+        "x\xC2\x9B"
+        "31m\xC2\xA7y=1"},
+       "x?31m\xC2\xA7y"},
   };
   for (const auto& one : cases) {
     const CommandResult result = RunCommand(one.arguments);
@@ -95,6 +106,8 @@ TEST(CommandTest, CapturesThatCannotBeReadAreOneLineAndStatusOne) {
       {folder.Path("text.pcap"), "text.pcap"},
       {folder.Path("header-cut.pcap"), "header-cut.pcap"},
       {"/dev/null/x", "/dev/null/x"},
+      {"/dev/zero", "neither a file nor a pipe"},
+      {"-", "/dev/stdin"},
   };
   for (const auto& one : cases) {
     const CommandResult result = RunCommand({"make", one.path, "--out", folder.Path("out")});
@@ -137,6 +150,23 @@ TEST(CommandTest, PrintsTheFilesThatItWrote) {
   EXPECT_EQ(lines.size() % 2, 1U) << "the second report adds as many rows as the first";
 }
 
+TEST(CommandTest, AFilterLeavesOutWhatItDoesNotHoldFor) {
+  TemporaryFolder folder;
+  auto nodes = [&](const std::string& filter) {
+    const std::string out = folder.Path(filter);
+    const CommandResult result = RunCommand({"make", kSample, "--out", out, "--filter", filter});
+    EXPECT_EQ(result.exit_status, 0);
+    EXPECT_EQ(result.messages, "");
+    return folder.Read(filter + "/Node Statistics-IP.csv");
+  };
+  EXPECT_THAT(nodes("host 192.0.2.22"), AllOf(HasSubstr("192.0.2.22,"), testing::Not(HasSubstr("0.0.0.0,"))));
+  EXPECT_EQ(Lines(nodes("ether host 02:99:99:99:99:99")).size(), 1U) << "nothing but the header";
+  const CommandResult wireless =
+      RunCommand({"make", kSample, "--out", folder.Path("w"), "--filter", "wlan type mgt subtype beacon"});
+  EXPECT_EQ(wireless.exit_status, 0);
+  ExpectOneMessage(wireless, "the filter: packets of link type 1 (EN10MB) are left out");
+}
+
 TEST(CommandTest, OutputFoldersThatCannotBeHadAreOneLineAndStatusOne) {
   TemporaryFolder folder;
   folder.Write("file", "");
@@ -151,8 +181,18 @@ TEST(CommandTest, OutputFoldersThatCannotBeHadAreOneLineAndStatusOne) {
     chmod(folder.Path("closed").c_str(), 0555);
     const CommandResult closed = RunCommand({"make", kSample, "--out", folder.Path("closed")});
     EXPECT_EQ(closed.exit_status, 1);
-    EXPECT_THAT(closed.messages, HasSubstr("orvo-report: "));
+    ExpectOneMessage(closed, "closed: cannot be written");
   }
+}
+
+TEST(CommandTest, OneCauseIsOneLineHoweverManyFilesItStops) {
+  TemporaryFolder folder;
+  for (const char* name : {"Node Statistics-IP.csv", "Node Statistics-IPv6.csv", "Summary Statistics.csv"}) {
+    fs::create_directory(folder.Path(name));
+  }
+  const CommandResult result = RunCommand({"make", kSample, "--out", folder.Path()});
+  EXPECT_EQ(result.exit_status, 1);
+  ExpectOneMessage(result, "Summary Statistics.csv (and 2 more): ");
 }
 
 TEST(CommandTest, AFileThatCannotBeWrittenIsNamedAndTheOthersAreWritten) {
@@ -164,6 +204,21 @@ TEST(CommandTest, AFileThatCannotBeWrittenIsNamedAndTheOthersAreWritten) {
   EXPECT_TRUE(folder.Has("Node Statistics-IPv6.csv"));
 }
 
+TEST(CommandTest, AReportWritesOnlyPlainFiles) {
+  TemporaryFolder folder;
+  fs::create_symlink("elsewhere", folder.Path("Node Statistics-IP.csv"));
+  const CommandResult link = RunCommand({"make", kSample, "--out", folder.Path()});
+  EXPECT_EQ(link.exit_status, 1);
+  ExpectOneMessage(link, folder.Path("Node Statistics-IP.csv") + ": is a symbolic link");
+  EXPECT_FALSE(folder.Has("elsewhere"));
+
+  fs::remove(folder.Path("Node Statistics-IP.csv"));
+  ASSERT_EQ(mkfifo(folder.Path("Node Statistics-IP.csv").c_str(), 0600), 0);
+  const CommandResult pipe = RunCommand({"make", kSample, "--out", folder.Path()});
+  EXPECT_EQ(pipe.exit_status, 1);
+  ExpectOneMessage(pipe, folder.Path("Node Statistics-IP.csv") + ": is not a regular file");
+}
+
 TEST(CommandTest, SettingsGoRoundTripAndTellWhatIsWrong) {
   TemporaryFolder folder;
   const CommandResult template_document =
@@ -173,11 +228,12 @@ TEST(CommandTest, SettingsGoRoundTripAndTellWhatIsWrong) {
   EXPECT_EQ(RunCommand({"settings", "--settings", folder.Path("settings.xml")}).output, template_document.output);
   EXPECT_THAT(template_document.output, AllOf(HasSubstr("NodeTypeIPv6=\"0\""), HasSubstr("NodePackets=\"-7\"")));
   // Every switch has its sentence.
-  const std::regex attribute("\n      (\\w+)=\"");
   int switches = 0;
-  for (std::sregex_iterator at(template_document.output.begin(), template_document.output.end(), attribute), end;
-       at != end; ++at, ++switches) {
-    EXPECT_THAT(template_document.output, HasSubstr("      " + (*at)[1].str() + ": "));
+  for (const std::string& line : Lines(template_document.output)) {
+    const std::size_t name_end = line.find("=\"");
+    if (!line.starts_with("      ") || name_end == line.npos) continue;
+    EXPECT_THAT(template_document.output, HasSubstr("\n" + line.substr(0, name_end) + ": "));
+    ++switches;
   }
   EXPECT_EQ(switches, 126);
 
@@ -189,10 +245,19 @@ TEST(CommandTest, SettingsGoRoundTripAndTellWhatIsWrong) {
   folder.Write("not-xml", "<StatsOutputPrefs><NodeStats");
   folder.Write("other.xml", "<other/>");
   folder.Write("no-number.xml", "<StatsOutputPrefs><NodeStats NodeName='1' NodePackets='many'/></StatsOutputPrefs>");
-  const std::pair<const char*, const char*> broken[] = {{"not-xml", "XML"},
-                                                        {"other.xml", "no settings"},
-                                                        {"no-number.xml", "NodePackets=\"many\""},
-                                                        {"missing.xml", "missing.xml"}};
+  folder.Write("long.xml",
+               "<StatsOutputPrefs><NodeStats NodePackets='" + std::string(9999, '9') + "'/></StatsOutputPrefs>");
+  folder.Write("huge.xml", "<StatsOutputPrefs>" + std::string(2 << 20, ' ') + "</StatsOutputPrefs>");
+  ASSERT_EQ(mkfifo(folder.Path("pipe").c_str(), 0600), 0);
+  const std::pair<const char*, const char*> broken[] = {
+      {"not-xml", "XML"},
+      {"other.xml", "no settings"},
+      {"no-number.xml", "NodePackets=\"many\""},
+      {"long.xml", "99...\" is no whole number"},
+      {"huge.xml", "too large for a settings file"},
+      {"pipe", "not a regular file"},
+      {"missing.xml", "missing.xml"},
+  };
   for (const auto& [name, message] : broken) {
     const CommandResult result = RunCommand({"settings", "--settings", folder.Path(name)});
     EXPECT_EQ(result.exit_status, 1) << name;
@@ -221,11 +286,58 @@ TEST(CommandTest, ClassesAreFoundBesideTheCommandAndInTheRegistry) {
   EXPECT_EQ(RunCommand({"classes"}, registry).output, beside.output);
 }
 
-TEST(CommandTest, OutputThatCannotBePrintedIsAFailure) {
-  const CommandResult result =
-      RunProgram("/bin/sh", {"-c", std::string(ORVO_BINARY_DIR) + "/bin/orvo-report settings > /dev/full"});
+TEST(CommandTest, ADamagedRegistryIsNamedAndDoesNotHideTheLibraryBesideTheCommand) {
+  TemporaryFolder folder;
+  const std::vector<std::pair<std::string, std::string>> registry = {{"ORVO_REGISTRY", folder.Path("registry.xml")}};
+  for (const char* damage : {"", "<registry version='1'><key", "<registry version='2'/>", "<other/>"}) {
+    folder.Write("registry.xml", damage);
+    for (const std::string verb : {"classes", "register", "unregister"}) {
+      const CommandResult result = RunCommand({verb}, registry);
+      EXPECT_EQ(result.exit_status, 1);
+      ExpectOneMessage(result, folder.Path("registry.xml") + ": is no registry");
+    }
+    EXPECT_EQ(folder.Read("registry.xml"), damage) << "what cannot be read is not overwritten";
+    EXPECT_EQ(RunCommand({"make", kSample, "--out", folder.Path("out")}, registry).exit_status, 0);
+  }
+}
+
+TEST(CommandTest, ARegistryThatCannotBeWrittenIsNamed) {
+  const CommandResult result = RunCommand({"register"}, {{"ORVO_REGISTRY", "/proc/none/registry.xml"}});
   EXPECT_EQ(result.exit_status, 1);
-  ExpectOneMessage(result, "standard output");
+  ExpectOneMessage(result, "cannot be registered in /proc/none/registry.xml: ");
+}
+
+TEST(CommandTest, ARegisteredLibraryThatIsGoneIsNamed) {
+  TemporaryFolder folder;
+  const std::vector<std::pair<std::string, std::string>> registry = {{"ORVO_REGISTRY", folder.Path("registry.xml")}};
+  folder.Write("registry.xml",
+               "<registry version='1'><key name='CLSID'><key name='{8B1DB8B2-D286-4AEE-92AC-5780C0DCC60E}'>"
+               "<key name='InprocServer32' default='\\gone\\OrvoReports.so'/></key></key></registry>");
+  EXPECT_THAT(RunCommand({"classes"}, registry).output, HasSubstr("registered: /gone/OrvoReports.so, not available: "));
+  const CommandResult result = RunCommand({"make", kSample, "--out", folder.Path("out")}, registry);
+  EXPECT_EQ(result.exit_status, 1);
+  ExpectOneMessage(result, "orvo-report classes");
+}
+
+TEST(CommandTest, OutputThatCannotBePrintedIsAFailure) {
+  for (const std::string closed : {"> /dev/full", ">&-"}) {
+    const CommandResult result =
+        RunProgram("/bin/sh", {"-c", std::string(ORVO_BINARY_DIR) + "/bin/orvo-report settings " + closed});
+    EXPECT_EQ(result.exit_status, 1) << closed;
+    ExpectOneMessage(result, "standard output");
+  }
+}
+
+TEST(CommandTest, MessagesThatCannotBePrintedChangeNothingElse) {
+  TemporaryFolder folder;
+  const std::string capture = Bytes(kClassic);
+  folder.Write("cut.pcap", capture.substr(0, capture.size() - 7));
+  const std::string command = std::string(ORVO_BINARY_DIR) + "/bin/orvo-report make --out " + folder.Path("out") + " ";
+  for (const std::string closed : {" 2> /dev/full", " 2>&-", " <&- 2>&-"}) {
+    EXPECT_EQ(RunProgram("/bin/sh", {"-c", command + "/nonexistent.pcap" + closed}).exit_status, 1) << closed;
+    EXPECT_EQ(RunProgram("/bin/sh", {"-c", command + folder.Path("cut.pcap") + closed}).exit_status, 0) << closed;
+  }
+  EXPECT_THAT(folder.Read("out/Node Statistics-IP.csv"), testing::Not(HasSubstr("warning")));
 }
 
 }  // namespace

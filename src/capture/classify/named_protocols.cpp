@@ -119,6 +119,7 @@ constexpr std::array kIpxProtocols{
     Named<Ipx(0x0455)>("NetBIOS (IPX)"),
     Named<Ipx(0x0456)>("IPX Diagnostics"),
     Named<Ipx(0x0457)>("IPX Serialization"),
+    Named<Ipx(0x0553)>("NMPI"),
 };
 
 constexpr std::array kDdpProtocols{

@@ -15,6 +15,13 @@ constexpr std::array kUnknownKeys{LayerKey{Layer::kNone, 0}};
 constexpr std::array kUnknown{Protocol{"Unknown", kUnknownKeys}};
 const ProtocolRegistration kRegistration(kUnknown);
 
+/// FNV-1a, the same on every machine.
+std::uint32_t HashOf(std::string_view name) {
+  std::uint32_t hash = 0x811C9DC5;
+  for (char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 0x01000193;
+  return hash;
+}
+
 }  // namespace
 
 ProtocolTree& ProtocolTree::Get() {
@@ -22,7 +29,12 @@ ProtocolTree& ProtocolTree::Get() {
   return tree;
 }
 
-ProtocolTree::ProtocolTree() : places_(new Place[kMaxPlaces]), slots_(new Slot[kSlots]()) {}
+ProtocolTree::ProtocolTree() : places_(new std::atomic<Place>[kNumbers]()) {
+  const ProtocolRegistry& registry = ProtocolRegistry::Get();
+  for (std::size_t i = 0; i < registry.count(); ++i) {
+    name_hashes_.push_back(HashOf(registry.protocol(static_cast<std::uint16_t>(i)).name));
+  }
+}
 
 std::uint16_t ProtocolTree::Classify(const PacketFacts& facts) {
   static const ProtocolRegistry& registry = ProtocolRegistry::Get();
@@ -44,41 +56,40 @@ std::uint16_t ProtocolTree::Classify(const PacketFacts& facts) {
 }
 
 std::uint16_t ProtocolTree::Child(std::uint16_t parent, std::uint16_t protocol) {
-  std::uint16_t place = FindSlot(parent, protocol).load(std::memory_order_acquire);
-  return place != 0 || !MayFollow(parent, protocol) ? place : AddChild(parent, protocol);
+  Place place{parent, protocol};
+  std::uint16_t number = Number(place);
+  if (Contains(number)) return number;
+  return MayFollow(place) ? AddChild(place) : std::uint16_t{0};
 }
 
-std::uint16_t ProtocolTree::AddChild(std::uint16_t parent, std::uint16_t protocol) {
+std::uint16_t ProtocolTree::AddChild(Place place) {
   std::lock_guard lock(adding_);
-  Slot& slot = FindSlot(parent, protocol);
-  std::uint16_t place = slot.load(std::memory_order_relaxed);
-  std::size_t number = count_.load(std::memory_order_relaxed);
-  if (place != 0 || number == kMaxPlaces) return place;
-  place = static_cast<std::uint16_t>(number);
-  places_[place] = {parent, protocol};
-  count_.store(number + 1, std::memory_order_release);
-  slot.store(place, std::memory_order_release);
-  return place;
+  std::uint16_t number = Number(place);
+  if (Contains(number)) return number;
+  if (count_ == kMaxPlaces) return 0;
+  ++count_;
+  places_[number].store(place, std::memory_order_release);
+  return number;
 }
 
-ProtocolTree::Slot& ProtocolTree::FindSlot(std::uint16_t parent, std::uint16_t protocol) {
-  std::uint32_t key = (std::uint32_t{parent} << 16) | protocol;
-  std::size_t at = (key * 0x9E3779B1U) >> 8;
-  for (;; ++at) {
-    Slot& slot = slots_[at % kSlots];
-    std::uint16_t place = slot.load(std::memory_order_acquire);
-    if (place == 0 || (places_[place].parent == parent && places_[place].protocol == protocol)) return slot;
+std::uint16_t ProtocolTree::Number(Place place) const {
+  std::uint32_t mixed = (name_hashes_[place.protocol] ^ (place.parent * 0x9E3779B1U)) * 0x85EBCA6BU;
+  for (std::size_t at = mixed >> 16;; at = (at + 1) % kNumbers) {
+    auto number = static_cast<std::uint16_t>(at);
+    if (number == 0) continue;
+    Place there = At(number);
+    if (there == place || there.protocol == 0) return number;
   }
 }
 
-bool ProtocolTree::MayFollow(std::uint16_t parent, std::uint16_t protocol) const {
+bool ProtocolTree::MayFollow(Place place) const {
   int repeats = 0;
-  for (; parent != 0; parent = places_[parent].parent) repeats += places_[parent].protocol == protocol;
+  for (std::uint16_t up = place.parent; up != 0; up = parent(up)) repeats += At(up).protocol == place.protocol;
   return repeats < kMaxRepeats;
 }
 
 std::string_view ProtocolTree::name(std::uint16_t number) const {
-  return Contains(number) ? ProtocolRegistry::Get().protocol(places_[number].protocol).name : std::string_view();
+  return ProtocolRegistry::Get().protocol(At(number).protocol).name;
 }
 
 }  // namespace orvo

@@ -22,7 +22,7 @@ void AppendHex(Octets octets, std::u16string* text) {
 
 void AppendNumber(std::uint32_t number, int base, std::u16string* text) {
   std::array<char, 16> digits;  // NOLINT(cppcoreguidelines-pro-type-member-init)
-  auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number, base).ptr;
+  char* end = std::to_chars(digits.data(), digits.data() + digits.size(), number, base).ptr;
   text->append(digits.data(), end);
 }
 

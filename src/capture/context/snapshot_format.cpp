@@ -18,7 +18,7 @@ constexpr std::uint32_t kVersion = 1;
 constexpr std::size_t kHeaderLength = 8 + 4 + 4 + 8;
 constexpr std::size_t kChecksumStart = 16;
 constexpr std::uint64_t kLongestBody = std::uint64_t{1} << 30;
-constexpr std::size_t kStep = 64 * 1024;
+constexpr std::size_t kStep = std::size_t{64} * 1024;
 
 constexpr std::uint32_t Tag(const char (&name)[5]) {
   std::uint32_t tag = 0;

@@ -11,7 +11,7 @@ bool SummaryCatalogue::Index() {
   }
   for (std::uint32_t i = 0; i < statistics.size(); ++i) {
     const Guid& identifier = statistics[i].identifier;
-    if (group_positions.count(identifier) != 0) return false;
+    if (group_positions.contains(identifier)) return false;
     if (!statistic_positions.emplace(identifier, i).second) return false;
   }
   return true;

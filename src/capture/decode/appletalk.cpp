@@ -14,7 +14,7 @@ constexpr std::uint8_t kBroadcastNode = 255;
 
 void SetAppleTalkAddress(AddressRecord* record, Bytes header, std::size_t network, std::size_t node) {
   const std::uint8_t bytes[] = {header[network], header[network + 1], header[node]};
-  SetAddress(record, kAddressAppleTalk, bytes, kAddressLength);
+  SetAddress<kAddressLength>(record, kAddressAppleTalk, bytes);
 }
 
 Payload DecodeDatagram(Bytes bytes, PacketFacts& facts) {

@@ -9,6 +9,7 @@ namespace orvo {
 namespace {
 
 constexpr std::size_t kLengthField = 2;
+constexpr std::uint8_t kAddressLength = 2;
 constexpr std::uint8_t kIsPadding = 0x80;
 constexpr std::uint8_t kIsControl = 0x01;
 
@@ -33,7 +34,7 @@ constexpr std::array kLayouts{
 
 void SetDecnetAddress(AddressRecord* record, Bytes message, std::size_t at) {
   const std::uint8_t bytes[] = {message[at + 1], message[at]};
-  SetAddress(record, kAddressDecnet, bytes, sizeof bytes);
+  SetAddress<kAddressLength>(record, kAddressDecnet, bytes);
 }
 
 void ReadMessage(Bytes bytes, PacketFacts& facts) {

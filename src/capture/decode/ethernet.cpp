@@ -24,8 +24,8 @@ Payload DecodeEthernet(Bytes bytes, PacketFacts& facts) {
     return {};
   }
   if (AddressPair* pair = facts.AddPhysicalPair()) {
-    SetAddress(&pair->destination, kAddressPhysical, bytes.data(), kAddressLength);
-    SetAddress(&pair->source, kAddressPhysical, bytes.data() + kAddressLength, kAddressLength);
+    SetAddress<kAddressLength>(&pair->destination, kAddressPhysical, bytes.data());
+    SetAddress<kAddressLength>(&pair->source, kAddressPhysical, bytes.data() + kAddressLength);
     pair->delivery = DeliveryTo(pair->destination);
   }
   return BehindTypeOrLength(Read16(bytes, kHeaderLength - 2), bytes.subspan(kHeaderLength), facts);

@@ -33,8 +33,8 @@ Payload DecodeIpv4(Bytes bytes, PacketFacts& facts) {
     return {};
   }
   if (AddressPair* pair = facts.AddNetworkPair()) {
-    SetAddress(&pair->source, kAddressIp, bytes.data() + 12, kAddressLength);
-    SetAddress(&pair->destination, kAddressIp, bytes.data() + 16, kAddressLength);
+    SetAddress<kAddressLength>(&pair->source, kAddressIp, bytes.data() + 12);
+    SetAddress<kAddressLength>(&pair->destination, kAddressIp, bytes.data() + 16);
     pair->delivery = DeliveryTo(pair->destination);
   }
   if (total > bytes.size() && !facts.is_fragment) facts.MarkShort();

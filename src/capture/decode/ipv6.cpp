@@ -20,8 +20,8 @@ Payload DecodeIpv6(Bytes bytes, PacketFacts& facts) {
     return {};
   }
   if (AddressPair* pair = facts.AddNetworkPair()) {
-    SetAddress(&pair->source, kAddressIpv6, bytes.data() + 8, kAddressLength);
-    SetAddress(&pair->destination, kAddressIpv6, bytes.data() + 24, kAddressLength);
+    SetAddress<kAddressLength>(&pair->source, kAddressIpv6, bytes.data() + 8);
+    SetAddress<kAddressLength>(&pair->destination, kAddressIpv6, bytes.data() + 24);
     pair->delivery = bytes[24] == 0xFF ? Delivery::kMulticast : Delivery::kUnicast;
   }
   std::size_t length = Read16(bytes, 4);

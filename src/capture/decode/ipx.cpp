@@ -34,8 +34,8 @@ Payload DecodeIpx(Bytes bytes, PacketFacts& facts) {
     return {};
   }
   if (AddressPair* pair = facts.AddNetworkPair()) {
-    SetAddress(&pair->destination, kAddressIpx, bytes.data() + kDestination, kAddressLength);
-    SetAddress(&pair->source, kAddressIpx, bytes.data() + kSource, kAddressLength);
+    SetAddress<kAddressLength>(&pair->destination, kAddressIpx, bytes.data() + kDestination);
+    SetAddress<kAddressLength>(&pair->source, kAddressIpx, bytes.data() + kSource);
     Bytes node = bytes.subspan(kDestination + kNode, kAddressLength - kNode);
     bool all = std::all_of(node.begin(), node.end(), [](std::uint8_t byte) { return byte == 0xFF; });
     pair->delivery = all ? Delivery::kBroadcast : Delivery::kUnicast;

@@ -54,7 +54,7 @@ Payload DecodeCooked(Bytes bytes, PacketFacts& facts) {
   std::uint16_t hardware = Read16(bytes, layout.hardware);
   if (HasPhysicalAddress(hardware, bytes[layout.address_length])) {
     if (AddressPair* pair = facts.AddPhysicalPair()) {
-      SetAddress(&pair->source, kAddressPhysical, bytes.data() + layout.address, kPhysicalLength);
+      SetAddress<kPhysicalLength>(&pair->source, kAddressPhysical, bytes.data() + layout.address);
       pair->delivery = DeliveryOf(bytes[layout.packet_type]);
     }
   }

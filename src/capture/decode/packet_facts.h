@@ -4,6 +4,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <tuple>
 
 #include "capture/source/packet.h"
 #include "engine/address.h"
@@ -97,14 +99,12 @@ struct PacketFacts {
   }
 };
 
-/// Fills a record with `length` bytes, which are there.
-inline void SetAddress(AddressRecord* record, AddressType type, const std::uint8_t* bytes, std::uint8_t length) {
-  record->valid = 1;
-  record->type = type;
-  record->length = length;
-  record->reserved = 0;
-  std::copy_n(bytes, length, record->bytes.begin());
-  std::fill(record->bytes.begin() + length, record->bytes.end(), std::uint8_t{0});
+/// Fills a record with the first `length` bytes, which are there.
+template <std::uint8_t length>
+void SetAddress(AddressRecord* record, AddressType type, const std::uint8_t* bytes) {
+  static_assert(length <= std::tuple_size_v<decltype(record->bytes)>);
+  *record = {1, type, length, 0, {}};
+  std::memcpy(record->bytes.data(), bytes, length);
 }
 
 inline std::uint16_t Read16(Bytes bytes, std::size_t at) {

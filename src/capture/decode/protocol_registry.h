@@ -58,9 +58,9 @@ struct Protocol {
 /// nothing else has to know the file. (The engine is linked as objects, so that no linker leaves the file out.)
 class ProtocolRegistration {
  public:
-  explicit ProtocolRegistration(std::span<const Protocol> protocols);
+  explicit ProtocolRegistration(std::span<const Protocol> registered);
   /// For protocols that are not known at compile time: asked once, when the registry is made. They must stay.
-  explicit ProtocolRegistration(std::span<const Protocol> (*protocols_later)());
+  explicit ProtocolRegistration(std::span<const Protocol> (*registered_later)());
 
   std::span<const Protocol> protocols() const { return later_ ? later_() : protocols_; }
   const ProtocolRegistration* next() const { return next_; }

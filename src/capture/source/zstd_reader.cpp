@@ -1,0 +1,85 @@
+#include "capture/source/zstd_reader.h"
+
+#include <zstd.h>
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+namespace orvo {
+namespace {
+
+constexpr int kWindowLogMax = 27;
+/// What the shortest header of a frame needs.
+constexpr std::size_t kFrameStart = 5;
+
+struct FreeStream {
+  void operator()(ZSTD_DStream* stream) const { ZSTD_freeDStream(stream); }
+};
+
+class ZstdReader final : public ByteReader {
+ public:
+  explicit ZstdReader(ByteWindow packed) : packed_(std::move(packed)), stream_(ZSTD_createDStream()) {
+    if (!stream_ || ZSTD_isError(ZSTD_DCtx_setParameter(stream_.get(), ZSTD_d_windowLogMax, kWindowLogMax))) {
+      throw std::bad_alloc();
+    }
+  }
+
+  std::size_t Read(std::uint8_t* room, std::size_t size) override {
+    ZSTD_outBuffer out{room, size, 0};
+    while (!ended_ && out.pos == 0) Step(&out);
+    return out.pos;
+  }
+
+  std::uint64_t position() const override { return packed_.position(); }
+  std::uint64_t size() const override { return packed_.size(); }
+  const std::string& problem() const override { return problem_; }
+
+ private:
+  /// Unpacks some more, one block at most: of a call that fails, nothing is kept.
+  void Step(ZSTD_outBuffer* out) {
+    const std::uint8_t* packed = packed_.Look(1);
+    // What was unpacked and found no room comes out without further input.
+    if (!packed && !pending_) return EndOfInput();
+    ZSTD_inBuffer in{packed, packed ? std::min(packed_.left(), wanted_) : 0, 0};
+    const std::size_t result = ZSTD_decompressStream(stream_.get(), out, &in);
+    if (ZSTD_isError(result)) return End(std::string("its compressed data is damaged: ") + ZSTD_getErrorName(result));
+    packed_.Take(in.pos);
+    within_frame_ = result != 0;
+    wanted_ = within_frame_ ? result : kFrameStart;
+    pending_ = within_frame_ && out->pos == out->size;
+    if (packed && in.pos == 0 && out->pos == 0) End("its compressed data is damaged");
+  }
+
+  void EndOfInput() {
+    if (!packed_.problem().empty()) return End(packed_.problem());
+    End(within_frame_ ? "its compressed data is cut off" : "");
+  }
+
+  void End(std::string problem) {
+    problem_ = std::move(problem);
+    ended_ = true;
+  }
+
+  ByteWindow packed_;
+  std::unique_ptr<ZSTD_DStream, FreeStream> stream_;
+  std::string problem_;
+  std::size_t wanted_ = kFrameStart;  // bytes up to the next block's end
+  bool within_frame_ = false;
+  bool pending_ = false;  // the last step filled all room, so there may be more
+  bool ended_ = false;
+};
+
+}  // namespace
+
+bool IsZstd(const std::uint8_t* magic) {
+  const std::uint32_t number =
+      magic[0] | (std::uint32_t{magic[1]} << 8) | (std::uint32_t{magic[2]} << 16) | (std::uint32_t{magic[3]} << 24);
+  return number == ZSTD_MAGICNUMBER || (number & ZSTD_MAGIC_SKIPPABLE_MASK) == ZSTD_MAGIC_SKIPPABLE_START;
+}
+
+std::unique_ptr<ByteReader> MakeZstdReader(ByteWindow packed) {
+  return std::make_unique<ZstdReader>(std::move(packed));
+}
+
+}  // namespace orvo
