@@ -4,13 +4,14 @@
 
 # What may follow each word: its options.
 declare -gA _orvo_report_options=(
-  [make]='--out --format --filter --settings --set --live --no-names --locale --code-page --no-progress --help'
+  [make]='--out --format --filter --settings --set --live --no-names --hosts --limit --locale --code-page --no-progress --help'
   [settings]='--settings --set --help'
   [classes]='--help'
   [register]='--help'
   [unregister]='--help'
 )
 _orvo_report_words='make settings classes register unregister --help --version'
+_orvo_report_limits='addresses= hierarchy= conversations= flows= names='
 _orvo_report_formats='csv tab'
 _orvo_report_filters='arp broadcast ether host icmp icmp6 ip ip6 multicast net not port portrange tcp udp vlan'
 _orvo_report_code_pages='UTF-8 US-ASCII ISO-8859-1 ISO-8859-15 windows-1250 windows-1251 windows-1252 Shift_JIS'
@@ -31,7 +32,7 @@ _orvo_report_value() {
   local option=$1 current=$2
   case $option in
     --out) _orvo_report_paths -d "$current" ;;
-    --settings) _orvo_report_paths -f "$current" ;;
+    --settings | --hosts) _orvo_report_paths -f "$current" ;;
     --format)
       # Formats are joined by commas: offer the next one behind those that are there.
       local done_part=
@@ -48,6 +49,10 @@ _orvo_report_value() {
       switches=$(orvo-report settings 2>/dev/null | grep -oE '[A-Za-z0-9]+="-?[0-9]+"' | sed 's/=.*/=/')
       compopt -o nospace 2>/dev/null
       _orvo_report_offer "$switches" "$current"
+      ;;
+    --limit)
+      compopt -o nospace 2>/dev/null
+      _orvo_report_offer "$_orvo_report_limits" "$current"
       ;;
     --locale) _orvo_report_offer "$(locale -a 2>/dev/null)" "$current" ;;
     --filter) _orvo_report_offer "$_orvo_report_filters" "$current" ;;

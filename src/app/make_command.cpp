@@ -10,6 +10,7 @@
 
 #include "app/component.h"
 #include "app/formats.h"
+#include "app/limits.h"
 #include "app/messages.h"
 #include "app/options.h"
 #include "app/progress.h"
@@ -29,6 +30,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr const char* kSystemHosts = "/etc/hosts";
+/// Where Debian's package ieee-data keeps the registries of physical addresses.
+constexpr const char* kVendorFolder = "/usr/share/ieee-data";
+
 struct MakeOptions {
   std::vector<std::string> captures;
   std::string out;
@@ -37,6 +42,8 @@ struct MakeOptions {
   SettingsOptions settings;
   std::string locale;
   std::string code_page;
+  std::string hosts;
+  std::vector<std::string> limits;
   bool live = false;
   bool no_names = false;
   bool no_progress = false;
@@ -89,6 +96,12 @@ std::unique_ptr<PacketFilter> MakeFilter(const std::string& expression) {
   auto filter = PacketFilter::Make(expression, &error);
   if (!filter) throw CommandError(kUsage, fmt::format("--filter {}", error.message));
   return filter;
+}
+
+/// Names from the system's file, where there is one, and from the user's, which counts more.
+void LearnHosts(const MakeOptions& options, CaptureEngine& engine) {
+  engine.LearnHosts(kSystemHosts);
+  if (!options.hosts.empty()) Require(engine.LearnHosts(options.hosts), options.hosts);
 }
 
 using Sources = std::vector<std::unique_ptr<PacketSource>>;
@@ -191,7 +204,10 @@ int Make(const MakeOptions& options) {
   (void)ParseFormats(options.formats);
   ComPtr<IStatsOutputPrefs> preferences = LoadPreferences(options.settings);
   const std::unique_ptr<PacketFilter> filter = MakeFilter(options.filter);
-  CaptureEngine engine({.plain_addresses = options.no_names});
+  EngineOptions engine_options{.plain_addresses = options.no_names, .vendor_folder = kVendorFolder};
+  ApplyLimits(options.limits, &engine_options);
+  CaptureEngine engine(engine_options);
+  LearnHosts(options, engine);
   Require(engine.RegisterClasses(), "the capture engine");
   const Sources sources = OpenCaptures(options.captures);
   const std::vector<Target> targets = MakeTargets(options);
@@ -227,6 +243,12 @@ void AddMakeCommand(CLI::App& parser, Verb* verb) {
   AddSettingsOptions(*command, &options->settings);
   command->add_flag("--live", options->live, "Report straight from the live statistics, marked with the current time");
   command->add_flag("--no-names", options->no_names, "Write plain addresses instead of names");
+  command->add_option("--hosts", options->hosts, "Names of addresses, in the form of /etc/hosts, before all others")
+      ->type_name("FILE")
+      ->check(NotEmpty());
+  command->add_option("--limit", options->limits, "Rows that the engine keeps, as a bound on memory: " + LimitNames())
+      ->type_name("NAME=N")
+      ->allow_extra_args(false);
   command->add_option("--locale", options->locale, "Locale of dates and times (default: the environment's)")
       ->type_name("NAME")
       ->check(NotEmpty());

@@ -4,9 +4,12 @@
 
 #include <atomic>
 #include <map>
+#include <numeric>
 #include <thread>
 
 #include "engine/categories.h"
+#include "engine/graphs.h"
+#include "platform/class_factory.h"
 #include "platform/object.h"
 #include "tests/capture/engine_fixture.h"
 
@@ -96,7 +99,7 @@ TEST(Engine, PutsLogicalAddressesBehindPhysicalOnes) {
   EXPECT_EQ(found, expected);
 }
 
-TEST(Engine, CountsEachPacketUnderOneProtocolAndOneSize) {
+TEST(Engine, CountsEachPacketUnderOneProtocol) {
   CaptureEngine engine;
   FeedSmallCapture(&engine);
   View view(engine);
@@ -115,34 +118,19 @@ TEST(Engine, CountsEachPacketUnderOneProtocolAndOneSize) {
   EXPECT_EQ(found, (std::map<std::string, std::uint64_t>{{"DNS", 2}, {"ARP", 1}, {"mDNS", 1}}));
   const ProtocolEntry* entry = nullptr;
   EXPECT_EQ(protocols->FindByKey(view.Index("10.0.0.1"), &entry), S_FALSE);
-
-  const std::uint64_t* buckets = nullptr;
-  std::uint32_t scheme = 0;
-  auto sizes = view.Get(kSizeCategory);
-  ASSERT_EQ(sizes->GetBuckets(&buckets, &count), S_OK);
-  ASSERT_EQ(sizes->GetScheme(&scheme), S_OK);
-  EXPECT_EQ(scheme, kSizesEthernet);
-  EXPECT_EQ(std::vector<std::uint64_t>(buckets, buckets + count), (std::vector<std::uint64_t>{3, 1, 0, 0, 0, 0}));
 }
 
-TEST(Engine, PutsEverySizeInABucket) {
-  const std::pair<std::uint32_t, std::size_t> cases[] = {{0, 0},    {64, 0},   {65, 1},   {128, 1},  {255, 1},
-                                                         {256, 2},  {511, 2},  {512, 3},  {1023, 3}, {1024, 4},
-                                                         {1517, 4}, {1518, 5}, {70000, 5}};
-  for (auto [size, bucket] : cases) {
+TEST(Engine, ALengthDoesNotReadAsNoLength) {
+  for (std::uint32_t size : {0U, 1514U, 0xFFFEU, 0xFFFFU, 70'000U}) {
     CaptureEngine engine;
     Buffer frame = Ethernet(Mac(2), Mac(1), 0x0806, Arp());
     Packet packet = MakePacket(frame);
     packet.original_length = size;
     engine.Feed(packet);
-    View view(engine);
-    const std::uint64_t* buckets = nullptr;
-    std::uint32_t count = 0;
-    ASSERT_EQ(view.Get(kSizeCategory)->GetBuckets(&buckets, &count), S_OK);
-    EXPECT_EQ(buckets[bucket], 1U) << size;
     const NodeEntry* node = nullptr;
-    ASSERT_EQ(view.Get(kNodeCategory)->GetEntry(0, &node), S_OK);
-    EXPECT_EQ(node->min_size_sent, std::min(size, 0xFFFEU)) << "a length must not read as no length";
+    auto nodes = View(engine).Get(kNodeCategory);
+    ASSERT_EQ(nodes->GetEntry(0, &node), S_OK);
+    EXPECT_EQ(node->min_size_sent, std::min(size, 0xFFFEU));
   }
 }
 
@@ -223,15 +211,14 @@ TEST(Engine, AnEmptyCaptureIsAvailable) {
   EXPECT_EQ(medium, kMediumEthernet);
   EXPECT_EQ(subtype, kSubtypeWired);
   EXPECT_EQ(context->GetTotalPackets(nullptr), E_POINTER);
-  EXPECT_EQ(engine.Graphs().get(), nullptr);
 }
 
 TEST(Engine, AnswersNoCategoryThatItLacks) {
   CaptureEngine engine;
   ComPtr<IStatsContext> context = engine.Context();
   ComPtr<IUnknown> object;
-  for (const Guid& category : {kWirelessNodeCategory.identifier, kWirelessChannelCategory.identifier,
-                               kExpertCategory.identifier, kTrafficHistoryCategory.identifier, Guid{}}) {
+  for (const Guid& category :
+       {kWirelessNodeCategory.identifier, kWirelessChannelCategory.identifier, kExpertCategory.identifier, Guid{}}) {
     EXPECT_EQ(context->GetCategory(category, IUnknown::kIid, object.OutVoid()), E_NOINTERFACE);
     EXPECT_FALSE(object);
   }
@@ -282,7 +269,54 @@ TEST(Engine, LimitsBoundTheTablesAndTheSummarySaysSo) {
   EXPECT_EQ(view.context->GetTotalPackets(&packets), S_OK);
   EXPECT_EQ(packets, 4U);
   EXPECT_EQ(view.Value("Packets of Addresses Not Listed").first, 4U);
-  EXPECT_EQ(view.Value("Packets of Conversations Not Listed").first, 3U);
+  EXPECT_EQ(view.Value("Packets of Conversations Not Listed").first, 1U);
+  EXPECT_EQ(view.Value("Packets of Hierarchy Rows Not Listed").first, 3U);
+}
+
+// Whatever the limits: both ends of a listed conversation have nodes, its protocol has an entry, and walking the types
+// meets every conversation once.
+TEST(Engine, ListedConversationsAreWholeUnderEveryLimit) {
+  for (std::size_t limit = 0; limit <= 8; ++limit) {
+    EngineOptions options;
+    options.max_addresses = limit;
+    options.max_hierarchy_rows = limit / 2;
+    CaptureEngine engine(options);
+    FeedSmallCapture(&engine);
+    ASSERT_EQ(engine.Context()->ResetStatistics(), S_OK);  // addresses stay, their nodes do not
+    FeedSmallCapture(&engine);
+    View view(engine);
+    ComPtr<IConversationIndex> index;
+    ASSERT_EQ(view.context->GetConversationIndex(index.Out()), S_OK);
+    auto conversations = view.Get(kConversationCategory);
+    auto nodes = view.Get(kNodeCategory);
+    auto protocols = view.Get(kProtocolCategory);
+    std::uint32_t count = 0;
+    ASSERT_EQ(conversations->GetCount(&count), S_OK);
+    std::uint32_t walked = 0;
+    for (unsigned type = 0; type < 256; ++type) {
+      std::uint64_t key = 0;
+      std::uint64_t previous = 0;
+      for (Status status = index->FirstOfType(static_cast<std::uint8_t>(type), &key); status == S_OK;
+           status = index->NextOfType(key, &key)) {
+        EXPECT_GT(key, previous) << "in order of first appearance";
+        previous = key;
+        ++walked;
+        ConversationEndpoints ends;
+        const NodeEntry* node = nullptr;
+        const ProtocolEntry* protocol = nullptr;
+        const AddressRecord* source = nullptr;
+        ASSERT_EQ(index->Resolve(key, &ends), S_OK);
+        EXPECT_EQ(nodes->FindByAddress(ends.source, &node), S_OK);
+        EXPECT_EQ(nodes->FindByAddress(ends.destination, &node), S_OK);
+        EXPECT_EQ(protocols->FindByKey(ends.protocol, &protocol), S_OK);
+        ASSERT_EQ(view.addresses->GetRecord(ends.source, &source), S_OK);
+        EXPECT_EQ(source->type, type);
+      }
+    }
+    EXPECT_EQ(walked, count) << limit;
+    EXPECT_EQ(count, limit < 2 ? 0U : count);
+    EXPECT_EQ(view.Value("Packets of Addresses Not Listed").first == 0, limit >= 7) << limit;
+  }
 }
 
 class CountingObserver final : public Object<IReportObserver> {
@@ -321,14 +355,32 @@ TEST(Engine, OnlyALiveCaptureHasASite) {
   }
 }
 
-TEST(Engine, ReadsAndFeedsAtTheSameTime) {
+/// Words every address, as a report does.
+void AppendNames(const View& view, IAddressNameService* names) {
+  std::uint32_t count = 0;
+  view.addresses->GetCount(&count);
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const AddressRecord* record = nullptr;
+    std::u16string text;
+    ASSERT_EQ(view.addresses->GetRecord(i, &record), S_OK);
+    ASSERT_EQ(names->AppendAddressText(*record, &text), S_OK);
+    EXPECT_FALSE(text.empty());
+  }
+}
+
+TEST(EngineThreads, ReadAndFeedAtTheSameTime) {
   CaptureEngine engine;
+  ASSERT_EQ(engine.RegisterClasses(), S_OK);
+  ComPtr<IAddressNameService> names;
+  ASSERT_EQ(CreateInstance(kAddressNameServiceClass, &names), S_OK);
+  // A name server's answer: the name "n" belongs to 10.0.0.2.
+  const Buffer answer = {0, 1, 0x80, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 'n', 0, 0, 1, 0, 1, 0, 0, 0, 9, 0, 4, 10, 0, 0, 2};
   std::atomic<bool> done = false;
   std::thread feeder([&] {
     for (int round = 0; round < 300; ++round) {
       Buffer frame = Ethernet(Mac(2), Mac(static_cast<std::uint8_t>(round)), 0x0800,
-                              Ipv4(Ip4(static_cast<std::uint8_t>(round)), Ip4(2), 17, Udp(1, 53)));
-      engine.Feed(MakePacket(frame));
+                              Ipv4(Ip4(static_cast<std::uint8_t>(round)), Ip4(2), 17, Udp(53, 1, answer)));
+      engine.Feed(MakePacket(frame, kNewYear + static_cast<std::uint64_t>(round) * kSecond));
       FeedSmallCapture(&engine);
     }
     done = true;
@@ -347,6 +399,27 @@ TEST(Engine, ReadsAndFeedsAtTheSameTime) {
     }
     view.context->GetTotalPackets(&packets);
     EXPECT_EQ(sent, packets) << "every packet has one physical sender";
+
+    std::uint64_t bytes = 0;
+    view.context->GetTotalBytes(&bytes);
+    const double* rates = nullptr;
+    std::uint32_t seconds = 0;
+    auto history = view.Get(kTrafficHistoryCategory);
+    history->GetSamples(&rates, &count);
+    history->GetInterval(&seconds);
+    EXPECT_NEAR(std::accumulate(rates, rates + count, 0.0) * seconds, static_cast<double>(bytes), 0.5);
+
+    ComPtr<IGraphCollection> graphs = engine.Graphs();
+    ComPtr<IGraph> graph;
+    ComPtr<IGraphSeries> series;
+    graphs->GetCount(&count);
+    ASSERT_EQ(graphs->GetGraph(1, graph.Out()), S_OK);
+    ASSERT_EQ(graph->GetSeries(series.Out()), S_OK);
+    std::vector<double> points(400);
+    count = 400;
+    ASSERT_EQ(series->GetSamples(0, 0, 0, &count, points.data(), nullptr), S_OK);
+    EXPECT_EQ(std::accumulate(points.begin(), points.begin() + count, 0.0), static_cast<double>(packets));
+    AppendNames(view, names.get());
   }
   feeder.join();
   EXPECT_EQ(engine.packets(), 1500U);

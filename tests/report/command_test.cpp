@@ -17,8 +17,10 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::AllOf;
+using testing::Contains;
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 constexpr const char* kSample = ORVO_SOURCE_DIR "/samples/office.pcapng";
@@ -63,6 +65,10 @@ TEST(CommandTest, WrongUsageIsOneLineAndStatusTwo) {
       {{"make", kSample, "--out", folder.Path(), "--locale", "xx_YY"}, "--locale xx_YY"},
       {{"make", kSample, "--out", folder.Path(), "--code-page", "klingon"}, "--code-page klingon"},
       {{"make", kSample, "--out", folder.Path(), "--code-page", "UTF-16"}, "--code-page UTF-16"},
+      {{"make", kSample, "--out", folder.Path(), "--limit", "rows=1"}, "--limit rows: there is no such limit"},
+      {{"make", kSample, "--out", folder.Path(), "--limit", "names"}, "must read NAME=N"},
+      {{"make", kSample, "--out", folder.Path(), "--limit", "names=-1"}, "whole number"},
+      {{"make", kSample, "--out", folder.Path(), "--limit", "names=1000000001"}, "whole number"},
       {{"settings", "--set", "x\x1b[31my=1"}, "x?[31my"},
       {{"settings", "--set",
         "x\xC2\x9B"
@@ -265,6 +271,44 @@ TEST(CommandTest, SettingsGoRoundTripAndTellWhatIsWrong) {
   }
 }
 
+TEST(CommandTest, LimitsFoldAwayAndAreToldInTheSummary) {
+  TemporaryFolder folder;
+  ASSERT_EQ(RunCommand({"make", kSample, "--out", folder.Path("out"), "--limit", "conversations=9", "--limit",
+                        "conversations=2", "--limit", "names=0"})
+                .exit_status,
+            0);
+  EXPECT_EQ(Lines(folder.Read("out/Node-Protocol Detail Statistics.csv")).size(), 3U);
+  const std::string summary = folder.Read("out/Summary Statistics.csv");
+  for (const char* statistic : {"Packets of Conversations Not Listed,-,", "Names Not Listed,"}) {
+    const std::size_t at = summary.find(statistic);
+    ASSERT_NE(at, std::string::npos) << statistic;
+    EXPECT_NE(summary[at + std::string_view(statistic).size()], '0') << statistic;
+  }
+}
+
+TEST(CommandTest, NamesComeFromTheHostsFileAndTheCapture) {
+  TemporaryFolder folder;
+  const auto addresses = [&](const std::string& name, const std::vector<std::string>& options) {
+    std::vector<std::string> arguments = {"make", kSample, "--out", folder.Path(name)};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    EXPECT_EQ(RunCommand(arguments).exit_status, 0);
+    std::vector<std::string> found;
+    for (const std::string& line : Lines(folder.Read(name + "/Node Statistics-IP.csv"))) {
+      found.push_back(line.substr(line.find(',') + 1, line.find(',', line.find(',') + 1) - line.find(',') - 1));
+    }
+    return found;
+  };
+  EXPECT_THAT(addresses("plain", {"--no-names"}), AllOf(Contains("192.0.2.21"), Contains("192.0.2.10")));
+  folder.Write("hosts", "192.0.2.21 desk # a remark\n");
+  const std::vector<std::string> named = addresses("named", {"--hosts", folder.Path("hosts")});
+  EXPECT_THAT(named, AllOf(Contains("desk"), Not(Contains("192.0.2.21")))) << "a line of the file";
+  EXPECT_THAT(named, Contains("www.example.com")) << "an answer in the capture";
+  const CommandResult missing = RunCommand({"make", kSample, "--out", folder.Path("x"), "--hosts", folder.Path("no")});
+  EXPECT_EQ(missing.exit_status, 1);
+  ExpectOneMessage(missing, folder.Path("no"));
+  EXPECT_FALSE(folder.Has("x"));
+}
+
 TEST(CommandTest, ClassesAreFoundBesideTheCommandAndInTheRegistry) {
   TemporaryFolder folder;
   const std::vector<std::pair<std::string, std::string>> registry = {
@@ -279,7 +323,7 @@ TEST(CommandTest, ClassesAreFoundBesideTheCommandAndInTheRegistry) {
   EXPECT_EQ(RunCommand({"register"}, registry).exit_status, 0) << "again changes nothing";
   const CommandResult registered = RunCommand({"classes"}, registry);
   EXPECT_THAT(registered.output,
-              AllOf(HasSubstr("OrvoReports.1"), HasSubstr("registered: "), testing::Not(HasSubstr("beside"))));
+              AllOf(HasSubstr("OrvoReports.1"), HasSubstr("registered: "), Not(HasSubstr("beside"))));
   EXPECT_EQ(RunCommand({"make", kSample, "--out", folder.Path("out")}, registry).exit_status, 0);
 
   EXPECT_EQ(RunCommand({"unregister"}, registry).exit_status, 0);
@@ -337,7 +381,7 @@ TEST(CommandTest, MessagesThatCannotBePrintedChangeNothingElse) {
     EXPECT_EQ(RunProgram("/bin/sh", {"-c", command + "/nonexistent.pcap" + closed}).exit_status, 1) << closed;
     EXPECT_EQ(RunProgram("/bin/sh", {"-c", command + folder.Path("cut.pcap") + closed}).exit_status, 0) << closed;
   }
-  EXPECT_THAT(folder.Read("out/Node Statistics-IP.csv"), testing::Not(HasSubstr("warning")));
+  EXPECT_THAT(folder.Read("out/Node Statistics-IP.csv"), Not(HasSubstr("warning")));
 }
 
 }  // namespace

@@ -38,7 +38,7 @@ TEST_P(WholeReportTest, IsTheReviewedOne) {
   const fs::path expected = fs::path(ORVO_SOURCE_DIR "/tests/report/expected") / GetParam().name;
   TemporaryFolder folder;
   std::vector<std::string> arguments = {"make", ORVO_SOURCE_DIR "/samples/" + std::string(GetParam().capture), "--out",
-                                        folder.Path()};
+                                        folder.Path(), "--no-names"};
   arguments.insert(arguments.end(), GetParam().options.begin(), GetParam().options.end());
   const CommandResult result = RunCommand(arguments);
   ASSERT_EQ(result.exit_status, 0) << result.messages;

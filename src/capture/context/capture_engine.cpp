@@ -6,9 +6,10 @@
 
 #include "capture/context/engine_context.h"
 #include "capture/context/engine_core.h"
-#include "capture/context/name_directory.h"
+#include "capture/context/engine_graphs.h"
 #include "capture/context/name_services.h"
 #include "capture/context/stats_snapshot.h"
+#include "capture/names/hosts_file.h"
 #include "engine/protocols.h"
 #include "platform/class_factory.h"
 #include "platform/error.h"
@@ -42,7 +43,6 @@ struct CaptureEngine::Parts {
   explicit Parts(const EngineOptions& options) : core(std::make_shared<EngineCore>(options)) {}
 
   std::shared_ptr<EngineCore> core;
-  std::shared_ptr<NameDirectory> names = std::make_shared<NameDirectory>();
   std::vector<std::uint32_t> cookies;
 };
 
@@ -68,14 +68,21 @@ ComPtr<IStatsContext> CaptureEngine::Context() {
   return MakeEngineContext(parts_->core);
 }
 
+ComPtr<IGraphCollection> CaptureEngine::Graphs() {
+  return MakeEngineGraphs(parts_->core);
+}
+
 void CaptureEngine::SetObserver(IReportObserver* observer) {
   parts_->core->SetObserver(observer);
 }
 
 Status CaptureEngine::RegisterClasses() {
   Status status = Guard([&] {
-    std::shared_ptr<const NameDirectory> names;
-    if (!parts_->core->options().plain_addresses) names = parts_->names;
+    const EngineOptions& options = parts_->core->options();
+    AddressNames names{parts_->core->names(), nullptr};
+    if (!options.plain_addresses && !options.vendor_folder.empty()) {
+      names.vendors = std::make_shared<VendorTable>(options.vendor_folder);
+    }
     const std::pair<Guid, Maker> classes[] = {
         {kAddressNameServiceClass, [names] { return MakeAddressNameService(names); }},
         {kProtocolNameServiceClass, MakeProtocolNameService},
@@ -102,7 +109,19 @@ void CaptureEngine::StoreSummary(std::u16string_view name) {
 }
 
 bool CaptureEngine::LearnName(const AddressRecord& address, std::u16string_view name) {
-  return parts_->names->Learn(address, name);
+  NameDirectory* names = parts_->core->names().get();
+  return names && names->Learn(address, name, NameSource::kGiven);
+}
+
+Status CaptureEngine::LearnHosts(const std::string& path) {
+  NameDirectory* names = parts_->core->names().get();
+  if (!names) return S_FALSE;
+  return Guard([&] {
+    std::vector<KnownName> hosts;
+    Status status = ReadHostsFile(path, &hosts);
+    for (const KnownName& host : hosts) names->Learn(host.address, host.name, NameSource::kGiven);
+    return status;
+  });
 }
 
 }  // namespace orvo

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "capture/source/packet.h"
@@ -14,8 +15,11 @@ namespace orvo {
 struct EngineOptions {
   /// A capture is running: contexts have a site, and a snapshot's moment is the present instead of the last packet's.
   bool live = false;
-  /// Texts of addresses are always the addresses themselves, whatever names have been learnt.
+  /// Texts of addresses are always the addresses themselves: no name is learnt or looked up.
   bool plain_addresses = false;
+  /// Where the registries of physical addresses lie (oui.csv, mam.csv, oui36.csv, iab.csv as the IEEE publishes them);
+  /// empty for no vendors in texts. They are read when the first physical address is worded.
+  std::string vendor_folder;
   /// Rows that the tables take, as a bound on memory (roughly 250 bytes an address and 100 a row of the other two).
   /// Packets beyond a limit still count everywhere else, and the summary says how many there were.
   std::size_t max_addresses = 2'000'000;
@@ -27,6 +31,8 @@ struct EngineOptions {
   std::size_t max_flows = 1'000'000;
   /// Flows that are looked into at once, about 1 KB each; the one that was silent for longest is judged by its ports.
   std::size_t max_undecided_flows = 50'000;
+  /// Names that are kept: about 150 bytes for one of usual length, 600 for the longest. The summary counts the others.
+  std::size_t max_names = 1'000'000;
   /// Summaries stored by name; storing one more drops the oldest.
   std::size_t max_stored_summaries = 100;
 };
@@ -53,8 +59,10 @@ class CaptureEngine {
   /// A context of its own for each caller: what one holds does not change when another begins a report. It answers
   /// IStatsContext, IStatsSnapshotSource and IObjectWithSite, and IReportObserver while an observer is set.
   ComPtr<IStatsContext> Context();
-  /// Null: the engine keeps no graphs.
-  ComPtr<IGraphCollection> Graphs() { return nullptr; }
+  /// The engine's own graphs over the time of the capture; samples end with the last packet. Whoever asks for their
+  /// number gets graphs of the moment that a context began last (IsAvailable), so that graphs and tables of a report
+  /// agree; what was handed out does not change.
+  ComPtr<IGraphCollection> Graphs();
 
   /// The observer that contexts pass their reports' files on to; null for none. A reference is held.
   void SetObserver(IReportObserver* observer);
@@ -66,9 +74,13 @@ class CaptureEngine {
 
   /// Keeps the present summary under a name, which reports show beside the current one.
   void StoreSummary(std::u16string_view name);
-  /// Gives an address a name to be shown in its place. Control characters become question marks. At most 2,000,000
-  /// names are kept; false beyond that, and for an empty name.
+  /// Gives an address a name to be shown in its place, before any that is heard in the capture. Control characters
+  /// become question marks. False for an empty name, beyond max_names, and when texts are plain addresses.
   bool LearnName(const AddressRecord& address, std::u16string_view name);
+  /// Does that for a file of the form of /etc/hosts: an address, its name, and further names, which are passed over.
+  /// The first line about an address counts, and of several files the one read last. A path of the system; the status
+  /// of opening and reading it, S_FALSE when texts are plain addresses.
+  Status LearnHosts(const std::string& path);
 
  private:
   struct Parts;

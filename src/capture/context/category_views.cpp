@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "capture/context/traffic_views.h"
 #include "engine/categories.h"
 #include "platform/error.h"
 #include "platform/object.h"
@@ -146,22 +147,6 @@ class ConversationView final : public Object<IConversationStats, IConversationIn
   const FrozenConversations& table_;
 };
 
-class SizeView final : public Object<ISizeStats> {
- public:
-  explicit SizeView(EpochPtr epoch) : epoch_(std::move(epoch)) {}
-
-  Status GetScheme(std::uint32_t* scheme) override { return Give(scheme, std::uint32_t{kSizesEthernet}); }
-  Status GetBuckets(const std::uint64_t** packets, std::uint32_t* count) override {
-    if (!packets || !count) return E_POINTER;
-    *packets = epoch_->tables->counters.sizes.data();
-    *count = kSizeBuckets;
-    return S_OK;
-  }
-
- private:
-  EpochPtr epoch_;
-};
-
 class SummarySnapshotView final : public Object<ISummarySnapshot> {
  public:
   SummarySnapshotView(std::shared_ptr<const SummaryCatalogue> catalogue, std::shared_ptr<const SummaryRecord> record)
@@ -234,6 +219,11 @@ Status Answer(const EpochPtr& epoch, const Guid& iid, void** out) {
   return MakeObject<View>(epoch)->QueryInterface(iid, out);
 }
 
+template <ComPtr<IUnknown> (*make)(const EpochPtr& epoch)>
+Status AnswerMade(const EpochPtr& epoch, const Guid& iid, void** out) {
+  return make(epoch)->QueryInterface(iid, out);
+}
+
 struct CategoryRow {
   Guid identifier;
   bool in_snapshot;  ///< a loaded snapshot has it, too
@@ -247,7 +237,8 @@ constexpr std::array kCategories{
     CategoryRow{kTopTalkerCategory.identifier, false, Answer<NodeView>},
     CategoryRow{kHierarchyCategory.identifier, false, Answer<HierarchyView>},
     CategoryRow{kConversationCategory.identifier, false, Answer<ConversationView>},
-    CategoryRow{kSizeCategory.identifier, false, Answer<SizeView>},
+    CategoryRow{kTrafficHistoryCategory.identifier, false, AnswerMade<MakeTrafficHistory>},
+    CategoryRow{kSizeCategory.identifier, false, AnswerMade<MakeSizeStats>},
 };
 
 }  // namespace

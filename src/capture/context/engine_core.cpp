@@ -1,16 +1,26 @@
 #include "capture/context/engine_core.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "capture/context/summary_statistics.h"
+#include "capture/names/dns_names.h"
 
 namespace orvo {
 namespace {
 
 constexpr std::u16string_view kPresentName = u"Current";
 
+/// Rows have numbers of 32 bits.
+constexpr std::size_t kMostRows = 4'000'000'000;
+
 TableLimits LimitsOf(const EngineOptions& options) {
-  return {options.max_addresses, options.max_hierarchy_rows, options.max_conversations};
+  return {std::min(options.max_addresses, kMostRows), std::min(options.max_hierarchy_rows, kMostRows),
+          std::min(options.max_conversations, kMostRows)};
+}
+
+std::shared_ptr<NameDirectory> DirectoryFor(const EngineOptions& options) {
+  return options.plain_addresses ? nullptr : std::make_shared<NameDirectory>(options.max_names);
 }
 
 DetectionLimits DetectionLimitsOf(const EngineOptions& options) {
@@ -23,17 +33,27 @@ DetectionLimits DetectionLimitsOf(const EngineOptions& options) {
 }  // namespace
 
 EngineCore::EngineCore(const EngineOptions& options)
-    : options_(options), detector_(DetectionLimitsOf(options)), tables_(LimitsOf(options)) {}
+    : options_(options),
+      names_(DirectoryFor(options)),
+      detector_(DetectionLimitsOf(options)),
+      tables_(LimitsOf(options)) {}
 
 void EngineCore::Feed(const Packet& packet) {
   DecodePacket(packet, &facts_);
   detector_.Inspect(packet.time, &facts_);
   std::uint16_t protocol = ProtocolTree::Get().Classify(facts_);
+  if (names_ && MayHoldNames(facts_)) Listen();
   std::lock_guard lock(mutex_);
   ++changes_;
   tables_.Count(packet, facts_, protocol);
   tables_.SetFlows(detector_.counts());
   packets_.fetch_add(1, std::memory_order_relaxed);
+}
+
+void EngineCore::Listen() {
+  heard_.clear();
+  ReadHeardNames(facts_, &heard_);
+  for (const KnownName& known : heard_) names_->Learn(known.address, known.name, NameSource::kHeard);
 }
 
 void EngineCore::SetDropped(std::uint64_t packets) {
@@ -71,6 +91,7 @@ EpochPtr EngineCore::Freeze() {
     epoch->summaries.emplace_back();
     epoch->summaries.insert(epoch->summaries.end(), stored_.begin(), stored_.end());
   }
+  if (names_) tables->counters.unlisted_names = names_->refused();
   const Counters& counters = tables->counters;
   epoch->packets = counters.total.packets;
   epoch->bytes = counters.total.bytes;
@@ -84,6 +105,14 @@ EpochPtr EngineCore::Freeze() {
   latest_ = epoch;
   latest_changes_ = changes;
   return epoch;
+}
+
+EpochPtr EngineCore::Latest() {
+  {
+    std::lock_guard lock(mutex_);
+    if (EpochPtr latest = latest_.lock()) return latest;
+  }
+  return Freeze();
 }
 
 void EngineCore::SetObserver(IReportObserver* observer) {

@@ -5,12 +5,14 @@
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 #include "capture/classify/application_detector.h"
 #include "capture/classify/protocol_tree.h"
 #include "capture/context/capture_engine.h"
 #include "capture/context/category_views.h"
 #include "capture/decode/protocol_registry.h"
+#include "capture/names/name_directory.h"
 
 namespace orvo {
 
@@ -18,6 +20,9 @@ namespace orvo {
 class EngineCore {
  public:
   explicit EngineCore(const EngineOptions& options);
+
+  EngineCore(const EngineCore&) = delete;
+  EngineCore& operator=(const EngineCore&) = delete;
 
   /// Called by the feeding thread alone.
   void Feed(const Packet& packet);
@@ -28,6 +33,11 @@ class EngineCore {
 
   /// The statistics as of now; the same object again while nothing has changed and somebody still holds it.
   EpochPtr Freeze();
+  /// What Freeze gave last, as long as somebody holds it; the statistics as of now otherwise.
+  EpochPtr Latest();
+
+  /// Null when texts are to be plain addresses.
+  const std::shared_ptr<NameDirectory>& names() const { return names_; }
 
   void SetObserver(IReportObserver* observer);
   ComPtr<IReportObserver> observer() const;
@@ -35,10 +45,13 @@ class EngineCore {
   const EngineOptions& options() const { return options_; }
 
  private:
+  void Listen();
+
   const EngineOptions options_;
-  // The feeding thread's.
-  PacketFacts facts_;
-  ApplicationDetector detector_;
+  const std::shared_ptr<NameDirectory> names_;
+  PacketFacts facts_;             // the feeding thread's
+  std::vector<KnownName> heard_;  // the feeding thread's, of the packet in work
+  ApplicationDetector detector_;  // the feeding thread's
   std::atomic<std::uint64_t> packets_ = 0;
 
   mutable std::mutex mutex_;  // guards what follows; held for one packet, or while pages are shared

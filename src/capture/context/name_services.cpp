@@ -13,7 +13,7 @@ namespace {
 
 class AddressNameService final : public Object<IAddressNameService> {
  public:
-  explicit AddressNameService(std::shared_ptr<const NameDirectory> names) : names_(std::move(names)) {}
+  explicit AddressNameService(AddressNames names) : names_(std::move(names)) {}
 
   Status AppendTypeLabel(std::uint8_t type, std::u16string* text) override {
     if (!text) return E_POINTER;
@@ -22,12 +22,14 @@ class AddressNameService final : public Object<IAddressNameService> {
   Status AppendAddressText(const AddressRecord& record, std::u16string* text) override {
     if (!text) return E_POINTER;
     return Guard([&] {
-      if (!names_ || !names_->Append(record, text)) AppendAddress(record, text);
+      if (names_.directory && names_.directory->Append(record, text)) return;
+      if (names_.vendors && names_.vendors->Append(record, text)) return;
+      AppendAddress(record, text);
     });
   }
 
  private:
-  std::shared_ptr<const NameDirectory> names_;
+  AddressNames names_;
 };
 
 class ProtocolNameService final : public Object<IProtocolNameService> {
@@ -56,7 +58,7 @@ class ProtocolNameService final : public Object<IProtocolNameService> {
 
 }  // namespace
 
-ComPtr<IUnknown> MakeAddressNameService(std::shared_ptr<const NameDirectory> names) {
+ComPtr<IUnknown> MakeAddressNameService(AddressNames names) {
   return ComPtr<IUnknown>(MakeObject<AddressNameService>(std::move(names)).get());
 }
 

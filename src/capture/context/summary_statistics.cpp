@@ -133,6 +133,10 @@ constexpr std::array kStatistics{
                  kSummaryPackets, [](C c) { return Numbers{c.unlisted_addresses}; }},
     StatisticRow{"53BA4C96-D1E8-4F07-A2D9-F6B7C0E835BC"_guid, kCounts, u"Packets of Conversations Not Listed",
                  kSummaryPackets, [](C c) { return Numbers{c.unlisted_conversations}; }},
+    StatisticRow{"A8E4D17F-30C6-4B92-8D5E-71F2C9A06BD3"_guid, kCounts, u"Packets of Hierarchy Rows Not Listed",
+                 kSummaryPackets, [](C c) { return Numbers{c.unlisted_hierarchy}; }},
+    StatisticRow{"4D96B0E8-C25A-4F31-B7D4-0E8A63F15CE4"_guid, kCounts, u"Names Not Listed", kSummaryInteger,
+                 [](C c) { return Numbers{c.unlisted_names}; }},
 
     StatisticRow{"C10F7E5A-8B92-4D36-94EB-A3D5F8C617CD"_guid, kSizes, u"Smallest Packet", kSummaryInteger,
                  [](C c) {
@@ -146,17 +150,17 @@ constexpr std::array kStatistics{
         "0A36F9C7-D2B1-4E84-A5C0-B8E7D4F159EF"_guid, kSizes, u"Average Packet Size", kSummaryReal,
         [](C c) { return Quotient(static_cast<double>(c.total.bytes), static_cast<double>(c.total.packets)); }},
     StatisticRow{"BE7150D4-9F3A-4C68-B1E2-4D6C8A0B7AF0"_guid, kSizes, u"64 Bytes or Fewer", kSummaryPackets,
-                 [](C c) { return Numbers{c.sizes[0]}; }},
+                 [](C c) { return Numbers{PacketsBetween(c.sizes, 0, 64)}; }},
     StatisticRow{"F4C9A8E3-2B5D-4716-8FD0-C7E1B6A98B01"_guid, kSizes, u"65 to 255 Bytes", kSummaryPackets,
-                 [](C c) { return Numbers{c.sizes[1]}; }},
+                 [](C c) { return Numbers{PacketsBetween(c.sizes, 64, 255)}; }},
     StatisticRow{"1D8E6B25-C0F7-4A59-93BE-E5D2F7C4AC12"_guid, kSizes, u"256 to 511 Bytes", kSummaryPackets,
-                 [](C c) { return Numbers{c.sizes[2]}; }},
+                 [](C c) { return Numbers{PacketsBetween(c.sizes, 255, 511)}; }},
     StatisticRow{"A5B20D7E-4E93-4FC1-B6A8-0C9F3E8D1D23"_guid, kSizes, u"512 to 1023 Bytes", kSummaryPackets,
-                 [](C c) { return Numbers{c.sizes[3]}; }},
+                 [](C c) { return Numbers{PacketsBetween(c.sizes, 511, 1023)}; }},
     StatisticRow{"80E7F1B9-D6A4-4352-A0CD-B2F5C6E73E34"_guid, kSizes, u"1024 to 1517 Bytes", kSummaryPackets,
-                 [](C c) { return Numbers{c.sizes[4]}; }},
+                 [](C c) { return Numbers{PacketsBetween(c.sizes, 1023, 1517)}; }},
     StatisticRow{"39C54A8F-B7E0-4D2C-9E16-D7A8F0B94F45"_guid, kSizes, u"1518 Bytes or More", kSummaryPackets,
-                 [](C c) { return Numbers{c.sizes[5]}; }},
+                 [](C c) { return Numbers{PacketsBetween(c.sizes, 1517, UINT64_MAX)}; }},
 };
 
 }  // namespace

@@ -1,4 +1,4 @@
-// DECnet phase IV routing messages (DNA Routing Layer Functional Specification, version 2.0, section 7; over PPP
+// DECnet phase IV routing messages (DNA Routing Layer, version 2.0, section 7; over PPP
 // RFC 1376). Numbers are little-endian.
 
 #include <array>

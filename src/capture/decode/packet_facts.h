@@ -65,6 +65,9 @@ struct PacketFacts {
     source_port = destination_port = 0;
   }
 
+  /// To whom the frame itself is addressed, whatever it carries.
+  Delivery delivery() const { return pair_count != 0 ? pairs[0].delivery : Delivery::kUnicast; }
+
   /// A header that does not fit into the bytes left: the frame's fault, unless the capture dropped its tail.
   void MarkShort() { malformed = malformed || !cut_off; }
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <algorithm>
-#include <array>
 #include <cstdint>
+
+#include "capture/tables/size_distribution.h"
 
 namespace orvo {
 
@@ -30,18 +30,6 @@ struct FlowCounts {
   }
 };
 
-/// The buckets of the Ethernet size scheme: to 64, 65-127, 256-511, 512-1023, 1024-1517, from 1518. The scheme names no
-/// bucket for 128 to 255; frames of those sizes are counted in the one below, so that every packet is in a bucket.
-inline constexpr std::size_t kSizeBuckets = 6;
-
-constexpr std::size_t SizeBucket(std::uint64_t length) {
-  if (length <= 64) return 0;
-  if (length <= 255) return 1;
-  if (length <= 511) return 2;
-  if (length <= 1023) return 3;
-  return length <= 1517 ? 4 : 5;
-}
-
 /// Everything that is counted once for the whole capture. Times are nanoseconds since 1601-01-01 UTC, 0 for never.
 struct Counters {
   Traffic total;
@@ -61,11 +49,13 @@ struct Counters {
   std::uint64_t dropped = 0;
   std::uint64_t out_of_order = 0;            ///< older than the packet before
   std::uint64_t unlisted_addresses = 0;      ///< packets with an address that the full address table did not take in
-  std::uint64_t unlisted_conversations = 0;  ///< packets of a conversation or hierarchy row that a full table lacks
+  std::uint64_t unlisted_conversations = 0;  ///< packets of a conversation that the full table lacks
+  std::uint64_t unlisted_hierarchy = 0;      ///< packets of a hierarchy row that the full table lacks
+  std::uint64_t unlisted_names = 0;          ///< names that the full directory refused
   FlowCounts flows;
   std::uint64_t shortest = 0;  ///< 0 while there are no packets
   std::uint64_t longest = 0;
-  std::array<std::uint64_t, kSizeBuckets> sizes{};
+  SizeCounts sizes{};
   // Taken from the tables when they are frozen.
   std::uint64_t physical_nodes = 0;
   std::uint64_t ipv4_nodes = 0;

@@ -28,9 +28,13 @@ StatisticsTables::StatisticsTables(const TableLimits& limits)
 void StatisticsTables::Count(const Packet& packet, const PacketFacts& facts, std::uint16_t protocol) {
   std::uint64_t bytes = packet.original_length;
   CountTotals(packet, facts);
-  std::uint32_t protocol_key = CountProtocol(protocol, bytes);
+  std::uint32_t protocol_row = CountProtocol(protocol, bytes);
+  std::uint32_t protocol_key = protocols_[protocol_row].key;
+  history_.Add(packet.time, bytes);
+  graphs_.Add(packet.time, bytes, facts, protocol_row);
 
   bool addresses_listed = true;
+  bool conversations_listed = true;
   bool rows_listed = true;
   std::uint32_t physical_source = kNoAddress;
   std::uint32_t physical_destination = kNoAddress;
@@ -41,7 +45,10 @@ void StatisticsTables::Count(const Packet& packet, const PacketFacts& facts, std
     CountNodes(packet, pair, source, destination);
     bool both = source != kNoAddress && destination != kNoAddress;
     addresses_listed = addresses_listed && (both || !pair.names_both_ends());
-    if (both) rows_listed &= conversations_.Count({source, destination, protocol_key}, pair.source.type, bytes);
+    // Both ends have node entries by now, so that a listed conversation never lacks one.
+    if (both) {
+      conversations_listed &= conversations_.Count({source, destination, protocol_key}, pair.source.type, bytes);
+    }
     if (pair.source.type == kAddressPhysical) {
       physical_source = source;
       physical_destination = destination;
@@ -53,7 +60,8 @@ void StatisticsTables::Count(const Packet& packet, const PacketFacts& facts, std
     }
   }
   counters_.unlisted_addresses += !addresses_listed;
-  counters_.unlisted_conversations += !rows_listed;
+  counters_.unlisted_conversations += !conversations_listed;
+  counters_.unlisted_hierarchy += !rows_listed;
 }
 
 void StatisticsTables::CountTotals(const Packet& packet, const PacketFacts& facts) {
@@ -77,10 +85,8 @@ void StatisticsTables::CountTotals(const Packet& packet, const PacketFacts& fact
     c.icmp_errors.Add(bytes);
     c.last_icmp_error = std::max(c.last_icmp_error, packet.time);
   }
-  // What the frame itself is addressed to decides, not what it carries.
-  Delivery delivery = facts.pair_count != 0 ? facts.pairs[0].delivery : Delivery::kUnicast;
-  if (delivery == Delivery::kBroadcast) c.broadcast.Add(bytes);
-  if (delivery == Delivery::kMulticast) c.multicast.Add(bytes);
+  if (facts.delivery() == Delivery::kBroadcast) c.broadcast.Add(bytes);
+  if (facts.delivery() == Delivery::kMulticast) c.multicast.Add(bytes);
 }
 
 std::uint32_t StatisticsTables::CountProtocol(std::uint16_t number, std::uint64_t bytes) {
@@ -94,7 +100,7 @@ std::uint32_t StatisticsTables::CountProtocol(std::uint16_t number, std::uint64_
   ProtocolEntry& entry = protocols_.Edit(row);
   ++entry.packets;
   entry.bytes += bytes;
-  return entry.key;
+  return row;
 }
 
 std::uint32_t StatisticsTables::NodeRow(std::uint32_t address, std::uint8_t type) {
@@ -181,8 +187,8 @@ Counters StatisticsTables::Summary() const {
 }
 
 FrozenTables StatisticsTables::Freeze() {
-  return {Summary(),           addresses_.Freeze(), node_rows_.Freeze(),    nodes_.Freeze(),
-          hierarchy_.Freeze(), protocols_.Freeze(), conversations_.Freeze()};
+  return {Summary(),           addresses_.Freeze(),     node_rows_.Freeze(), nodes_.Freeze(), hierarchy_.Freeze(),
+          protocols_.Freeze(), conversations_.Freeze(), history_.Freeze(),   graphs_.Freeze()};
 }
 
 }  // namespace orvo

@@ -9,8 +9,10 @@
 #include "capture/tables/address_table.h"
 #include "capture/tables/conversation_table.h"
 #include "capture/tables/counters.h"
+#include "capture/tables/graph_samples.h"
 #include "capture/tables/paged_vector.h"
 #include "capture/tables/row_index.h"
+#include "capture/tables/traffic_history.h"
 #include "engine/nodes.h"
 #include "engine/protocols.h"
 
@@ -32,6 +34,8 @@ struct FrozenTables {
   FrozenTable<HierarchyEntry> hierarchy;
   FrozenTable<ProtocolEntry> protocols;
   FrozenConversations conversations;
+  FrozenHistory history;
+  FrozenGraphs graphs;
 };
 
 /// The statistics of a capture. One thread writes; freezing needs the same exclusion as writing, reading what was
@@ -55,6 +59,7 @@ class StatisticsTables {
 
  private:
   void CountTotals(const Packet& packet, const PacketFacts& facts);
+  /// The row of the protocol.
   std::uint32_t CountProtocol(std::uint16_t number, std::uint64_t bytes);
   void CountNodes(const Packet& packet, const AddressPair& pair, std::uint32_t source, std::uint32_t destination);
   bool CountHierarchy(std::uint32_t physical, std::uint32_t logical, bool sent, std::uint64_t bytes);
@@ -75,6 +80,8 @@ class StatisticsTables {
   std::vector<std::uint32_t> protocol_rows_;  // by protocol number
   PagedVector<ProtocolEntry> protocols_;
   ConversationTable conversations_;
+  TrafficHistory history_;
+  GraphSamples graphs_;
 };
 
 }  // namespace orvo

@@ -1,0 +1,127 @@
+#include "capture/names/vendor_table.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <span>
+#include <utility>
+
+#include "capture/names/text_lines.h"
+
+namespace orvo {
+namespace {
+
+constexpr std::array kFiles{"oui.csv", "mam.csv", "oui36.csv", "iab.csv"};
+constexpr std::array<unsigned, 3> kAssignmentBits{36, 28, 24};  // the longest one that is known counts
+constexpr std::size_t kMostVendors = 1'000'000;
+constexpr std::size_t kLongestWord = 20;
+
+/// Names that no interface was ever sold under: assignments kept private, and blocks given out in smaller ones.
+constexpr std::array<std::string_view, 2> kNobody{"Private", "IEEE Registration Authority"};
+/// Where the legal form begins, in lower case.
+constexpr std::array<std::string_view, 24> kLegalForms{
+    "inc", "incorporated", "corp", "corporation", "co", "company", "ltd", "limited", "llc", "llp", "plc", "gmbh",
+    "ag",  "kg",           "srl",  "spa",         "bv", "nv",      "ab",  "as",      "oy",  "oyj", "pty", "pte"};
+
+bool IsWordCharacter(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-';
+}
+char Lower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+char Upper(char c) {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+bool IsLegalForm(std::string_view word) {
+  std::string lower(word);
+  std::ranges::transform(lower, lower.begin(), Lower);
+  return std::ranges::find(kLegalForms, lower) != kLegalForms.end();
+}
+
+/// Takes the first field off a line of comma-separated values (RFC 4180).
+std::string NextField(std::string_view* line) {
+  std::string field;
+  bool quoted = false;
+  std::size_t at = 0;
+  for (; at < line->size(); ++at) {
+    const char c = (*line)[at];
+    if (c == '"') {
+      if (quoted && at + 1 < line->size() && (*line)[at + 1] == '"') {
+        field.push_back((*line)[++at]);
+      } else {
+        quoted = !quoted;
+      }
+    } else if (c == ',' && !quoted) {
+      break;
+    } else {
+      field.push_back(c);
+    }
+  }
+  line->remove_prefix(std::min(at + 1, line->size()));
+  return field;
+}
+
+constexpr std::uint64_t Key(std::uint64_t assignment, unsigned bits) {
+  return assignment << 8 | bits;
+}
+
+}  // namespace
+
+std::string VendorWord(std::string_view organization) {
+  if (std::ranges::find(kNobody, organization) != kNobody.end()) return {};
+  std::string vendor;
+  while (!organization.empty()) {
+    const auto end = std::ranges::find_if_not(organization, IsWordCharacter);
+    const auto length = static_cast<std::size_t>(end - organization.begin());
+    std::string word(organization.substr(0, length));
+    organization.remove_prefix(std::min(length + 1, organization.size()));
+    if (word.empty()) continue;
+    if (!vendor.empty() && (IsLegalForm(word) || vendor.size() + word.size() > kLongestWord)) break;
+    word.front() = Upper(word.front());
+    vendor += word.substr(0, kLongestWord);
+  }
+  return vendor;
+}
+
+void VendorTable::Load() const {
+  for (const char* file : kFiles) {
+    ForEachLine(folder_ + "/" + file, [&](std::string_view line) {
+      NextField(&line);  // the registry
+      const std::string assignment = NextField(&line);
+      const auto bits = static_cast<unsigned>(assignment.size() * 4);
+      std::uint64_t value = 0;
+      const auto [end, error] = std::from_chars(assignment.data(), assignment.data() + assignment.size(), value, 16);
+      if (error != std::errc() || end != assignment.data() + assignment.size()) return;
+      if (std::ranges::find(kAssignmentBits, bits) == kAssignmentBits.end()) return;
+      if (std::string vendor = VendorWord(NextField(&line)); !vendor.empty() && vendors_.size() < kMostVendors) {
+        vendors_.emplace(Key(value, bits), std::move(vendor));
+      }
+    });
+  }
+}
+
+bool VendorTable::Append(const AddressRecord& address, std::u16string* text) const {
+  constexpr unsigned kGroup = 1;
+  constexpr unsigned kLocal = 2;
+  if (address.type != kAddressPhysical || address.length != 6) return false;
+  if ((address.bytes[0] & (kGroup | kLocal)) != 0) return false;
+  std::call_once(loaded_, [this] { Load(); });
+  std::uint64_t number = 0;
+  for (std::uint8_t byte : std::span(address.bytes).first(6)) number = number << 8 | byte;
+  for (unsigned bits : kAssignmentBits) {
+    const auto found = vendors_.find(Key(number >> (48 - bits), bits));
+    if (found == vendors_.end()) continue;
+    text->append(found->second.begin(), found->second.end());
+    for (std::size_t i = 3; i < 6; ++i) {
+      static constexpr char16_t kDigits[] = u"0123456789abcdef";
+      text->push_back(i == 3 ? u'_' : u':');
+      text->push_back(kDigits[address.bytes[i] >> 4]);
+      text->push_back(kDigits[address.bytes[i] & 15]);
+    }
+    return true;
+  }
+  return false;
+}
+
+}  // namespace orvo
