@@ -21,6 +21,7 @@ constexpr std::array kLimits{
     Limit{"addresses", &EngineOptions::max_addresses},
     Limit{"hierarchy", &EngineOptions::max_hierarchy_rows},
     Limit{"conversations", &EngineOptions::max_conversations},
+    Limit{"flows", &EngineOptions::max_flows},
     Limit{"names", &EngineOptions::max_names},
 };
 constexpr std::size_t kLargest = 1'000'000'000;

@@ -34,7 +34,7 @@ std::vector<Sample> GoodSamples() {
   return {
       {Eth4(Ipv4(Ip4(1), Ip4(2), 17, udp)), "Ethernet>IPv4>UDP>DNS" MACS IPS " 5000>53"},
       {Eth4(Ipv4(Ip4(1), Ip4(2), 6, Tcp(80, 40000))), "Ethernet>IPv4>TCP>HTTP" MACS IPS " 80>40000"},
-      {Eth6(Ipv6(Ip6(1), Ip6(2), 6, Tcp(40000, 443))), "Ethernet>IPv6>TCP>HTTPS" MACS IP6S " 40000>443"},
+      {Eth6(Ipv6(Ip6(1), Ip6(2), 6, Tcp(40000, 443))), "Ethernet>IPv6>TCP>TLS" MACS IP6S " 40000>443"},
       // Of two known ports the lower is the server's.
       {Eth4(Ipv4(Ip4(1), Ip4(2), 6, Tcp(3306, 22))), "Ethernet>IPv4>TCP>SSH" MACS IPS " 3306>22"},
       {Eth4(Ipv4(Ip4(1), Ip4(2), 6, Tcp(50001, 50002))), "Ethernet>IPv4>TCP" MACS IPS " 50001>50002"},

@@ -163,7 +163,7 @@ constexpr std::array kApplications{
     Named<Tcp(179)>("BGP"),
     Named<Tcp(194), Tcp(6667)>("IRC"),
     Named<Tcp(389), Udp(389)>("LDAP"),
-    Named<Tcp(443), Tcp(8443)>("HTTPS"),
+    Named<Tcp(443), Tcp(8443)>("TLS"),
     Named<Udp(443)>("QUIC"),
     Named<Tcp(445)>("SMB"),
     Named<Tcp(465)>("SMTPS"),

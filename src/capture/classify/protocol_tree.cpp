@@ -1,8 +1,8 @@
 #include "capture/classify/protocol_tree.h"
 
-#include <algorithm>
 #include <array>
 
+#include "capture/classify/port_application.h"
 #include "capture/decode/protocol_registry.h"
 
 namespace orvo {
@@ -14,28 +14,6 @@ constexpr int kMaxRepeats = 2;
 constexpr std::array kUnknownKeys{LayerKey{Layer::kNone, 0}};
 constexpr std::array kUnknown{Protocol{"Unknown", kUnknownKeys}};
 const ProtocolRegistration kRegistration(kUnknown);
-
-/// Which layer's keys the ports behind an IP header are.
-Layer PortLayer(std::uint8_t ip_protocol) {
-  switch (ip_protocol) {
-    case 6: return Layer::kTcpPort;
-    case 17: return Layer::kUdpPort;
-    case 132: return Layer::kSctpPort;
-    default: return Layer::kNone;
-  }
-}
-
-/// The application that the ports stand for, 0 for none. The server's port is the one that is well known; of two, the
-/// lower.
-std::uint16_t Application(const ProtocolRegistry& registry, const PacketFacts& facts) {
-  Layer layer = PortLayer(facts.ip_protocol);
-  if (!facts.has_ports || layer == Layer::kNone) return 0;
-  // Behind a tunnel that does not carry IP they are not the innermost protocol's.
-  if (facts.chain[facts.chain_length - 1U] != registry.Find(Layer::kIpProtocol, facts.ip_protocol)) return 0;
-  auto [low, high] = std::minmax(facts.source_port, facts.destination_port);
-  std::uint16_t application = registry.Find(layer, low);
-  return application != 0 ? application : registry.Find(layer, high);
-}
 
 /// FNV-1a, the same on every machine.
 std::uint32_t HashOf(std::string_view name) {
@@ -67,9 +45,14 @@ std::uint16_t ProtocolTree::Classify(const PacketFacts& facts) {
     if (child == 0) return place;
     place = child;
   }
-  std::uint16_t application = Application(registry, facts);
-  std::uint16_t child = application != 0 ? Child(place, application) : 0;
-  return child != 0 ? child : place;
+  std::array<std::uint16_t, 2> applications = facts.applications;
+  if (applications[0] == 0) applications[0] = PortApplication(facts);
+  for (std::uint16_t application : applications) {
+    std::uint16_t child = application != 0 ? Child(place, application) : std::uint16_t{0};
+    if (child == 0) return place;
+    place = child;
+  }
+  return place;
 }
 
 std::uint16_t ProtocolTree::Child(std::uint16_t parent, std::uint16_t protocol) {

@@ -21,8 +21,8 @@ class ProtocolTree {
  public:
   static ProtocolTree& Get();
 
-  /// The place of the innermost protocol that was recognised, the application of the ports included. Makes places that
-  /// are new.
+  /// The place of the innermost protocol that was recognised: those of the flow, or else the application of the ports,
+  /// stand below the transport. Makes places that are new.
   std::uint16_t Classify(const PacketFacts& facts);
 
   /// 0 for a place at the top of the tree and for an unknown number.

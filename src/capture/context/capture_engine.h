@@ -25,6 +25,12 @@ struct EngineOptions {
   std::size_t max_addresses = 2'000'000;
   std::size_t max_hierarchy_rows = 4'000'000;
   std::size_t max_conversations = 4'000'000;
+  /// Whether flows are looked into for the application that they carry; else ports alone tell.
+  bool detect_applications = true;
+  /// Flows under way that are known at once, about 100 bytes each; the one that is idle for longest makes room.
+  std::size_t max_flows = 1'000'000;
+  /// Flows that are looked into at once, about 1 KB each; the one that was silent for longest is judged by its ports.
+  std::size_t max_undecided_flows = 50'000;
   /// Names that are kept: about 150 bytes for one of usual length, 600 for the longest. The summary counts the others.
   std::size_t max_names = 1'000'000;
   /// Summaries stored by name; storing one more drops the oldest.

@@ -23,18 +23,30 @@ std::shared_ptr<NameDirectory> DirectoryFor(const EngineOptions& options) {
   return options.plain_addresses ? nullptr : std::make_shared<NameDirectory>(options.max_names);
 }
 
+DetectionLimits DetectionLimitsOf(const EngineOptions& options) {
+  DetectionLimits limits;
+  limits.flows = options.detect_applications ? options.max_flows : 0;
+  limits.undecided = options.max_undecided_flows;
+  return limits;
+}
+
 }  // namespace
 
 EngineCore::EngineCore(const EngineOptions& options)
-    : options_(options), names_(DirectoryFor(options)), tables_(LimitsOf(options)) {}
+    : options_(options),
+      names_(DirectoryFor(options)),
+      detector_(DetectionLimitsOf(options)),
+      tables_(LimitsOf(options)) {}
 
 void EngineCore::Feed(const Packet& packet) {
   DecodePacket(packet, &facts_);
+  detector_.Inspect(packet.time, &facts_);
   std::uint16_t protocol = ProtocolTree::Get().Classify(facts_);
   if (names_ && MayHoldNames(facts_)) Listen();
   std::lock_guard lock(mutex_);
   ++changes_;
   tables_.Count(packet, facts_, protocol);
+  tables_.SetFlows(detector_.counts());
   packets_.fetch_add(1, std::memory_order_relaxed);
 }
 

@@ -7,6 +7,7 @@
 #include <mutex>
 #include <vector>
 
+#include "capture/classify/application_detector.h"
 #include "capture/classify/protocol_tree.h"
 #include "capture/context/capture_engine.h"
 #include "capture/context/category_views.h"
@@ -50,6 +51,7 @@ class EngineCore {
   const std::shared_ptr<NameDirectory> names_;
   PacketFacts facts_;             // the feeding thread's
   std::vector<KnownName> heard_;  // the feeding thread's, of the packet in work
+  ApplicationDetector detector_;  // the feeding thread's
   std::atomic<std::uint64_t> packets_ = 0;
 
   mutable std::mutex mutex_;  // guards what follows; held for one packet, or while pages are shared

@@ -40,7 +40,8 @@ struct PacketFacts {
     source_port = destination_port = 0;
     has_network_pair = has_ports = is_fragment = is_icmp_error = malformed = false;
     cut_off = captured < original;
-    network = payload = {};
+    network = datagram = payload = {};
+    applications = {};
   }
 
   /// Room for the addresses of a frame; null inside of what has addresses already, since a frame in a tunnel is its
@@ -54,10 +55,11 @@ struct PacketFacts {
     return ClearedPair();
   }
 
-  /// Notes an IP datagram, from its header to the end of what was captured of it. Of datagrams in each other the
-  /// outermost is kept; ports and payload are those of the innermost, so that what was found before is dropped.
-  void BeginDatagram(Bytes datagram) {
-    if (network.empty()) network = datagram;
+  /// Notes an IP datagram, from its header to the end of what was captured of it. Ports and payload are those of the
+  /// innermost of datagrams in each other, so that what was found before is dropped.
+  void BeginDatagram(Bytes bytes) {
+    if (network.empty()) network = bytes;
+    datagram = bytes;
     payload = {};
     has_ports = false;
     source_port = destination_port = 0;
@@ -86,8 +88,12 @@ struct PacketFacts {
   bool is_icmp_error = false;  ///< an error message of ICMP or ICMPv6
   bool malformed = false;      ///< a header contradicts itself or the frame's length
   bool cut_off = false;        ///< less was captured than was on the wire
-  Bytes network;  ///< the outermost IP datagram from its header on, without padding, as far as it was captured
-  Bytes payload;  ///< what the innermost TCP, UDP or SCTP header carries, as far as it was captured; may be empty
+  Bytes network;   ///< the outermost IP datagram from its header on, without padding, as far as it was captured
+  Bytes datagram;  ///< the same of the innermost
+  Bytes payload;   ///< what the innermost TCP, UDP or SCTP header carries, as far as it was captured; may be empty
+  /// Identifiers of the protocols that the packet's flow was found to carry: what is spoken, then what it is spoken to
+  /// (TLS, then a mail service); 0 for not known. Decoders leave them alone.
+  std::array<std::uint16_t, 2> applications{};
 
  private:
   AddressPair* ClearedPair() {

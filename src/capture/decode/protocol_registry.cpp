@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace orvo {
 namespace {
@@ -14,10 +15,11 @@ constinit const ProtocolRegistration* g_registrations = nullptr;
 
 }  // namespace
 
-ProtocolRegistration::ProtocolRegistration(std::span<const Protocol> registered)
-    : protocols(registered), next(g_registrations) {
-  g_registrations = this;
-}
+ProtocolRegistration::ProtocolRegistration(std::span<const Protocol> added)
+    : protocols_(added), next_(std::exchange(g_registrations, this)) {}
+
+ProtocolRegistration::ProtocolRegistration(std::span<const Protocol> (*added_later)())
+    : later_(added_later), next_(std::exchange(g_registrations, this)) {}
 
 const ProtocolRegistry& ProtocolRegistry::Get() {
   static const ProtocolRegistry registry;
@@ -27,17 +29,28 @@ const ProtocolRegistry& ProtocolRegistry::Get() {
 ProtocolRegistry::ProtocolRegistry() {
   static constexpr Protocol kNoProtocol{};
   protocols_.push_back(&kNoProtocol);
-  for (const auto* entry = g_registrations; entry; entry = entry->next) {
-    for (const Protocol& protocol : entry->protocols) protocols_.push_back(&protocol);
+  for (const auto* entry = g_registrations; entry; entry = entry->next()) {
+    for (const Protocol& protocol : entry->protocols()) protocols_.push_back(&protocol);
   }
-  std::sort(protocols_.begin() + 1, protocols_.end(),
-            [](const Protocol* a, const Protocol* b) { return a->name < b->name; });
+  // Of protocols of one name the one with keys stands first.
+  std::sort(protocols_.begin() + 1, protocols_.end(), [](const Protocol* a, const Protocol* b) {
+    return a->name != b->name ? a->name < b->name : !a->keys.empty() && b->keys.empty();
+  });
+  auto same = [](const Protocol* a, const Protocol* b) { return a->name == b->name && b->keys.empty(); };
+  protocols_.erase(std::unique(protocols_.begin() + 1, protocols_.end(), same), protocols_.end());
   for (std::size_t i = 1; i < protocols_.size(); ++i) {
     if (protocols_[i]->name == protocols_[i - 1]->name) {
       throw std::logic_error("two protocols are named " + std::string(protocols_[i]->name));
     }
     for (LayerKey key : protocols_[i]->keys) AddKey(key, static_cast<std::uint16_t>(i));
   }
+}
+
+std::uint16_t ProtocolRegistry::FindName(std::string_view name) const {
+  auto found = std::lower_bound(protocols_.begin() + 1, protocols_.end(), name,
+                                [](const Protocol* a, std::string_view wanted) { return a->name < wanted; });
+  if (found == protocols_.end() || (*found)->name != name) return 0;
+  return static_cast<std::uint16_t>(found - protocols_.begin());
 }
 
 void ProtocolRegistry::AddKey(LayerKey key, std::uint16_t identifier) {

@@ -59,13 +59,21 @@ struct Protocol {
 class ProtocolRegistration {
  public:
   explicit ProtocolRegistration(std::span<const Protocol> registered);
+  /// For protocols that are not known at compile time: asked once, when the registry is made. They must stay.
+  explicit ProtocolRegistration(std::span<const Protocol> (*registered_later)());
 
-  std::span<const Protocol> protocols;
-  const ProtocolRegistration* next;
+  std::span<const Protocol> protocols() const { return later_ ? later_() : protocols_; }
+  const ProtocolRegistration* next() const { return next_; }
+
+ private:
+  std::span<const Protocol> protocols_;
+  std::span<const Protocol> (*later_)() = nullptr;
+  const ProtocolRegistration* next_;
 };
 
 /// All registered protocols, ordered by name, so that identifiers do not depend on the order of linking. Identifier 0
-/// stands for no protocol. Immutable once made.
+/// stands for no protocol. A protocol without keys is only a name, and the same as one of that name with keys.
+/// Immutable once made.
 class ProtocolRegistry {
  public:
   /// Made on first use; raises std::logic_error when two protocols claim one name or one key.
@@ -76,6 +84,8 @@ class ProtocolRegistry {
     const auto& keys = by_key_[static_cast<std::size_t>(layer)];
     return number < keys.size() ? keys[number] : std::uint16_t{0};
   }
+  /// Identifier of the protocol of that name, 0 when there is none.
+  std::uint16_t FindName(std::string_view name) const;
   const Protocol& protocol(std::uint16_t identifier) const { return *protocols_[identifier]; }
   /// Identifiers run from 1 to count() - 1.
   std::size_t count() const { return protocols_.size(); }

@@ -17,6 +17,19 @@ struct Traffic {
   }
 };
 
+/// Flows of TCP and UDP.
+struct FlowCounts {
+  std::uint64_t begun = 0;
+  std::uint64_t recognised = 0;     ///< by their content
+  std::uint64_t given_up = 0;       ///< under way, but dropped from the full table
+  std::uint64_t not_inspected = 0;  ///< judged early, as too many were being looked into
+
+  FlowCounts Since(const FlowCounts& earlier) const {
+    return {begun - earlier.begun, recognised - earlier.recognised, given_up - earlier.given_up,
+            not_inspected - earlier.not_inspected};
+  }
+};
+
 /// Everything that is counted once for the whole capture. Times are nanoseconds since 1601-01-01 UTC, 0 for never.
 struct Counters {
   Traffic total;
@@ -39,7 +52,8 @@ struct Counters {
   std::uint64_t unlisted_conversations = 0;  ///< packets of a conversation that the full table lacks
   std::uint64_t unlisted_hierarchy = 0;      ///< packets of a hierarchy row that the full table lacks
   std::uint64_t unlisted_names = 0;          ///< names that the full directory refused
-  std::uint64_t shortest = 0;                ///< 0 while there are no packets
+  FlowCounts flows;
+  std::uint64_t shortest = 0;  ///< 0 while there are no packets
   std::uint64_t longest = 0;
   SizeCounts sizes{};
   // Taken from the tables when they are frozen.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <random>
@@ -26,6 +28,13 @@ class KeyedHash {
 
   std::uint64_t operator()(std::uint32_t a, std::uint32_t b, std::uint32_t c = 0) const {
     return Fold((std::uint64_t{a} << 32 | b) ^ keys_[0], c ^ keys_[1]);
+  }
+
+  template <std::size_t count>
+  std::uint64_t operator()(const std::array<std::uint64_t, count>& words) const {
+    std::uint64_t hash = keys_[3];
+    for (std::size_t i = 0; i < count; ++i) hash = Fold(hash ^ words[i], keys_[i % 4]);
+    return hash;
   }
 
  private:

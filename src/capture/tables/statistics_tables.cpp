@@ -172,6 +172,7 @@ void StatisticsTables::Reset() {
   StatisticsTables fresh(limits_);
   std::swap(fresh.addresses_, addresses_);
   fresh.counters_.dropped = counters_.dropped;
+  fresh.flows_ = fresh.flows_at_reset_ = flows_;
   *this = std::move(fresh);
 }
 

@@ -48,6 +48,8 @@ class StatisticsTables {
   void Count(const Packet& packet, const PacketFacts& facts, std::uint16_t protocol);
   /// How many packets the source has lost so far.
   void SetDropped(std::uint64_t packets) { counters_.dropped = packets; }
+  /// What has become of flows so far, resets left out of account.
+  void SetFlows(const FlowCounts& flows) { counters_.flows = (flows_ = flows).Since(flows_at_reset_); }
   /// Starts over, but keeps the addresses under their indices.
   void Reset();
 
@@ -65,6 +67,8 @@ class StatisticsTables {
 
   TableLimits limits_;
   Counters counters_;
+  FlowCounts flows_;
+  FlowCounts flows_at_reset_;
   std::uint64_t previous_time_ = 0;
   AddressTable addresses_;
   PagedVector<std::uint32_t> node_rows_;

@@ -1,0 +1,112 @@
+#include "capture/classify/application_detector.h"
+
+#include <ndpi_protocol_ids.h>
+
+#include <algorithm>
+
+#include "capture/classify/dns_shape.h"
+#include "capture/classify/ndpi_names.h"
+#include "capture/classify/port_application.h"
+
+namespace orvo {
+namespace {
+
+constexpr std::uint8_t kTcp = 6;
+
+/// Packets with payload in which an application shows itself, if it does at all.
+constexpr std::uint16_t kTcpPackets = 10;
+constexpr std::uint16_t kUdpPackets = 6;
+
+}  // namespace
+
+ApplicationDetector::ApplicationDetector(const DetectionLimits& limits)
+    : limits_(limits), flows_(limits.flows, [this](Flow& flow) { Drop(flow); }) {
+  limits_.undecided = std::max<std::size_t>(limits_.undecided, 1);
+}
+
+void ApplicationDetector::Inspect(std::uint64_t time, PacketFacts* facts) {
+  FlowPacket packet;
+  if (limits_.flows == 0 || !packet.Read(*facts, time)) return;
+  std::uint32_t number = flows_.Enter(packet);
+  if (!flows_[number].decided && packet.has_payload) LookInto(number, time, *facts);
+  Flow& flow = flows_[number];
+  if (flow.ended && flow.state != kNoItem) GiveUp(flow);
+  facts->applications = flow.applications;
+}
+
+void ApplicationDetector::LookInto(std::uint32_t number, std::uint64_t time, const PacketFacts& facts) {
+  State& state = states_[StateOf(number, facts)];
+  NdpiModule::Finding finding = module_->Inspect(state.ndpi.get(), facts.datagram, time);
+  bool tcp = flows_[number].key.ip_protocol == kTcp;
+  // nDPI knows this protocol by its port alone.
+  if (!finding.known() && !tcp && LooksLikeDns(facts.payload)) finding.protocol = NDPI_PROTOCOL_DNS;
+  ++state.packets;
+  std::uint16_t most = tcp ? kTcpPackets : kUdpPackets;
+  if (finding.known()) {
+    ++recognised_;
+    Decide(flows_[number], finding);
+  } else if (state.packets >= most) {
+    GiveUp(flows_[number]);
+  }
+}
+
+/// The state of a flow, which is made at need.
+std::uint32_t ApplicationDetector::StateOf(std::uint32_t number, const PacketFacts& facts) {
+  Flow& flow = flows_[number];
+  if (flow.state != kNoItem) {
+    waiting_.Touch(states_, flow.state);
+    return flow.state;
+  }
+  if (!module_) module_ = NdpiModule::Make();
+  while (undecided() >= limits_.undecided || (undecided() != 0 && undecided_bytes() > limits_.bytes)) JudgeOldest();
+  NdpiModule::FlowPtr ndpi = module_->NewFlow();
+  if (first_free_ == kNoItem) {
+    states_.emplace_back();
+    first_free_ = static_cast<std::uint32_t>(states_.size() - 1);
+  }
+  flow.state = first_free_;
+  first_free_ = states_[first_free_].newer;
+  ++undecided_;
+  State& state = states_[flow.state];
+  state.ndpi = std::move(ndpi);
+  state.flow = number;
+  state.packets = 0;
+  state.port_application = PortApplication(facts);
+  waiting_.Append(states_, flow.state);
+  return flow.state;
+}
+
+/// Ends the search in the flow that has said nothing for longest.
+void ApplicationDetector::JudgeOldest() {
+  ++not_inspected_;
+  GiveUp(flows_[states_[waiting_.oldest()].flow]);
+}
+
+void ApplicationDetector::GiveUp(Flow& flow) {
+  // Our own knowledge of the ports goes before nDPI's guess, and is what the flow's first packets were counted as.
+  const State& state = states_[flow.state];
+  Decide(flow, state.port_application == 0 ? module_->Guess(state.ndpi.get()) : NdpiModule::Finding{});
+}
+
+void ApplicationDetector::Decide(Flow& flow, NdpiModule::Finding finding) {
+  flow.applications = ApplicationsOf(finding, states_[flow.state].port_application);
+  flow.decided = true;
+  Drop(flow);
+}
+
+/// Frees what looking into the flow has taken.
+void ApplicationDetector::Drop(Flow& flow) {
+  if (flow.state == kNoItem) return;
+  waiting_.Remove(states_, flow.state);
+  states_[flow.state].ndpi.reset();
+  states_[flow.state].newer = first_free_;
+  first_free_ = flow.state;
+  --undecided_;
+  flow.state = kNoItem;
+}
+
+FlowCounts ApplicationDetector::counts() const {
+  return {flows_.begun(), recognised_, flows_.given_up(), not_inspected_};
+}
+
+}  // namespace orvo
