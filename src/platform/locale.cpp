@@ -98,6 +98,7 @@ struct LocaleData {
   std::u16string negative_number = u"1";
   std::u16string negative_sign = u"-";
   std::array<std::u16string, 10> digits;
+  std::array<std::u16string, 100> pairs;  // every number of two digits, for the times of many rows
   std::vector<TimePiece> time;
   std::unique_ptr<icu::SimpleDateFormat> date;
   mutable std::mutex date_lock;  // a format object serves one thread at a time
@@ -265,6 +266,7 @@ const LocaleData* DataOf(Locales& locales, const icu::Locale& locale) {
   auto made = std::make_unique<LocaleData>();
   made->name = FromUtf8(tag);
   ReadSymbols(locale, made.get());
+  for (std::size_t i = 0; i < made->pairs.size(); ++i) made->pairs[i] = made->digits[i / 10] + made->digits[i % 10];
   ReadNumberForm(locale, made.get());
   ReadTimeForm(locale, made.get());
   ReadDateForm(locale, made.get());
@@ -286,6 +288,10 @@ const LocaleData& UserLocale() {
 }
 
 void AppendNumber(const LocaleData& data, int value, std::size_t smallest_length, std::u16string* out) {
+  if (value < 100 && (smallest_length == 2 || (value >= 10 && smallest_length < 2))) {
+    *out += data.pairs[static_cast<std::size_t>(value)];
+    return;
+  }
   std::size_t reversed[16];
   std::size_t length = 0;
   do {
