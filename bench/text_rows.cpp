@@ -227,8 +227,8 @@ void PrintWriterMemory() {
   MillionNodes().MakeTables();
   const long before = PeakKilobytes();
   MillionNodes().Write();
-  std::printf("peak memory after writing %llu rows: %ld KiB more than before\n",
-              static_cast<unsigned long long>(nodes), PeakKilobytes() - before);
+  std::printf("peak memory after writing %llu rows: %ld KiB more than before\n", static_cast<unsigned long long>(nodes),
+              PeakKilobytes() - before);
 }
 
 /// The comparison means something only when both write the same.

@@ -2,8 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
 #include <thread>
-#include <vector>
 
 #include "tests/capture/capture_bytes.h"
 
@@ -93,9 +93,9 @@ TEST(PacketFilterTest, LeavesNoTraceOfWhatIsFilteredOut) {
 
 TEST(PacketFilterTest, FiltersAreMadeInSeveralThreadsAtOnce) {
   const Buffer frame = Ethernet(Mac(2), Mac(1), 0x0800, Ipv4(Ip4(1), Ip4(2), 17, Udp(5000, 53)));
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([&frame] {
+  std::array<std::thread, 4> threads;
+  for (std::thread& thread : threads) {
+    thread = std::thread([&frame] {
       for (int round = 0; round < 20; ++round) {
         SourceError error;
         EXPECT_TRUE(PacketFilter::Make("udp and host 10.0.0.2", &error)->Matches(MakePacket(frame)));

@@ -290,7 +290,8 @@ TEST(Protocols, KeepDatagramAndPayload) {
   EXPECT_EQ(text(facts.payload), "hello");
 
   Buffer udp = Ipv6(Ip6(1), Ip6(2), 60, Extension(17, 1, Udp(1, 2, hello)));
-  facts = decode(kRaw, udp + Zeros(3));
+  frame = udp + Zeros(3);
+  facts = decode(kRaw, frame);
   EXPECT_EQ(facts.network.size(), udp.size());
   EXPECT_EQ(facts.ip_protocol, 17);
   EXPECT_EQ(text(facts.payload), "hello");
@@ -299,7 +300,8 @@ TEST(Protocols, KeepDatagramAndPayload) {
   Buffer sctp = Ip(132, Zeros(12) + heartbeat + Buffer{0, 3, 0, 21} + Zeros(12) + hello + Zeros(3));
   EXPECT_EQ(text(decode(kRaw, sctp).payload), "hello");
 
-  facts = decode(1, Eth(0x0806, Arp()));
+  frame = Eth(0x0806, Arp());
+  facts = decode(1, frame);
   EXPECT_TRUE(facts.network.empty());
   EXPECT_TRUE(facts.payload.empty());
 }

@@ -61,8 +61,7 @@ INSTANTIATE_TEST_SUITE_P(
     Samples, WholeReportTest,
     testing::Values(Sample{"office", "office.pcapng", {}},
                     Sample{"office-german", "office.pcapng", {"--format", "tab", "--locale", "de_DE"}},
-                    Sample{"ipv6", "ipv6.pcap", {}},
-                    Sample{"links", "links.pcapng", {}},
+                    Sample{"ipv6", "ipv6.pcap", {}}, Sample{"links", "links.pcapng", {}},
                     Sample{"nanoseconds", "nanoseconds.pcap", {"--set", "OutputNodeHierarchy=0"}}),
     [](const auto& sample) {
       std::string name = sample.param.name;

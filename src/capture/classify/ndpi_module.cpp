@@ -22,7 +22,7 @@ constexpr std::size_t kIpv6Header = 40;
 
 /// Readers that take the bytes of others for theirs: a few small numbers, TFTP's among them, satisfy them. What their
 /// protocols are known by elsewhere, such as names of servers, still counts.
-constexpr std::array<std::uint16_t, 2> kCredulous{NDPI_PROTOCOL_NOE, NDPI_PROTOCOL_SKYPE_TEAMS};
+constexpr std::array<unsigned, 2> kCredulous{NDPI_PROTOCOL_NOE, NDPI_PROTOCOL_SKYPE_TEAMS};
 
 /// Where the present thread's allocations are counted; null for nowhere.
 thread_local std::size_t* g_counter = nullptr;
@@ -102,7 +102,9 @@ NdpiModule::NdpiModule() : datagram_(kMaxDatagram + kSlack) {
   set_ndpi_debug_function(module_, Silence);
   NDPI_PROTOCOL_BITMASK all;
   NDPI_BITMASK_SET_ALL(all);
-  for (std::uint16_t number : kCredulous) NDPI_DEL_PROTOCOL_FROM_BITMASK(all, number);
+  // The library's own macro for this does not compile without a warning.
+  constexpr unsigned kBits = 32;
+  for (unsigned number : kCredulous) all.fds_bits[number / kBits] &= ~(1U << (number % kBits));
   ndpi_set_protocol_detection_bitmask2(module_, &all);
   ndpi_finalize_initialization(module_);
 }

@@ -18,8 +18,9 @@ constexpr std::uint8_t kAddressLength = 10;
 /// The service's socket: a number below those that clients are given; of two, the lower.
 std::uint32_t ServiceSocket(Bytes header) {
   constexpr std::uint16_t kFirstDynamic = 0x4000;
-  auto [low, high] =
-      std::minmax(Read16(header, kDestination + kAddressLength), Read16(header, kSource + kAddressLength));
+  std::uint16_t to = Read16(header, kDestination + kAddressLength);
+  std::uint16_t from = Read16(header, kSource + kAddressLength);
+  auto [low, high] = std::minmax(to, from);
   return low != 0 && low < kFirstDynamic ? low : high;
 }
 

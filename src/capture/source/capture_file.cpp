@@ -33,31 +33,38 @@ SourceError ErrnoRefusal(int code, const std::string& path) {
                  "cannot be opened (" + std::generic_category().message(code) + ")" + remedy);
 }
 
+/// What speaks against opening the path, or nothing. It is looked at first, since opening some devices has effects.
+SourceError Judge(const std::string& path, std::uint64_t* size) {
+  struct stat about {};
+  if (stat(path.c_str(), &about) != 0) return ErrnoRefusal(errno, path);
+  if (S_ISDIR(about.st_mode)) {
+    return Refusal(StatusFromError(kErrorIsAFolder), path, "is a folder; name a capture file in it");
+  }
+  if (S_ISFIFO(about.st_mode)) return {};
+  if (!S_ISREG(about.st_mode)) {
+    return Refusal(E_INVALIDARG, path, "is neither a file nor a pipe; name a capture file");
+  }
+  if (about.st_size == 0) {
+    return Refusal(E_FAIL, path, "is empty; a capture starts with a header, record it again");
+  }
+  *size = static_cast<std::uint64_t>(about.st_size);
+  return {};
+}
+
 /// The file's bytes; null and the cause in `error`.
 std::unique_ptr<ByteReader> OpenBytes(const std::string& path, SourceError* error) {
-  // Looked at before it is opened, since opening some devices has effects.
-  struct stat about {};
-  if (stat(path.c_str(), &about) != 0) {
-    *error = ErrnoRefusal(errno, path);
-  } else if (S_ISDIR(about.st_mode)) {
-    *error = Refusal(StatusFromError(kErrorIsAFolder), path, "is a folder; name a capture file in it");
-  } else if (!S_ISREG(about.st_mode) && !S_ISFIFO(about.st_mode)) {
-    *error = Refusal(E_INVALIDARG, path, "is neither a file nor a pipe; name a capture file");
-  } else if (S_ISREG(about.st_mode) && about.st_size == 0) {
-    *error = Refusal(E_FAIL, path, "is empty; a capture starts with a header, record it again");
-  } else if (int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC); descriptor < 0) {
-    *error = ErrnoRefusal(errno, path);
-  } else {
-    return std::make_unique<FileReader>(descriptor,
-                                        S_ISREG(about.st_mode) ? static_cast<std::uint64_t>(about.st_size) : 0);
-  }
+  std::uint64_t size = 0;
+  *error = Judge(path, &size);
+  if (Failed(error->status)) return nullptr;
+  const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor >= 0) return std::make_unique<FileReader>(descriptor, size);
+  *error = ErrnoRefusal(errno, path);
   return nullptr;
 }
 
 }  // namespace
 
 std::unique_ptr<PacketSource> OpenCaptureFile(const std::string& path, SourceError* error) {
-  *error = {};
   std::unique_ptr<ByteReader> bytes = OpenBytes(path, error);
   if (!bytes) return nullptr;
   ByteWindow window(std::move(bytes));

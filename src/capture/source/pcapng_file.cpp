@@ -171,7 +171,7 @@ class PcapngFile final : public FileSource {
     if (body.size() < 8) return Damaged("an interface description is too short");
     if (interfaces_.size() == kMaxInterfaces) return Damaged("a section describes more than 65536 interfaces");
     Interface added;
-    added.link_type = LinkTypeFromFile(Load16(&body[0]));
+    added.link_type = LinkTypeFromFile(Load16(body.data()));
     added.decodable = IsDecodable(added.link_type);
     added.snap_length = Load32(&body[4]);
     added.number = static_cast<std::uint32_t>(std::min(interfaces_before_ + interfaces_.size(), kMaxInterfaces - 1));
@@ -188,7 +188,7 @@ class PcapngFile final : public FileSource {
 
   void ReadStatistics(Bytes body) {
     if (body.size() < 12) return;
-    const std::uint32_t identifier = Load32(&body[0]);
+    const std::uint32_t identifier = Load32(body.data());
     if (identifier >= interfaces_.size()) return;
     std::uint64_t total = 0;
     ForEachOption(body.subspan(12), [&](std::uint16_t code, Bytes value) {
@@ -205,7 +205,7 @@ class PcapngFile final : public FileSource {
   bool ReadEnhancedPacket(Bytes body, Packet* packet) {
     constexpr std::size_t kFixed = 20;
     if (body.size() < kFixed) return LeaveOut("is too short");
-    Interface* from = FindInterface(Load32(&body[0]));
+    Interface* from = FindInterface(Load32(body.data()));
     if (!from) return LeaveOut("names an interface that was not described");
     const std::uint32_t captured = Load32(&body[12]);
     const Bytes rest = body.subspan(kFixed);
@@ -223,7 +223,7 @@ class PcapngFile final : public FileSource {
     constexpr std::size_t kFixed = 20;
     constexpr std::uint16_t kDropsUnknown = 0xFFFF;
     if (body.size() < kFixed) return LeaveOut("is too short");
-    Interface* from = FindInterface(Load16(&body[0]));
+    Interface* from = FindInterface(Load16(body.data()));
     if (!from) return LeaveOut("names an interface that was not described");
     const std::uint32_t captured = Load32(&body[12]);
     if (captured > body.size() - kFixed) return LeaveOut("is longer than its block");
@@ -237,7 +237,7 @@ class PcapngFile final : public FileSource {
     if (body.size() < 4) return LeaveOut("is too short");
     Interface* from = FindInterface(0);
     if (!from) return LeaveOut("names an interface that was not described");
-    const std::uint32_t original = Load32(&body[0]);
+    const std::uint32_t original = Load32(body.data());
     // The captured length is told nowhere: it is what the interface was made to capture of the original.
     std::size_t captured = original;
     if (from->snap_length != 0) captured = std::min<std::size_t>(captured, from->snap_length);
@@ -279,7 +279,7 @@ class PcapngFile final : public FileSource {
   template <class Use>
   void ForEachOption(Bytes options, Use use) const {
     while (options.size() >= 4) {
-      const std::uint16_t code = Load16(&options[0]), length = Load16(&options[2]);
+      const std::uint16_t code = Load16(options.data()), length = Load16(&options[2]);
       options = options.subspan(4);
       if (code == kEndOfOptions || length > options.size()) return;
       use(code, options.first(length));
