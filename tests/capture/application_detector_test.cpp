@@ -118,10 +118,10 @@ TEST_F(ApplicationDetectorTest, FreesAtOnceWhatLookingIntoAFlowTook) {
     EXPECT_EQ(Path(UdpPacket(30000 + i, 9999, DnsQuery())), "IPv4/UDP/DNS");
   }
   EXPECT_EQ(detector_->undecided_bytes(), base);
-  for (std::uint8_t i = 0; i < 5; ++i) Path(UdpPacket(20000, 9999, Noise(i)));
+  for (std::uint8_t i = 0; i < 3; ++i) Path(UdpPacket(20000, 9999, Noise(i)));
   EXPECT_EQ(detector_->undecided(), 1U);
   EXPECT_GT(detector_->undecided_bytes(), base + 500);
-  Path(UdpPacket(20000, 9999, Noise(5)));  // enough seen
+  Path(UdpPacket(20000, 9999, Noise(3)));  // enough seen
   EXPECT_EQ(detector_->undecided(), 0U);
   EXPECT_EQ(detector_->undecided_bytes(), base);
   // A flow that ends or is forgotten before it was recognised leaves nothing behind either.

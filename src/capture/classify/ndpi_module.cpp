@@ -3,6 +3,7 @@
 #include <ndpi_api.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
@@ -18,6 +19,10 @@ constexpr std::size_t kMaxDatagram = 65535;
 constexpr std::size_t kSlack = 256;
 constexpr std::size_t kIpv4Header = 20;
 constexpr std::size_t kIpv6Header = 40;
+
+/// Readers that take the bytes of others for theirs: a few small numbers, TFTP's among them, satisfy them. What their
+/// protocols are known by elsewhere, such as names of servers, still counts.
+constexpr std::array<unsigned, 2> kCredulous{NDPI_PROTOCOL_NOE, NDPI_PROTOCOL_SKYPE_TEAMS};
 
 /// Where the present thread's allocations are counted; null for nowhere.
 thread_local std::size_t* g_counter = nullptr;
@@ -97,10 +102,9 @@ NdpiModule::NdpiModule() : datagram_(kMaxDatagram + kSlack) {
   set_ndpi_debug_function(module_, Silence);
   NDPI_PROTOCOL_BITMASK all;
   NDPI_BITMASK_SET_ALL(all);
-  // A telephone protocol whose sign is so short that blocks of TFTP bear it, too.
-  // (The library's own macro for this does not compile without a warning.)
+  // The library's own macro for this does not compile without a warning.
   constexpr unsigned kBits = 32;
-  all.fds_bits[NDPI_PROTOCOL_NOE / kBits] &= ~(1U << (NDPI_PROTOCOL_NOE % kBits));
+  for (unsigned number : kCredulous) all.fds_bits[number / kBits] &= ~(1U << (number % kBits));
   ndpi_set_protocol_detection_bitmask2(module_, &all);
   ndpi_finalize_initialization(module_);
 }
