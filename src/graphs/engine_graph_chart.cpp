@@ -85,8 +85,7 @@ Status ReportUtil::EngineGraphChart(IGraph* graph, std::uint64_t span, std::uint
     Check(graph->GetSeries(source.Out()));
     if (!source) Raise(E_FAIL);
     Check(source->GetCount(&series_count));
-    const Selection selection =
-        lacks_site ? SelectAll(samples) : SelectLast(span, report_time, interval, samples);
+    const Selection selection = lacks_site ? SelectAll(samples) : SelectLast(span, report_time, interval, samples);
 
     ChartBuilder chart(kChartOverTime);
     chart.data.SetPointCount(selection.points);

@@ -28,6 +28,16 @@ constexpr double kGreatestValue = 1e300;
 /// What is measured for the height of the title, whatever the title is.
 constexpr std::u16string_view kSampleTitle = u"Sample title";
 
+/// A line for which there is no room is written in smaller letters, down to this size, before it is cut.
+constexpr double kSmallestTitle = 8;
+
+TextLine FitTitle(std::u16string_view text, Font font, double room) {
+  TextLine line(text, font, room);
+  if (!line.elided()) return line;
+  font.points = std::max(std::floor(font.points * 2 * room / TextLine(text, font).width()) / 2, kSmallestTitle);
+  return {text, font, room};
+}
+
 /// One or two lines, centred at the top of the picture.
 class TitleBlock {
  public:
@@ -62,7 +72,7 @@ class TitleBlock {
 
   void Add(std::u16string_view text, const Font& font) {
     if (text.empty() || !(area_.width > 0)) return;
-    lines_.push_back({TextLine(text, font, area_.width), MeasureFont(font)});
+    lines_.push_back({FitTitle(text, font, area_.width), MeasureFont(font)});
   }
 
   RectF area_;

@@ -10,9 +10,9 @@
 
 namespace orvo {
 
-/// The numbers of one chart: series with one value for each point, and a label for some of the points. The points form a
-/// ring: samples are appended through a cursor, and readers see the newest one at the last point, older ones to its left
-/// in order. When more samples are written than there are points, the newest remain.
+/// The numbers of one chart: series with one value for each point, and a label for some of the points. The points form
+/// a ring: samples are appended through a cursor, and readers see the newest one at the last point, older ones to its
+/// left in order. When more samples are written than there are points, the newest remain.
 ///
 /// Whoever writes speaks of slots, which stay where they are; whoever reads speaks of points, 0 at the left.
 class CZxGraphDataStorage {

@@ -13,7 +13,7 @@ namespace {
 constexpr double kPadding = 4;
 constexpr double kColumnGap = 10;
 /// A column that is narrower shows nothing of a name; one that is wider is for names that are cut.
-constexpr double kNarrowestColumn = 44;
+constexpr double kNarrowestColumn = 56;
 constexpr double kWidestColumn = 240;
 
 std::uint32_t Whole(double number) {
@@ -49,7 +49,7 @@ std::uint32_t Legend::ColumnsFor(double width, double entry_width) const {
 }
 
 Legend::Arrangement Legend::Box(std::uint32_t rows, std::uint32_t columns, double most_width) const {
-  const double width = std::min(columns * EntryWidth() + 2 * kPadding, most_width);
+  const double width = std::min(columns * EntryWidth() - kColumnGap + 2 * kPadding + kSmallGap, most_width);
   return {rows, columns, std::floor(width), rows * line_ + 2 * kPadding};
 }
 
@@ -79,7 +79,7 @@ Legend::Arrangement Legend::Tall(double most_width, double most_height) const {
 
 void Legend::Draw(Canvas* canvas, PointF corner, const Arrangement& arrangement) const {
   canvas->DrawRectangle({corner.x + 0.5, corner.y + 0.5, arrangement.width - 1, arrangement.height - 1}, kLegendPen);
-  const double column_width = (arrangement.width - 2 * kPadding) / arrangement.columns;
+  const double column_width = (arrangement.width - 2 * kPadding - kSmallGap + kColumnGap) / arrangement.columns;
   const std::size_t places = std::size_t{arrangement.rows} * arrangement.columns;
   for (std::size_t i = 0; i < std::min(entries_.size(), places); ++i) {
     const double x = std::floor(corner.x + kPadding + static_cast<double>(i / arrangement.rows) * column_width);

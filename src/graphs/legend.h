@@ -8,9 +8,9 @@
 
 namespace orvo {
 
-/// The names and colours of the series that have values, in a box: entries run down the columns, which are spaced evenly
-/// over its width. A name that is too long for its column is cut with "…"; when there is no room for all entries, the
-/// last place says how many are left out.
+/// The names and colours of the series that have values, in a box: entries run down the columns, which are spaced
+/// evenly over its width. A name that is too long for its column is cut with "…"; when there is no room for all
+/// entries, the last place says how many are left out.
 class Legend {
  public:
   /// Raises std::bad_alloc.

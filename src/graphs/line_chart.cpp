@@ -68,7 +68,7 @@ class LineChart {
     const double top = area_.y + std::ceil(label_font_.height() / 2);
     MeasureTicks(bottom - top);
     double left = area_.x + label_width_ + kGap;
-    if (!options_.value_axis_title.empty()) left += std::ceil(title_font_.height()) + kSmallGap;
+    if (!options_.value_axis_title.empty()) left += std::ceil(title_font_.height()) + kGap;
     if (point_labels_.height() == 0) bottom -= std::ceil(label_font_.height() / 2);
     plot_ = {std::floor(left), std::floor(top), std::floor(area_.right() - left - kGap), std::floor(bottom - top)};
   }

@@ -17,14 +17,17 @@ namespace {
 
 constexpr double kWholeTurn = 2 * std::numbers::pi;
 constexpr double kTop = -kWholeTurn / 4;
-/// Room for a label is measured on this text, and a third of its width added at either side.
+/// At either side of a pie with names there is room for this text and a third of its width.
 constexpr std::u16string_view kRoomSample = u"999.9%%";
 /// A smaller pie goes without labels.
 constexpr double kLeastRadius = 24;
-/// Parts of the area that the legend, and a label, take at most.
+/// Parts of the area that the legend takes at most.
 constexpr double kMostLegendWidth = 0.45;
 constexpr double kMostLegendHeight = 0.4;
-constexpr double kMostLabelWidth = 0.28;
+/// A label takes at most this part of the width, unless that is too little for a label of usual length.
+constexpr double kMostLabelWidth = 0.2;
+constexpr double kUsualLabelWidth = 100;
+constexpr double kMostUsualLabelWidth = 0.33;
 constexpr double kLabelGap = 7;
 
 /// A colour as on paper: three quarters of the brightness, and opaque.
@@ -39,8 +42,8 @@ std::u16string Percentage(const char* format, double share) {
   return WidenAscii(text);
 }
 
-/// The name of a slice, if it is shown, and its share behind it. They are two texts, so that a name that reads leftwards
-/// does not take the share along.
+/// The name of a slice, if it is shown, and its share behind it. They are two texts, so that a name that reads
+/// leftwards does not take the share along.
 struct SliceLabel {
   std::vector<TextLine> parts;
   double width = 0;
@@ -58,7 +61,7 @@ class PieChart {
     shape_.gap = kLabelGap;
     shape_.line_height = std::ceil(font_.height());
     for (const PieSlice& slice : slices_) AddLabel(kind, slice);
-    room_ = TextLine(kRoomSample, kLabelFont).width() * 5 / 3;
+    if (kind == kChartNamedPie) room_ = TextLine(kRoomSample, kLabelFont).width() * 4 / 3;
     for (const SliceLabel& label : labels_) room_ = std::max(room_, label.width + kLabelGap + kSmallGap);
   }
 
@@ -77,16 +80,16 @@ class PieChart {
     SliceLabel label;
     const bool named = kind == kChartNamedPie;
     TextLine share(Percentage(named ? " %3.1f%%" : "%3.1f%%", slice.share), kLabelFont);
-    const double most = std::max(area_.width * kMostLabelWidth - share.width(), 0.0);
+    const double usual = std::min(kUsualLabelWidth, area_.width * kMostUsualLabelWidth);
+    const double most = std::max(area_.width * kMostLabelWidth, usual) - share.width();
     if (named) label.Add(TextLine(data_.SeriesName(slice.series), kLabelFont, most));
     label.Add(std::move(share));
     labels_.push_back(std::move(label));
   }
 
-  /// The largest radius that leaves room for the labels within a rectangle.
-  double RadiusIn(const RectF& r) const {
-    return std::min(r.width / 2 - room_, r.height / 2 - shape_.line_height - kSmallGap);
-  }
+  /// The largest radius that leaves room for the labels at both sides. Those near the top and the bottom stand aside of
+  /// the circle too.
+  double RadiusIn(const RectF& r) const { return std::min(r.width / 2 - room_, r.height / 2 - shape_.line_height / 2); }
 
   void Arrange() {
     plot_ = area_;
@@ -119,7 +122,7 @@ class PieChart {
   }
 
   void DrawSlices(Canvas* canvas) const {
-    if (slices_.empty()) canvas->DrawEllipse(Circle(), {kPlainGridColour, 1});
+    if (slices_.empty()) canvas->DrawEllipse(Circle(), {kAxisColour, 1});
     for (const PieSlice& slice : slices_) {
       canvas->FillPie(Circle(), slice.start, slice.sweep, data_.SeriesColour(slice.series));
     }
@@ -140,8 +143,9 @@ class PieChart {
       const SliceLabel& label = labels_[place.label];
       if (place.moved) {
         const double angle = slices_[place.label].middle();
-        const PointF line[] = {OnRay(angle, shape_.radius + 1), OnRay(angle, shape_.radius + kLabelGap / 2),
-                               {place.x + (place.on_right ? -1.5 : 1.5), place.y}};
+        const PointF line[] = {OnRay(angle, shape_.radius + 1),
+                               OnRay(angle, shape_.radius + kLabelGap / 2),
+                               {place.x + (place.on_right ? -2.5 : 2.5), place.y}};
         canvas->DrawLines(line, {kAxisColour, 0.75});
       }
       double x = place.on_right ? place.x : place.x - label.width;

@@ -55,8 +55,8 @@ class ReportUtil {
   /// How many packets there are of which size.
   Status SizeDistributionChart(ISizeStats* sizes, const char16_t* file, std::int32_t width, std::int32_t height);
   /// A graph of the engine's, in at most 300 points. With `lacks_site` it shows all samples that the graph has from the
-  /// first on; without, those of the last `span` seconds before the report, which are an hour at least. `report_time` is
-  /// in nanoseconds since 1601-01-01 UTC.
+  /// first on; without, those of the last `span` seconds before the report, which are an hour at least. `report_time`
+  /// is in nanoseconds since 1601-01-01 UTC.
   Status EngineGraphChart(IGraph* graph, std::uint64_t span, std::uint64_t report_time, bool lacks_site,
                           const char16_t* file, std::int32_t width, std::int32_t height);
 

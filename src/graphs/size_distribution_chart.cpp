@@ -14,14 +14,13 @@ using Labels = std::span<const std::u16string_view>;
 
 constexpr std::array<std::u16string_view, 6> kEthernetLabels{u"<= 64",    u"65-127",    u"256-511",
                                                              u"512-1023", u"1024-1517", u">= 1518"};
-constexpr std::array<std::u16string_view, 9> kTokenRingLabels{u"18-63",     u"64-127",     u"256-511",
-                                                              u"512-1023",  u"1024-2047",  u"2048-4095",
-                                                              u"4096-8191", u"8192-17999", u">= 18000"};
+constexpr std::array<std::u16string_view, 9> kTokenRingLabels{
+    u"18-63", u"64-127", u"256-511", u"512-1023", u"1024-2047", u"2048-4095", u"4096-8191", u"8192-17999", u">= 18000"};
 constexpr std::array<std::u16string_view, 7> kWirelessLabels{u"< 64",      u"64-127",    u"256-511", u"512-1023",
                                                              u"1024-2047", u"2048-2346", u">= 2347"};
-constexpr std::array<std::u16string_view, 11> kJumboLabels{
-    u"<= 64",     u"65-127",    u"256-511",   u"512-1023",  u"1024-1518", u"1519-2047",
-    u"2048-4095", u"4096-8191", u"8192-9017", u"9018-9022", u">= 9023"};
+constexpr std::array<std::u16string_view, 11> kJumboLabels{u"<= 64",     u"65-127",    u"256-511",   u"512-1023",
+                                                           u"1024-1518", u"1519-2047", u"2048-4095", u"4096-8191",
+                                                           u"8192-9017", u"9018-9022", u">= 9023"};
 constexpr std::array<std::u16string_view, 2> kUnknownLabels{u"256-511", u"512-1023"};
 
 Labels LabelsOf(std::uint32_t scheme) {

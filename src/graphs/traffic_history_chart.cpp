@@ -26,9 +26,9 @@ struct Window {
 };
 
 constexpr std::array kWindows{
-    Window{120, 1, kStrWindow2Minutes},      Window{600, 5, kStrWindow10Minutes},  Window{1800, 10, kStrWindow30Minutes},
-    Window{3600, 30, kStrWindow1Hour},       Window{7200, 60, kStrWindow2Hours},   Window{21600, 120, kStrWindow6Hours},
-    Window{43200, 300, kStrWindow12Hours},   Window{86400, 600, kStrWindowDay},    Window{604800, 3600, kStrWindowWeek},
+    Window{120, 1, kStrWindow2Minutes},      Window{600, 5, kStrWindow10Minutes}, Window{1800, 10, kStrWindow30Minutes},
+    Window{3600, 30, kStrWindow1Hour},       Window{7200, 60, kStrWindow2Hours},  Window{21600, 120, kStrWindow6Hours},
+    Window{43200, 300, kStrWindow12Hours},   Window{86400, 600, kStrWindowDay},   Window{604800, 3600, kStrWindowWeek},
     Window{2678400, 21600, kStrWindowMonth}, Window{0, 86400, kStrWindowYear},
 };
 

@@ -133,16 +133,20 @@ void Canvas::Text(const TextLine& text, PointF base, double angle, Argb colour) 
   UseColour(state_->cairo, colour);
   cairo_translate(state_->cairo, std::round(base.x), std::round(base.y));
   cairo_rotate(state_->cairo, angle);
-  cairo_move_to(state_->cairo, 0, 0);
+  cairo_move_to(state_->cairo, -std::round(line.indent), 0);
   pango_cairo_show_layout_line(state_->cairo, first);
   cairo_new_path(state_->cairo);
   cairo_restore(state_->cairo);
 }
 
-void Canvas::DrawBitmap(const Bitmap& bitmap, PointF corner) {
-  if (!IsDrawable(corner) || !bitmap.surface()) return;
-  cairo_set_source_surface(state_->cairo, bitmap.surface()->cairo, std::round(corner.x), std::round(corner.y));
+void Canvas::DrawBitmap(const Bitmap& bitmap, const RectF& place) {
+  if (!IsDrawable(place) || !(place.width > 0) || !(place.height > 0) || !bitmap.surface()) return;
+  cairo_save(state_->cairo);
+  cairo_translate(state_->cairo, place.x, place.y);
+  cairo_scale(state_->cairo, place.width / bitmap.width(), place.height / bitmap.height());
+  cairo_set_source_surface(state_->cairo, bitmap.surface()->cairo, 0, 0);
   cairo_paint(state_->cairo);
+  cairo_restore(state_->cairo);
 }
 
 }  // namespace orvo

@@ -9,8 +9,8 @@
 
 namespace orvo {
 
-/// Draws on a bitmap, which must outlive it, with smooth edges. What lies outside the bitmap is not seen; what cannot be
-/// drawn (a position that is no number, no memory) is left out.
+/// Draws on a bitmap, which must outlive it, with smooth edges. What lies outside the bitmap is not seen; what cannot
+/// be drawn (a position that is no number, no memory) is left out.
 class ORVO_PLATFORM_API Canvas {
  public:
   explicit Canvas(Bitmap* bitmap);
@@ -38,8 +38,8 @@ class ORVO_PLATFORM_API Canvas {
   /// The line of text reading upwards: it begins at `base` and goes up, its base line the vertical through it.
   void DrawTextUpwards(const TextLine& text, PointF base, Argb colour);
 
-  /// Another bitmap with its upper left corner there.
-  void DrawBitmap(const Bitmap& bitmap, PointF corner);
+  /// Another bitmap, made to fill a rectangle.
+  void DrawBitmap(const Bitmap& bitmap, const RectF& place);
 
  private:
   struct State;

@@ -46,6 +46,7 @@ class FontLibrary {
 struct TextLine::Layout {
   std::shared_ptr<FontLibrary> fonts;
   PangoLayout* layout = nullptr;
+  double indent = 0;  ///< pixels at the left end that are not shown
 
   explicit Layout(std::shared_ptr<FontLibrary> library) : fonts(std::move(library)) {}
   Layout(const Layout&) = delete;

@@ -67,7 +67,11 @@ TextLine::TextLine(std::u16string_view text, const Font& font, double most_width
   if (width_ <= most_width) return;
   pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
   pango_layout_set_width(layout, static_cast<int>(std::max(most_width, 0.0) * PANGO_SCALE));
-  width_ = WidthOf(layout);
+  // Pango makes the ellipsis as wide as the room that is left; what can be seen of the line is narrower.
+  PangoRectangle seen;
+  pango_layout_line_get_extents(pango_layout_get_line_readonly(layout, 0), &seen, nullptr);
+  width_ = Pixels(seen.width);
+  layout_->indent = Pixels(seen.x);
   elided_ = true;
 }
 

@@ -33,6 +33,19 @@ struct ScriptedProtocol {
   std::uint16_t parent = 0;
 };
 
+/// One graph: series of equally many samples, and the time of the first.
+struct ScriptedGraph {
+  std::u16string name;
+  std::u16string title;
+  std::uint32_t interval = 1;
+  std::uint64_t start = 0;
+  struct Series {
+    std::u16string name;
+    std::vector<double> samples;
+  };
+  std::vector<Series> series;
+};
+
 /// What a scripted engine answers, as plain data. Node, hierarchy and protocol entries refer to addresses by index.
 struct Script {
   std::vector<AddressRecord> addresses;
@@ -42,6 +55,12 @@ struct Script {
   std::vector<ScriptedConversation> conversations;
   std::vector<ScriptedStat> summary;
   std::map<Guid, std::u16string> group_names;
+  std::vector<double> history;  ///< bytes per second
+  std::uint32_t history_interval = 1;
+  std::uint64_t history_start = 0;
+  std::uint32_t size_scheme = kSizesEthernet;
+  std::vector<std::uint64_t> size_buckets;
+  std::vector<ScriptedGraph> graphs;
   std::uint32_t medium_type = kMediumEthernet;
   std::uint32_t medium_subtype = kSubtypeWired;
   std::uint64_t start_time = 0;
@@ -82,6 +101,8 @@ class ScriptedEngine {
   bool fixed = false;
 
   ComPtr<IStatsContext> Context();
+  /// The graphs of the live script as it is now.
+  ComPtr<IGraphCollection> Graphs();
 
   /// Lets the n-th call (from 1) of an operation ("INodeStats::FindByAddress") fail with a status.
   void Fail(std::string_view operation, int nth, Status status);

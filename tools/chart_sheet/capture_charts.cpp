@@ -62,8 +62,7 @@ void DrawCapture(const std::string& capture, Pictures* pictures) {
   ComPtr<ISizeStats> sizes;
   Check(GetCategory(context.get(), kTrafficHistoryCategory, &history));
   Check(GetCategory(context.get(), kSizeCategory, &sizes));
-  pictures->Add("traffic-history",
-                [&](auto... place) { return util.TrafficHistoryChart(history.get(), place...); });
+  pictures->Add("traffic-history", [&](auto... place) { return util.TrafficHistoryChart(history.get(), place...); });
   pictures->Add("top-talkers", [&](auto... place) { return util.TopTalkersChart(context.get(), place...); });
   pictures->Add("size-distribution", [&](auto... place) { return util.SizeDistributionChart(sizes.get(), place...); });
   DrawGraphs(&engine, &util, pictures);

@@ -35,7 +35,8 @@ void AddOptions(CLI::App* parser, Options* options) {
       ->type_name("N")
       ->check(CLI::Range(1, Bitmap::kLongestSide))
       ->capture_default_str();
-  parser->add_flag("--showcase", options->showcase, "Draw made-up data that is hard to show well, in place of a capture")
+  parser
+      ->add_flag("--showcase", options->showcase, "Draw made-up data that is hard to show well, in place of a capture")
       ->excludes(capture);
 }
 

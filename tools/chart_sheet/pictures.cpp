@@ -16,7 +16,9 @@ namespace orvo::tools {
 namespace {
 
 constexpr Argb kSheetColour = 0xFFE9ECF0;
-constexpr std::int32_t kMargin = 12;
+constexpr double kMargin = 12;
+/// Pictures are made smaller where the sheet would become longer or wider.
+constexpr double kLongestSide = 2400;
 
 void Require(Status status, std::string_view what) {
   if (Failed(status)) throw ToolError(fmt::format("{}: {}", what, ToUtf8(SystemMessage(status))));
@@ -48,17 +50,21 @@ void Pictures::WriteContactSheet() const {
   const double shape = static_cast<double>(height_) / width_;
   const std::int32_t columns = std::clamp(static_cast<std::int32_t>(std::lround(std::sqrt(count * shape))), 1, count);
   const std::int32_t rows = (count + columns - 1) / columns;
-  auto place = [](std::int32_t number, std::int32_t length) { return kMargin + number * (length + kMargin); };
+  const double scale = std::min({1.0, kLongestSide / (columns * width_), kLongestSide / (rows * height_)});
+  const double width = std::floor(width_ * scale);
+  const double height = std::floor(height_ * scale);
+  auto place = [](std::int32_t number, double length) { return kMargin + number * (length + kMargin); };
 
   const std::string what = "contact-sheet.png";
   Bitmap sheet;
-  Require(Bitmap::Create(place(columns, width_), place(rows, height_), kSheetColour, &sheet), what);
+  Require(Bitmap::Create(static_cast<int>(place(columns, width)), static_cast<int>(place(rows, height)), kSheetColour,
+                         &sheet),
+          what);
   Canvas canvas(&sheet);
   for (std::int32_t i = 0; i < count; ++i) {
     Bitmap picture;
     Require(Bitmap::Load(PathOf(names_[static_cast<std::size_t>(i)]), &picture), what);
-    canvas.DrawBitmap(picture, {static_cast<double>(place(i % columns, width_)),
-                                static_cast<double>(place(i / columns, height_))});
+    canvas.DrawBitmap(picture, {place(i % columns, width), place(i / columns, height), width, height});
   }
   Require(sheet.Save(u"image/png", PathOf("contact-sheet")), what);
 }

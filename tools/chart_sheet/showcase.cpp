@@ -59,7 +59,8 @@ std::vector<LineCase> LineCases() {
       {.name = "line-gaps", .title = u"Gaps and Single Points", .series = Names({u"Seen"}), .gaps = true},
       {.name = "line-single", .title = u"A Single Point", .series = Names({u"TCP"}), .points = 1},
       {.name = "line-names",
-       .title = u"A title that is so long that no picture has room for all of it, whatever its width may be, at any time",
+       .title =
+           u"A title that is so long that no picture has room for all of it, whatever its width may be, at any time",
        .series = Names({u"a-host-with-a-very-long-name.department.branch.example.com", u"日本語のプロトコル名",
                         u"בדיקת רשת ארוכה מאוד (TCP)", u"سلام 123", u"Übergrößenträger", u""})},
   };
@@ -76,7 +77,8 @@ void DrawLine(const LineCase& line, Pictures* pictures) {
       const double value = gap ? CZxGraphDataStorage::kMissing : (Wave(series, point) + line.shift) * line.factor;
       data.SetValue(series, slot, line.gaps && point == 50 ? std::numeric_limits<double>::quiet_NaN() : value);
       if (series != 0 || point % 10 != 0) continue;
-      data.SetPointLabel(slot, FromUtf8(fmt::format("{}14:{:02}:{:02}", line.dates ? "11/23/2026 " : "", point / 60, point % 60)));
+      data.SetPointLabel(
+          slot, FromUtf8(fmt::format("{}14:{:02}:{:02}", line.dates ? "11/23/2026 " : "", point / 60, point % 60)));
     }
   }
   CZxGDIPlusGraphTool tool;
@@ -115,7 +117,11 @@ std::vector<PieCase> PieCases() {
       {"pie-thin-first", u"Thin Slices First", kChartNamedPie, sizes, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 2000}},
       {"pie-even", u"Even Slices", kChartNamedPie, sizes, std::vector<double>(11, 1)},
       {"pie-hosts", u"Top Talkers by IP Address", kChartSharePie, hosts, {812, 410, 300, 120, 90, 60, 44, 23, 12, 150}},
-      {"pie-hosts-thin", u"Top Talkers by IP Address", kChartSharePie, hosts, {9000, 70, 60, 50, 40, 30, 20, 10, 5, 90}},
+      {"pie-hosts-thin",
+       u"Top Talkers by IP Address",
+       kChartSharePie,
+       hosts,
+       {9000, 70, 60, 50, 40, 30, 20, 10, 5, 90}},
       {"pie-names", u"Long Names and Other Scripts", kChartNamedPie, long_names, {5, 4, 3, 2, 2, 1}},
       {"pie-names-share", u"Long Names and Other Scripts", kChartSharePie, long_names, {5, 4, 3, 2, 2, 1}},
   };
