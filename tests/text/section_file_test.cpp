@@ -170,7 +170,7 @@ TEST_F(SectionFileTest, OfParallelWritersOneAtATimeWritesAndTheHeaderStandsOnce)
     writers.emplace_back([&] {
       for (int round = 0; round < 50; ++round) {
         SectionFile file;
-        if (Failed(Guard([&] { file.Open(path, "header\n"); }))) continue;
+        if (Failed(Guard([&] { file.Open(path, [] { return "header\n"; }); }))) continue;
         for (const char* row : {"one", "two"}) {
           file.row().Append(row);
           file.EndRow();
