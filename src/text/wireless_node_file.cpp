@@ -15,7 +15,6 @@ using Node = WirelessNodeEntry;
 using Strength = WirelessStrength;
 
 using wireless_node::Authentication;
-using wireless_node::AverageSize;
 using wireless_node::BroadcastName;
 using wireless_node::BroadcastPackets;
 using wireless_node::Channel;
@@ -29,7 +28,6 @@ using wireless_node::MinSize;
 using wireless_node::NetworkName;
 using wireless_node::Percent;
 using wireless_node::Privacy;
-using wireless_node::Time;
 using wireless_node::Trust;
 using wireless_node::Type;
 using wireless_node::WepKey;
@@ -67,10 +65,10 @@ Value AssociationStrength(const NodeRow& row) {
 // clang-format off
 constexpr Column<NodeRow> kColumns[] = {
     {kStrType, kSwitchWLANType, Of<Type>},
-    {kStrFirstTimeSent, kSwitchWLANFirstTimeSent, Of<Time<&Node::first_time_sent>>},
-    {kStrLastTimeSent, kSwitchWLANLastTimeSent, Of<Time<&Node::last_time_sent>>},
-    {kStrFirstTimeReceived, kSwitchWLANFirstTimeReceived, Of<Time<&Node::first_time_received>>},
-    {kStrLastTimeReceived, kSwitchWLANLastTimeReceived, Of<Time<&Node::last_time_received>>},
+    {kStrFirstTimeSent, kSwitchWLANFirstTimeSent, Of<wireless_node::Time<&Node::first_time_sent>>},
+    {kStrLastTimeSent, kSwitchWLANLastTimeSent, Of<wireless_node::Time<&Node::last_time_sent>>},
+    {kStrFirstTimeReceived, kSwitchWLANFirstTimeReceived, Of<wireless_node::Time<&Node::first_time_received>>},
+    {kStrLastTimeReceived, kSwitchWLANLastTimeReceived, Of<wireless_node::Time<&Node::last_time_received>>},
     {kStrPacketsSent, kSwitchWLANPacketsSent, Of<Count<&Node::packets_sent>>},
     {kStrPacketsReceived, kSwitchWLANPacketsReceived, Of<Count<&Node::packets_received>>},
     {kStrBytesSent, kAlways, Of<Count<&Node::bytes_sent>>},
@@ -81,10 +79,10 @@ constexpr Column<NodeRow> kColumns[] = {
     {kStrMulticastBytes, kSwitchWLANMulticastBytes, Sent<Count<&Node::multicast_bytes>>},
     {kStrMinSizeSent, kSwitchWLANMinSizeSent, Sent<MinSize<&Node::min_size_sent>>},
     {kStrMaxSizeSent, kSwitchWLANMaxSizeSent, Sent<MaxSize<&Node::max_size_sent>>},
-    {kStrAvgSizeSent, kSwitchWLANAvgSizeSent, Of<AverageSize<&Node::bytes_sent, &Node::packets_sent>>},
+    {kStrAvgSizeSent, kSwitchWLANAvgSizeSent, Of<wireless_node::AverageSize<&Node::bytes_sent, &Node::packets_sent>>},
     {kStrMinSizeReceived, kSwitchWLANMinSizeReceived, Sent<MinSize<&Node::min_size_received>>},
     {kStrMaxSizeReceived, kSwitchWLANMaxSizeReceived, Sent<MaxSize<&Node::max_size_received>>},
-    {kStrAvgSizeReceived, kSwitchWLANAvgSizeReceived, Of<AverageSize<&Node::bytes_received, &Node::packets_received>>},
+    {kStrAvgSizeReceived, kSwitchWLANAvgSizeReceived, Of<wireless_node::AverageSize<&Node::bytes_received, &Node::packets_received>>},
     {kStrRetryPackets, kSwitchWLANRetryPackets, Sent<Count<&Node::retry_packets>>},
     {kStrBeaconPackets, kSwitchWLANBeaconPackets, Sent<Count<&Node::beacon_packets>>},
     {kStrWepPackets, kSwitchWLANWEPPackets, Sent<Count<&Node::wep_packets>>},
