@@ -1,7 +1,6 @@
 #include "statistics/data_rates.h"
 
 #include <algorithm>
-#include <ranges>
 
 namespace orvo {
 
@@ -13,9 +12,9 @@ DataRates::DataRates(std::span<const std::uint32_t> rates) {
 std::span<const FrameCount> DataRates::Match(std::span<const WirelessRate> records) {
   std::ranges::fill(traffic_, FrameCount());
   // Backwards, so that the first record of a rate is the one that stays.
-  for (const WirelessRate& record : records | std::views::reverse) {
-    const std::int32_t column = rates_.Find(record.rate);
-    if (column != CArrayEx::kNone) traffic_[static_cast<std::size_t>(column)] = {record.packets, record.bytes};
+  for (auto record = records.rbegin(); record != records.rend(); ++record) {
+    const std::int32_t column = rates_.Find(record->rate);
+    if (column != CArrayEx::kNone) traffic_[static_cast<std::size_t>(column)] = {record->packets, record->bytes};
   }
   return traffic_;
 }

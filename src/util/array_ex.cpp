@@ -132,13 +132,13 @@ std::int32_t CArrayEx::SetRange(std::int32_t count, std::int32_t index, const vo
   if (count <= 0 || (sorted_mode_ && !value) || !Resolve(index, &first)) return kNone;
   const std::uint32_t replaced = std::min(static_cast<std::uint32_t>(count), count_ - first);
   const std::vector<std::byte> element = ElementOf(value, size, element_size_);
-  if (sorted_mode_) {
-    Remove(static_cast<std::int32_t>(replaced), static_cast<std::int32_t>(first));
-    return Insert(static_cast<std::int32_t>(replaced), 0, element.data(), element_size_);
-  }
   for (std::uint32_t i = 0; i < replaced; ++i) CopyIn(first + i, element.data(), element_size_);
   known_sorted_ = false;
-  return static_cast<std::int32_t>(first);
+  if (!sorted_mode_) return static_cast<std::int32_t>(first);
+  // To overwrite and to sort is the same as to take out and to put in again, and needs no room.
+  Sort();
+  known_sorted_ = true;
+  return Find(element.data(), element_size_);
 }
 
 bool CArrayEx::MoveBefore(std::int32_t index, std::int32_t other) {

@@ -84,6 +84,7 @@ TEST(ArrayEx, SortedModeKeepsEverythingInOrder) {
   EXPECT_THAT(Content(array), ElementsAre(2, 3, 5, 9, 9));
   EXPECT_EQ(array.Add(0xFFFFFFFF), 5) << "values are unsigned";
   EXPECT_EQ(array.Insert(1, 0, nullptr, 0), kNone);
+  EXPECT_EQ(array.SetRange(1, 0, nullptr, 0), kNone);
   EXPECT_FALSE(array.MoveBefore(0, 1));
   EXPECT_FALSE(array.MoveAfter(0, 1));
   EXPECT_THAT(Content(array), ElementsAre(2, 3, 5, 9, 9, 0xFFFFFFFF));
@@ -92,6 +93,14 @@ TEST(ArrayEx, SortedModeKeepsEverythingInOrder) {
   EXPECT_EQ(array.Find(3U), 1) << "an element out of order does not hide the others";
   array.Add(4);
   EXPECT_THAT(Content(array), ElementsAre(3, 4, 5, 9, 9, 9, 0xFFFFFFFF));
+}
+
+TEST(ArrayEx, OneElementInSortedModeIsInOrder) {
+  Numbers array(nullptr, true);
+  const std::uint32_t two = 2;
+  array.Add(1);
+  array.SetRange(1, 0, &two, sizeof two);
+  EXPECT_EQ(array.LowerBound(&two, sizeof two), 0);
 }
 
 TEST(ArrayEx, InsertsCopiesAtAnIndexInsideTheArray) {
