@@ -230,6 +230,31 @@ TEST(ArrayEx, SortsEveryLengthAndThenFindsByBisection) {
   }
 }
 
+/// Remembers how far apart the first two elements lay that it compared.
+class FirstDistance : public TIntComparator<std::uint32_t> {
+ public:
+  explicit FirstDistance(std::ptrdiff_t* distance) : distance_(distance) {}
+  int Compare(const void* a, const void* b, std::uint32_t size_a, std::uint32_t size_b) const override {
+    if (*distance_ == 0) *distance_ = static_cast<const std::uint32_t*>(b) - static_cast<const std::uint32_t*>(a);
+    return TIntComparator::Compare(a, b, size_a, size_b);
+  }
+
+ private:
+  std::ptrdiff_t* distance_;
+};
+
+TEST(ArrayEx, SortingBeginsWithAGapThatSuitsTheLength) {
+  const std::pair<std::int32_t, std::ptrdiff_t> cases[] = {{2, 1},   {8, 1},    {9, 4},    {35, 4},
+                                                           {36, 13}, {116, 13}, {117, 40}, {1089, 364}};
+  for (const auto& [count, gap] : cases) {
+    std::ptrdiff_t distance = 0;
+    Numbers array(std::make_unique<FirstDistance>(&distance));
+    array.SetCount(count);
+    array.Sort();
+    EXPECT_EQ(distance, gap) << count;
+  }
+}
+
 TEST(ArrayEx, AChangeThatMayBreakTheOrderEndsItsBeingKnown) {
   const std::uint32_t two = 2;
   const std::uint32_t nine = 9;
