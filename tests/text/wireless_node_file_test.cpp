@@ -254,9 +254,9 @@ TEST_F(WirelessNodeFileTest, CodesBecomeWords) {
   };
   for (const auto& c : cases) {
     wireless().nodes.clear();
-    for (std::uint8_t code = 0; code < c.words.size(); ++code) {
+    for (std::size_t code = 0; code < c.words.size(); ++code) {
       WirelessNodeEntry node;
-      c.set(&node, code);
+      c.set(&node, static_cast<std::uint8_t>(code));
       Add(node);
     }
     EXPECT_EQ(ColumnOf(c.id), c.words) << c.id;

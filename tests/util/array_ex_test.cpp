@@ -30,6 +30,7 @@ Numbers* Fill(Numbers* array, const std::vector<std::uint32_t>& values) {
 
 std::vector<std::uint32_t> Content(const Numbers& array) {
   std::vector<std::uint32_t> values;
+  values.reserve(static_cast<std::size_t>(array.count()));
   for (std::int32_t i = 0; i < array.count(); ++i) values.push_back(array[i]);
   return values;
 }
@@ -40,7 +41,7 @@ class Descending : public TIntComparator<std::uint32_t> {
   explicit Descending(int* destroyed) : destroyed_(destroyed) {}
   ~Descending() override { ++*destroyed_; }
   int Compare(const void* a, const void* b, std::uint32_t size_a, std::uint32_t size_b) const override {
-    return TIntComparator::Compare(b, a, size_b, size_a);
+    return -TIntComparator::Compare(a, b, size_a, size_b);
   }
 
  private:
