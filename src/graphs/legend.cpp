@@ -55,7 +55,8 @@ Legend::Arrangement Legend::Box(std::uint32_t rows, std::uint32_t columns, doubl
 
 Legend::Arrangement Legend::Flat(double most_width, double most_height) const {
   const std::uint32_t most_rows = RowsFor(most_height);
-  std::uint32_t columns = ColumnsFor(most_width, EntryWidth());
+  // Long names are cut rather than that there is but one column of them.
+  std::uint32_t columns = ColumnsFor(most_width, std::min(EntryWidth(), most_width / 2 - kPadding));
   const auto count = static_cast<std::uint32_t>(entries_.size());
   // Columns become narrower than the names only when the rows would not suffice.
   if (most_rows != 0 && (columns == 0 || PartsOf(count, columns) > most_rows)) {

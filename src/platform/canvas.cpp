@@ -145,7 +145,10 @@ void Canvas::DrawBitmap(const Bitmap& bitmap, const RectF& place) {
   cairo_translate(state_->cairo, place.x, place.y);
   cairo_scale(state_->cairo, place.width / bitmap.width(), place.height / bitmap.height());
   cairo_set_source_surface(state_->cairo, bitmap.surface()->cairo, 0, 0);
-  cairo_paint(state_->cairo);
+  // Without a fade at the edges.
+  cairo_pattern_set_extend(cairo_get_source(state_->cairo), CAIRO_EXTEND_PAD);
+  cairo_rectangle(state_->cairo, 0, 0, bitmap.width(), bitmap.height());
+  cairo_fill(state_->cairo);
   cairo_restore(state_->cairo);
 }
 

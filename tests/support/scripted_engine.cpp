@@ -6,6 +6,7 @@
 
 #include "platform/class_factory.h"
 #include "platform/object.h"
+#include "tests/support/scripted_categories.h"
 #include "tests/support/text.h"
 
 namespace orvo::test {
@@ -236,125 +237,17 @@ class Summary final : public ViewObject<ISummaryStats> {
   }
 };
 
-class History final : public ViewObject<ITrafficHistory> {
- public:
-  using ViewObject::ViewObject;
-  Status GetSamples(const double** values, std::uint32_t* count) override {
-    ANSWER("ITrafficHistory::GetSamples");
-    *values = view_->script.history.data();
-    *count = static_cast<std::uint32_t>(view_->script.history.size());
-    return S_OK;
-  }
-  Status GetInterval(std::uint32_t* seconds) override {
-    ANSWER("ITrafficHistory::GetInterval");
-    *seconds = view_->script.history_interval;
-    return S_OK;
-  }
-  Status GetStartTime(std::uint64_t* time) override {
-    ANSWER("ITrafficHistory::GetStartTime");
-    *time = view_->script.history_start;
-    return S_OK;
-  }
-};
-
-class Sizes final : public ViewObject<ISizeStats> {
- public:
-  using ViewObject::ViewObject;
-  Status GetScheme(std::uint32_t* scheme) override {
-    ANSWER("ISizeStats::GetScheme");
-    *scheme = view_->script.size_scheme;
-    return S_OK;
-  }
-  Status GetBuckets(const std::uint64_t** packets, std::uint32_t* count) override {
-    ANSWER("ISizeStats::GetBuckets");
-    *packets = view_->script.size_buckets.data();
-    *count = static_cast<std::uint32_t>(view_->script.size_buckets.size());
-    return S_OK;
-  }
-};
-
-class Graph final : public Object<IGraph, IGraphSeries> {
- public:
-  Graph(SharedView view, std::uint32_t index) : view_(std::move(view)), graph_(view_->script.graphs[index]) {}
-
-  Status GetName(std::u16string* name) override {
-    ANSWER("IGraph::GetName");
-    *name = graph_.name;
-    return S_OK;
-  }
-  Status GetTitle(std::u16string* title) override {
-    *title = graph_.title;
-    return S_OK;
-  }
-  Status GetInterval(std::uint32_t* seconds) override {
-    ANSWER("IGraph::GetInterval");
-    *seconds = graph_.interval;
-    return S_OK;
-  }
-  Status GetSampleCount(std::uint32_t* count) override {
-    ANSWER("IGraph::GetSampleCount");
-    *count = graph_.series.empty() ? 0 : static_cast<std::uint32_t>(graph_.series[0].samples.size());
-    return S_OK;
-  }
-  Status GetSeries(IGraphSeries** series) override {
-    ANSWER("IGraph::GetSeries");
-    AddRef();
-    *series = this;
-    return S_OK;
-  }
-  Status GetCount(std::uint32_t* count) override {
-    ANSWER("IGraphSeries::GetCount");
-    *count = static_cast<std::uint32_t>(graph_.series.size());
-    return S_OK;
-  }
-  Status GetName(std::uint32_t series, std::u16string* name) override {
-    ANSWER("IGraphSeries::GetName");
-    *name = graph_.series.at(series).name;
-    return S_OK;
-  }
-  Status GetSamples(std::uint32_t series, std::uint64_t start, std::uint32_t step, std::uint32_t* count, double* values,
-                    std::uint64_t* times) override {
-    ANSWER("IGraphSeries::GetSamples");
-    const std::vector<double>& samples = graph_.series.at(series).samples;
-    const std::uint64_t length = graph_.interval * std::uint64_t{1'000'000'000};
-    const std::uint64_t since = start > graph_.start ? start - graph_.start : 0;
-    const std::uint32_t room = std::exchange(*count, 0);
-    for (std::size_t i = (since + length - 1) / length; i < samples.size() && *count < room; i += std::max(step, 1U)) {
-      const std::size_t end = std::min<std::size_t>(i + std::max(step, 1U), samples.size());
-      double sum = 0;
-      for (std::size_t sample = i; sample < end; ++sample) sum += samples[sample];
-      values[*count] = sum / static_cast<double>(end - i);
-      times[(*count)++] = graph_.start + i * length;
-    }
-    return S_OK;
-  }
-
- private:
-  SharedView view_;
-  const ScriptedGraph& graph_;
-};
-
-class GraphList final : public ViewObject<IGraphCollection> {
- public:
-  using ViewObject::ViewObject;
-  Status GetCount(std::uint32_t* count) override {
-    ANSWER("IGraphCollection::GetCount");
-    *count = static_cast<std::uint32_t>(view_->script.graphs.size());
-    return S_OK;
-  }
-  Status GetGraph(std::uint32_t index, IGraph** graph) override {
-    ANSWER("IGraphCollection::GetGraph");
-    if (index >= view_->script.graphs.size()) return E_INVALIDARG;
-    *graph = MakeObject<Graph>(view_, index).Detach();
-    return S_OK;
-  }
-};
-
 /// Hands out one interface of a new object over a view.
 template <class T>
 Status Make(const SharedView& view, void** out) {
   *out = MakeObject<T>(view).Detach();
   return S_OK;
+}
+
+/// The same for a category that is made elsewhere, from the script alone.
+template <Status (*make)(ScriptedEngine*, const SharedScript&, void**)>
+Status MakeFromScript(const SharedView& view, void** out) {
+  return make(view->engine, SharedScript(view, &view->script), out);
 }
 
 struct CategoryMaker {
@@ -363,10 +256,17 @@ struct CategoryMaker {
 };
 
 const CategoryMaker kCategories[] = {
-    {kSummaryCategory.identifier, Make<Summary>},        {kNodeCategory.identifier, Make<Nodes>},
-    {kTopTalkerCategory.identifier, Make<Nodes>},        {kHierarchyCategory.identifier, Make<Hierarchy>},
-    {kProtocolCategory.identifier, Make<Protocols>},     {kConversationCategory.identifier, Make<Conversations>},
-    {kTrafficHistoryCategory.identifier, Make<History>}, {kSizeCategory.identifier, Make<Sizes>},
+    {kSummaryCategory.identifier, Make<Summary>},
+    {kNodeCategory.identifier, Make<Nodes>},
+    {kTopTalkerCategory.identifier, Make<Nodes>},
+    {kHierarchyCategory.identifier, Make<Hierarchy>},
+    {kProtocolCategory.identifier, Make<Protocols>},
+    {kConversationCategory.identifier, Make<Conversations>},
+    {kWirelessNodeCategory.identifier, MakeFromScript<MakeWirelessNodes>},
+    {kWirelessChannelCategory.identifier, MakeFromScript<MakeWirelessChannels>},
+    {kExpertCategory.identifier, MakeFromScript<MakeExpert>},
+    {kTrafficHistoryCategory.identifier, MakeFromScript<MakeTrafficHistory>},
+    {kSizeCategory.identifier, MakeFromScript<MakeSizeStats>},
 };
 
 /// The operations that the live context and a snapshot answer alike.
@@ -386,7 +286,10 @@ class ContextBase : public Object<IStatsContext, Interfaces...> {
     return E_NOINTERFACE;
   }
   Status ResetStatistics() override { return S_OK; }
-  Status GetMediumType(std::uint32_t* type) override { return Give(&Script::medium_type, type); }
+  Status GetMediumType(std::uint32_t* type) override {
+    if (Status answer = engine_->Answer("IStatsContext::GetMediumType"); answer != S_OK) return answer;
+    return Give(&Script::medium_type, type);
+  }
   Status GetMediumSubtype(std::uint32_t* subtype) override { return Give(&Script::medium_subtype, subtype); }
   Status GetAddressTable(IAddressTable** table) override {
     if (Status answer = engine_->Answer("IStatsContext::GetAddressTable"); answer != S_OK) return answer;
@@ -619,7 +522,7 @@ ComPtr<IStatsContext> ScriptedEngine::Context() {
 }
 
 ComPtr<IGraphCollection> ScriptedEngine::Graphs() {
-  return ComPtr<IGraphCollection>(MakeObject<GraphList>(std::make_shared<const View>(this, live)).get());
+  return MakeGraphs(this, std::make_shared<const Script>(live));
 }
 
 void ScriptedEngine::Fail(std::string_view operation, int nth, Status status) {

@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "engine/categories.h"
@@ -46,6 +48,35 @@ struct ScriptedGraph {
   std::vector<Series> series;
 };
 
+/// A wireless medium: nodes, what they are associated with, channels. Traffic by rate stands under the index of a node
+/// and under the channel, frequency and band of a channel.
+struct ScriptedWireless {
+  std::vector<WirelessNodeEntry> nodes;
+  std::pair<std::uint32_t, std::uint32_t> excluded{kNoAddress, kNoAddress};
+  WirelessCounts counts;
+  std::vector<WirelessAssociation> associations;
+  std::map<std::uint32_t, std::vector<WirelessRate>> node_rates;
+  std::vector<WirelessChannelEntry> channels;
+  std::map<std::tuple<std::int32_t, std::uint32_t, std::uint32_t>, std::vector<WirelessRate>> channel_rates;
+};
+
+/// A column of an analysis table: its identifier and its title.
+struct ScriptedColumn {
+  std::u16string identifier;
+  std::u16string title;
+};
+
+struct ScriptedTable {
+  std::vector<ScriptedColumn> columns;
+  std::vector<std::vector<std::u16string>> rows;
+};
+
+/// The expert and voice category: its tables by kind.
+struct ScriptedExpert {
+  bool offers_tables = true;
+  std::map<std::uint32_t, ScriptedTable> tables;
+};
+
 /// What a scripted engine answers, as plain data. Node, hierarchy and protocol entries refer to addresses by index.
 struct Script {
   std::vector<AddressRecord> addresses;
@@ -61,6 +92,9 @@ struct Script {
   std::uint32_t size_scheme = kSizesEthernet;
   std::vector<std::uint64_t> size_buckets;
   std::vector<ScriptedGraph> graphs;
+  /// Categories that are not there unless they are scripted.
+  std::optional<ScriptedWireless> wireless;
+  std::optional<ScriptedExpert> expert;
   std::uint32_t medium_type = kMediumEthernet;
   std::uint32_t medium_subtype = kSubtypeWired;
   std::uint64_t start_time = 0;
