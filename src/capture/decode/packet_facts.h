@@ -25,6 +25,15 @@ struct AddressPair {
   bool names_both_ends() const { return source.valid != 0 && destination.valid != 0; }
 };
 
+/// Names the flow of a packet, and its direction.
+struct FlowMark {
+  static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+
+  std::uint64_t serial = 0;      ///< counts flows from 1 in the order in which they begin; 0 for no flow
+  std::uint32_t number = kNone;  ///< of the flow's place, which another takes when it is over: small, to index tables by
+  bool from_first = false;       ///< which of its two ends has sent the packet
+};
+
 /// What the decoders found in one packet. One object serves packet after packet; nothing in it is ever allocated.
 struct PacketFacts {
   static constexpr std::size_t kMaxPairs = 2;
@@ -40,8 +49,9 @@ struct PacketFacts {
     source_port = destination_port = 0;
     has_network_pair = has_ports = is_fragment = is_icmp_error = malformed = false;
     cut_off = captured < original;
-    network = datagram = payload = {};
+    network = datagram = payload = innermost = {};
     applications = {};
+    flow = {};
   }
 
   /// Room for the addresses of a frame; null inside of what has addresses already, since a frame in a tunnel is its
@@ -91,9 +101,11 @@ struct PacketFacts {
   Bytes network;   ///< the outermost IP datagram from its header on, without padding, as far as it was captured
   Bytes datagram;  ///< the same of the innermost
   Bytes payload;   ///< what the innermost TCP, UDP or SCTP header carries, as far as it was captured; may be empty
+  Bytes innermost;  ///< from the last header that was read on
   /// Identifiers of the protocols that the packet's flow was found to carry: what is spoken, then what it is spoken to
   /// (TLS, then a mail service); 0 for not known. Decoders leave them alone.
   std::array<std::uint16_t, 2> applications{};
+  FlowMark flow;  ///< which flow the packet is of; decoders leave it alone
 
  private:
   AddressPair* ClearedPair() {
