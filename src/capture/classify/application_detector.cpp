@@ -33,6 +33,7 @@ void ApplicationDetector::Inspect(std::uint64_t time, PacketFacts* facts) {
   Flow& flow = flows_[number];
   if (flow.ended && flow.state != kNoItem) GiveUp(flow);
   facts->applications = flow.applications;
+  facts->flow = {flow.serial, number, packet.from_first};
 }
 
 void ApplicationDetector::LookInto(std::uint32_t number, std::uint64_t time, const PacketFacts& facts) {

@@ -99,9 +99,9 @@ std::uint32_t FlowTable::Add(const FlowKey& key, std::uint32_t tag) {
     flows_[number] = {};
   }
   flows_[number].key = key;
+  flows_[number].serial = ++begun_;
   slots_[FindSlot(key, tag)] = {tag, number};
   live_.Append(flows_, number);
-  ++begun_;
   return number;
 }
 
@@ -113,8 +113,8 @@ void FlowTable::Renew(Flow& flow) {
   FlowKey key = flow.key;
   flow = {};
   flow.key = key;
+  flow.serial = ++begun_;
   live_.Append(flows_, number);
-  ++begun_;
 }
 
 void FlowTable::NoteTcp(std::uint32_t number, const FlowPacket& packet) {

@@ -39,6 +39,7 @@ struct FlowPacket {
 /// One conversation between two ports, in both directions.
 struct Flow {
   FlowKey key;
+  std::uint64_t serial = 0;     ///< as in FlowMark
   std::uint64_t last_time = 0;  ///< of the last packet, by the table's clock
   std::uint32_t older = kNoItem;
   std::uint32_t newer = kNoItem;
@@ -49,7 +50,7 @@ struct Flow {
   bool ended = false;
   std::array<bool, 2> finished{};  ///< which ends have sent a FIN
 };
-static_assert(sizeof(Flow) <= 80);
+static_assert(sizeof(Flow) <= 88);
 
 /// The flows under way, at most `limit` of them, about 100 bytes each.
 ///

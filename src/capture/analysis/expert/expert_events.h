@@ -74,10 +74,10 @@ using enum EventMeasure;
 
 /// Every event, in the order of the enumeration. docs/expert-events.md is made from it.
 inline constexpr std::array kTypes{
-    ExpertEventType{kArpConflict, "ARP_CONFLICT", "ARP Conflict", kDataLink, kMinor, kNothing, 0,
-                    "An IPv4 address is announced with another physical address than before.",
-                    "Harmless after a change of hardware or a failover; else look for a wrongly configured or hostile "
-                    "station."},
+    ExpertEventType{
+        kArpConflict, "ARP_CONFLICT", "ARP Conflict", kDataLink, kMinor, kNothing, 0,
+        "An IPv4 address is announced with another physical address than before.",
+        "Harmless after a change of hardware or a failover; else look for a wrongly configured or hostile station."},
     ExpertEventType{kBroadcastStorm, "BROADCAST_STORM", "Broadcast Storm", kDataLink, kSevere, kPerSecond, 1000,
                     "More broadcast frames within one second than a segment can do with.",
                     "Look for a loop between switches and for a station that sends without end."},
@@ -86,14 +86,14 @@ inline constexpr std::array kTypes{
                     "Find both stations by their physical addresses and give one of them another IP address."},
     ExpertEventType{kIpFragment, "IP_FRAGMENT", "IP Fragment", kNetwork, kInformational, kNothing, 0,
                     "A datagram was too large for a link and was cut into fragments.",
-                    "Compare the largest packet sizes of the links; let the sender find the path's size."},
+                    "Compare the largest packet sizes of the links and let the sender find the path's."},
     ExpertEventType{kIcmpUnreachable, "ICMP_UNREACHABLE", "ICMP Destination Unreachable", kNetwork, kMinor,
                     kTypeAndCode, 0, "A router or the receiver could not deliver a packet.",
-                    "Check that the station is up; that its port is open; and the routes and filters on the way."},
-    ExpertEventType{kIcmpPacketTooBig, "ICMP_PACKET_TOO_BIG", "ICMP Packet Too Big", kNetwork, kMinor, kTypeAndCode, 0,
-                    "A packet did not fit into the next link and may not be cut into fragments.",
-                    "Expected while a sender finds the path's size; if it goes on see whether filters hold these "
-                    "messages back."},
+                    "Check that the station is up and that its port is open; then look for filters on the way."},
+    ExpertEventType{
+        kIcmpPacketTooBig, "ICMP_PACKET_TOO_BIG", "ICMP Packet Too Big", kNetwork, kMinor, kTypeAndCode, 0,
+        "A packet did not fit into the next link and may not be cut into fragments.",
+        "Expected while a sender finds the path's size; if it goes on see whether filters hold these messages back."},
     ExpertEventType{kIcmpTimeExceeded, "ICMP_TIME_EXCEEDED", "ICMP Time Exceeded", kNetwork, kMinor, kTypeAndCode, 0,
                     "A packet ran out of hops or its fragments did not all arrive.",
                     "Expected while a route is traced; else look for a loop between routers."},
@@ -105,42 +105,41 @@ inline constexpr std::array kTypes{
                     "Several paths lead to the receiver or the capture joins several interfaces."},
     ExpertEventType{kTcpSegmentMissing, "TCP_SEGMENT_MISSING", "TCP Segment Missing", kTransport, kMinor, kNothing, 0,
                     "Bytes were skipped: a segment was lost before it came here or the capture lacks it.",
-                    "If no retransmission follows the capture has dropped packets; else look for loss before the "
-                    "point of capture."},
+                    "If no retransmission follows the capture has dropped packets; else look for loss before the point "
+                    "of capture."},
     ExpertEventType{kTcpRepeatedAck, "TCP_REPEATED_ACK", "TCP Repeated Acknowledgement", kTransport, kInformational,
                     kInARow, 3, "A receiver asks for a segment that it misses (RFC 5681 section 3.2).",
                     "Look for loss between the sender and the receiver."},
-    ExpertEventType{kTcpSlowAck, "TCP_SLOW_ACK", "TCP Slow Acknowledgement", kTransport, kMinor, kDelay, 500,
-                    "Data waited for its acknowledgement longer than a receiver may delay it (RFC 9293 section "
-                    "3.8.6.3).",
-                    "Look for a long or congested path and for a receiver under load."},
+    ExpertEventType{
+        kTcpSlowAck, "TCP_SLOW_ACK", "TCP Slow Acknowledgement", kTransport, kMinor, kDelay, 500,
+        "Data waited for its acknowledgement longer than a receiver may delay it (RFC 9293 section 3.8.6.3).",
+        "Look for a long or congested path and for a receiver under load."},
     ExpertEventType{kTcpZeroWindow, "TCP_ZERO_WINDOW", "TCP Zero Window", kTransport, kMajor, kNothing, 0,
                     "A receiver has no room left and stops its sender.",
                     "The application there reads too slowly: look at its load and its disk and memory."},
     ExpertEventType{kTcpSlowConnection, "TCP_SLOW_CONNECTION", "TCP Slow Connection", kTransport, kMinor, kDelay, 500,
                     "Opening a connection took long.",
-                    "Look for lost first segments; a long path; and a server whose queue of new connections is full."},
-    ExpertEventType{kTcpRefused, "TCP_CONNECTION_REFUSED", "TCP Connection Refused", kTransport, kMajor, kNothing, 0,
-                    "The server answered the first segment with a reset: nothing listens on that port or a filter "
-                    "refuses.",
-                    "Check that the service runs and that the client asks for the right port."},
-    ExpertEventType{kTcpReset, "TCP_CONNECTION_RESET", "TCP Connection Reset", kTransport, kMinor, kNothing, 0,
-                    "A connection was broken off instead of closed.",
-                    "Some programs always end so; else look for a crash or a time limit at the side that sent the "
-                    "reset."},
+                    "Look for lost first segments and for a server whose queue of new connections is full."},
+    ExpertEventType{
+        kTcpRefused, "TCP_CONNECTION_REFUSED", "TCP Connection Refused", kTransport, kMajor, kNothing, 0,
+        "The server answered the first segment with a reset: nothing listens on that port or a filter refuses.",
+        "Check that the service runs and that the client asks for the right port."},
+    ExpertEventType{
+        kTcpReset, "TCP_CONNECTION_RESET", "TCP Connection Reset", kTransport, kMinor, kNothing, 0,
+        "A connection was broken off instead of closed.",
+        "Some programs always end so; else look for a crash or a time limit at the side that sent the reset."},
     ExpertEventType{kTcpLowThroughput, "TCP_LOW_THROUGHPUT", "TCP Low Throughput", kTransport, kMinor, kBitsPerSecond,
                     100'000, "A long answer (64 KiB or more) arrived slowly.",
-                    "Look at losses; at the receiver's window; and at the load of the link and of the server."},
+                    "Look for losses first; then compare the receiver's window with the path's delay."},
     ExpertEventType{kBusyServer, "BUSY_SERVER", "Busy Server", kApplication, kMinor, kDelay, 2000,
                     "A server took long until the first byte of its answer.",
-                    "Compare with the time that connections take to open: if that is short the server itself is "
-                    "slow."},
+                    "Compare with the time that connections take to open: if that is short the server itself is slow."},
     ExpertEventType{kDnsNameNotFound, "DNS_NAME_NOT_FOUND", "DNS Name Not Found", kApplication, kInformational, kRcode,
                     0, "A name was asked for that does not exist.",
                     "Check the name; many of one station may be a search list or unwanted software."},
     ExpertEventType{kDnsError, "DNS_ERROR", "DNS Error", kApplication, kMinor, kRcode, 0,
                     "A name server could not or would not answer.",
-                    "Check the server; the servers that it asks in turn; and who may use it."},
+                    "Look into the server's log and check who may use it."},
     ExpertEventType{kDnsSlowAnswer, "DNS_SLOW_ANSWER", "DNS Slow Answer", kApplication, kMinor, kDelay, 500,
                     "A name server took long to answer.",
                     "Look at its load and at the servers that it asks in turn; use one that is nearer."},
@@ -156,13 +155,13 @@ inline constexpr std::array kTypes{
     ExpertEventType{kHttpSlowAnswer, "HTTP_SLOW_ANSWER", "HTTP Slow Answer", kApplication, kMinor, kDelay, 2000,
                     "A web server took long until the first byte of its answer.",
                     "Look at the page that was asked for and at the load of the server and of its database."},
-    ExpertEventType{kTlsAlert, "TLS_ALERT", "TLS Fatal Alert", kApplication, kMajor, kAlert, 0,
-                    "A secure connection failed: the two sides do not agree or a certificate is not trusted.",
-                    "The alert's number tells why: 40 no common method; 42 to 46 and 48 a certificate; 70 an old "
-                    "version."},
+    ExpertEventType{
+        kTlsAlert, "TLS_ALERT", "TLS Fatal Alert", kApplication, kMajor, kAlert, 0,
+        "A secure connection failed: the two sides do not agree or a certificate is not trusted.",
+        "The alert's number tells why: 40 no common method; 42 to 46 and 48 a certificate; 70 an old version."},
     ExpertEventType{kTlsSlowHandshake, "TLS_SLOW_HANDSHAKE", "TLS Slow Handshake", kApplication, kMinor, kDelay, 1000,
                     "Agreeing on a secure connection took long.",
-                    "Look at the path's delay; the server's load; and services that certificates are checked with."},
+                    "Look at the delay of the path and at the load of the server."},
 };
 }  // namespace expert_events
 

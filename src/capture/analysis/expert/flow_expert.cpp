@@ -11,6 +11,7 @@
 namespace orvo {
 namespace {
 
+constexpr std::uint8_t kUdp = 17;
 constexpr std::uint16_t kFirstUserPort = 1024;
 /// A silence of a flow counts as active time no longer than this, in nanoseconds.
 constexpr std::uint64_t kLongestSilence = 1'000'000'000;
@@ -70,7 +71,7 @@ FlowTrack& FlowExpert::TrackOf(const PacketFacts& facts, EventLog* log) {
     track = {};
     track.serial = mark.serial;
     track.client_is_first = mark.from_first == SenderIsClient(facts);
-    if (facts.tcp_flags == 0) track.transport.dns = {};
+    if (facts.ip_protocol == kUdp) track.transport.dns = {};
   }
   if (track.row == kNoRow) BeginRow(facts, &track);
   return track;

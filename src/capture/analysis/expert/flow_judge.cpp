@@ -80,6 +80,7 @@ void FlowJudge::NoteTroubles(const TcpFindings& findings) {
   }
   if (findings.missing) {
     ++row_.missing;
+    if (sender_ == kServer) track_.request_time = 0;  // what is missing may have been the answer's beginning
     Report(ExpertEvent::kTcpSegmentMissing);
   }
   if (findings.duplicate_ack) {

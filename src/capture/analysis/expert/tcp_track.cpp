@@ -3,6 +3,9 @@
 namespace orvo {
 namespace {
 
+/// So many duplicate acknowledgements make a sender repeat a segment at once (RFC 5681 section 3.2).
+constexpr std::uint8_t kFastRetransmit = 3;
+
 constexpr std::uint8_t kControl = TcpSegment::kSyn | TcpSegment::kFin | TcpSegment::kRst;
 
 /// Positive when a comes behind b. Sequence numbers wrap around (RFC 9293 section 3.4).
@@ -15,13 +18,13 @@ std::int32_t Behind(std::uint32_t a, std::uint32_t b) {
 TcpFindings TcpDirection::Note(const TcpSegment& segment, Tick now, std::uint32_t reorder_time, TcpDirection* other) {
   TcpFindings findings;
   bool in_place = known_ && segment.sequence == next_;
-  NoteSequence(segment, now, reorder_time, &findings);
+  NoteSequence(segment, now, reorder_time, other, &findings);
   NoteAcknowledgement(segment, in_place, now, other, &findings);
   NoteWindow(segment, &findings);
   return findings;
 }
 
-void TcpDirection::NoteSequence(const TcpSegment& segment, Tick now, std::uint32_t reorder_time,
+void TcpDirection::NoteSequence(const TcpSegment& segment, Tick now, std::uint32_t reorder_time, TcpDirection* other,
                                 TcpFindings* findings) {
   // A reset may carry any number, and begins nothing. Another first number begins another attempt to connect.
   if (segment.Has(TcpSegment::kRst)) return;
@@ -40,17 +43,19 @@ void TcpDirection::NoteSequence(const TcpSegment& segment, Tick now, std::uint32
     findings->missing = true;
     if (gap_begin_ == gap_end_) gap_begin_ = next_;
     gap_end_ = segment.sequence;
+    gap_at_ = now;
+    other->timing_ = false;  // what is missing may have acknowledged
     Advance(segment, now, findings);
   } else if (ahead == 0) {
     if (occupies) Advance(segment, now, findings);
   } else if (occupies) {
-    bool late = TicksBetween(advanced_, now) >= reorder_time;
-    findings->out_of_order = FillsGap(segment) && !late;
+    bool asked_for = other->acks_in_a_row_ >= kFastRetransmit;
+    bool late = TicksBetween(gap_at_, now) >= reorder_time;
+    findings->out_of_order = FillsGap(segment) && !late && !asked_for;
     findings->retransmission = !findings->out_of_order;
     timing_ = false;  // which of the two is acknowledged, nobody knows (RFC 6298 section 3)
     if (Behind(segment.end(), next_) > 0) {
       next_ = segment.end();
-      advanced_ = now;
       findings->new_data = segment.length != 0;
     }
   }
@@ -58,7 +63,6 @@ void TcpDirection::NoteSequence(const TcpSegment& segment, Tick now, std::uint32
 
 void TcpDirection::Advance(const TcpSegment& segment, Tick now, TcpFindings* findings) {
   next_ = segment.end();
-  advanced_ = now;
   if (segment.length == 0) return;
   findings->new_data = true;
   if (timing_) return;

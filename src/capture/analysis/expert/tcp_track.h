@@ -23,7 +23,7 @@ inline std::uint32_t TicksBetween(Tick earlier, Tick later) {
 struct TcpFindings {
   bool new_data = false;        ///< payload that was not there before
   bool retransmission = false;  ///< bytes that were there before, or that fill a gap late
-  bool out_of_order = false;    ///< fills a gap soon after the segment that left it
+  bool out_of_order = false;    ///< fills a gap soon after it came to be
   bool missing = false;         ///< leaves a gap: bytes before it have not been seen
   bool keep_alive = false;  ///< asks for an acknowledgement with a byte that is there already (RFC 9293 section 3.8.4)
   bool duplicate_ack = false;      ///< RFC 5681 section 2
@@ -40,11 +40,13 @@ struct TcpFindings {
 class TcpDirection {
  public:
   /// Notes a segment of this direction and its acknowledgement of the other. What fills a gap within `reorder_time`
-  /// microseconds after it came to be was overtaken on its way; later, it was sent again.
+  /// microseconds after it came to be was overtaken on its way; later, or when it has been asked for, it was sent
+  /// again.
   TcpFindings Note(const TcpSegment& segment, Tick now, std::uint32_t reorder_time, TcpDirection* other);
 
  private:
-  void NoteSequence(const TcpSegment& segment, Tick now, std::uint32_t reorder_time, TcpFindings* findings);
+  void NoteSequence(const TcpSegment& segment, Tick now, std::uint32_t reorder_time, TcpDirection* other,
+                    TcpFindings* findings);
   void NoteAcknowledgement(const TcpSegment& segment, bool in_place, Tick now, TcpDirection* other,
                            TcpFindings* findings);
   void NoteWindow(const TcpSegment& segment, TcpFindings* findings);
@@ -52,9 +54,9 @@ class TcpDirection {
   bool FillsGap(const TcpSegment& segment);
 
   std::uint32_t next_ = 0;  // the first sequence number that has not been sent
-  Tick advanced_ = 0;       // when it came to be so
   std::uint32_t gap_begin_ = 0;
   std::uint32_t gap_end_ = 0;  // equal to the beginning when there is none
+  Tick gap_at_ = 0;            // when it came to be, or became longer
   std::uint32_t acknowledged_ = 0;
   std::uint32_t timed_end_ = 0;  // of the segment whose acknowledgement is waited for
   Tick timed_at_ = 0;
