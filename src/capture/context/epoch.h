@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "capture/analysis/voice_analysis.h"
 #include "capture/tables/statistics_tables.h"
 #include "engine/context.h"
 #include "engine/summary.h"
@@ -51,6 +52,7 @@ struct Epoch {
   std::shared_ptr<const SummaryCatalogue> catalogue;
   std::vector<std::shared_ptr<const SummaryRecord>> summaries;  ///< the present state, then those stored, oldest first
   FrozenTable<ProtocolEntry> protocols;
+  FrozenVoice voice;                           ///< empty in a loaded snapshot
   std::shared_ptr<const FrozenTables> tables;  ///< everything else; null in a loaded snapshot, which does not hold it
 };
 
