@@ -30,13 +30,18 @@ DetectionLimits DetectionLimitsOf(const EngineOptions& options) {
   return limits;
 }
 
+ExpertOptions ExpertOptionsOf(const EngineOptions& options) {
+  return {std::min(options.max_expert_flows, kMostRows), options.max_expert_events, options.apdex_target / 1000};
+}
+
 }  // namespace
 
 EngineCore::EngineCore(const EngineOptions& options)
     : options_(options),
       names_(DirectoryFor(options)),
       detector_(DetectionLimitsOf(options)),
-      tables_(LimitsOf(options)) {}
+      tables_(LimitsOf(options)),
+      expert_(ExpertOptionsOf(options)) {}
 
 void EngineCore::Feed(const Packet& packet) {
   DecodePacket(packet, &facts_);
@@ -47,6 +52,7 @@ void EngineCore::Feed(const Packet& packet) {
   ++changes_;
   tables_.Count(packet, facts_, protocol);
   tables_.SetFlows(detector_.counts());
+  if (options_.expert_analysis) expert_.Inspect(packet, facts_);
   packets_.fetch_add(1, std::memory_order_relaxed);
 }
 
@@ -66,6 +72,7 @@ void EngineCore::Reset() {
   std::lock_guard lock(mutex_);
   ++changes_;
   tables_.Reset();
+  expert_.Reset();
   packets_.store(0, std::memory_order_relaxed);
 }
 
@@ -88,10 +95,12 @@ EpochPtr EngineCore::Freeze() {
     }
     changes = changes_;
     *tables = tables_.Freeze();
+    epoch->expert = expert_.Freeze();
     epoch->summaries.emplace_back();
     epoch->summaries.insert(epoch->summaries.end(), stored_.begin(), stored_.end());
   }
   if (names_) tables->counters.unlisted_names = names_->refused();
+  tables->counters.expert = epoch->expert.counts();
   const Counters& counters = tables->counters;
   epoch->packets = counters.total.packets;
   epoch->bytes = counters.total.bytes;

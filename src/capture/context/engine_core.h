@@ -7,6 +7,7 @@
 #include <mutex>
 #include <vector>
 
+#include "capture/analysis/expert/expert_analysis.h"
 #include "capture/classify/application_detector.h"
 #include "capture/classify/protocol_tree.h"
 #include "capture/context/capture_engine.h"
@@ -56,6 +57,7 @@ class EngineCore {
 
   mutable std::mutex mutex_;  // guards what follows; held for one packet, or while pages are shared
   StatisticsTables tables_;
+  ExpertAnalysis expert_;
   std::deque<std::shared_ptr<const SummaryRecord>> stored_;
   std::uint64_t changes_ = 0;
   std::weak_ptr<const Epoch> latest_;

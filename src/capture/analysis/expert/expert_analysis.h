@@ -9,6 +9,7 @@
 #include "capture/analysis/expert/network_watch.h"
 #include "capture/decode/packet_facts.h"
 #include "capture/source/packet.h"
+#include "capture/tables/counters.h"
 
 namespace orvo {
 
@@ -22,6 +23,8 @@ struct ExpertOptions {
 struct FrozenExpert {
   FrozenFlows flows;
   FrozenEvents events;
+
+  ExpertCounts counts() const { return {events.total, flows.dropped, events.fallen_out()}; }
 
   /// Positions of the rows in use, in the order in which the flows began.
   std::vector<std::uint32_t> FlowOrder() const;
