@@ -318,6 +318,57 @@ TEST(VoiceAnalysis, ReadsMessagesThatShareASegment) {
   EXPECT_EQ(voice.calls[0].state, CallState::kRinging);
 }
 
+/// A stream of a recorded call, by the RTP analysis of another program.
+struct Recorded {
+  const char* source;
+  const char* destination;
+  const char* packets;
+  const char* lost;
+  const char* mean_jitter;
+  const char* largest_jitter;
+  const char* largest_delta;
+};
+
+TEST(VoiceAnalysis, AgreesWithAnotherAnalyser) {
+  struct Sample {
+    const char* name;
+    std::uint64_t messages;
+    std::vector<Recorded> streams;
+  };
+  const Sample samples[] = {
+      {"voice.pcap",
+       6,
+       {{"192.0.2.62:4008", "192.0.2.61:4002", "351", "0", "1.393", "2.164", "26.756"},
+        {"192.0.2.61:4002", "192.0.2.62:4008", "350", "0", "1.248", "2.205", "25.379"}}},
+      {"voice-lossy.pcap",
+       6,
+       {{"192.0.2.71:4004", "192.0.2.75:7000", "300", "0", "1.339", "1.817", "24.461"},
+        {"192.0.2.75:7000", "192.0.2.71:4004", "272", "28", "22.287", "32.274", "83.683"},
+        {"192.0.2.75:33544", "192.0.2.72:6000", "283", "17", "16.783", "24.216", "66.911"},
+        {"192.0.2.72:6000", "192.0.2.75:33544", "283", "17", "16.784", "24.200", "67.032"}}},
+  };
+  for (const Sample& sample : samples) {
+    SCOPED_TRACE(sample.name);
+    VoiceBench bench;
+    bench.SendFile(std::string(ORVO_SOURCE_DIR "/samples/") + sample.name);
+    FrozenVoice voice = bench.Freeze();
+    EXPECT_EQ(voice.counts.sip_requests + voice.counts.sip_responses, sample.messages);
+    EXPECT_EQ(voice.calls.size(), 1U);
+    ASSERT_EQ(voice.streams.size(), sample.streams.size());
+    for (std::uint32_t row = 0; row < voice.streams.size(); ++row) {
+      const Recorded& stream = sample.streams[row];
+      EXPECT_EQ(Cell(voice, row, "SOURCE_ADDRESS") + ":" + Cell(voice, row, "SOURCE_PORT"), stream.source);
+      EXPECT_EQ(Cell(voice, row, "DESTINATION_ADDRESS") + ":" + Cell(voice, row, "DESTINATION_PORT"),
+                stream.destination);
+      EXPECT_EQ(Cell(voice, row, "PACKETS"), stream.packets);
+      EXPECT_EQ(Cell(voice, row, "LOST_PACKETS"), stream.lost);
+      EXPECT_EQ(Cell(voice, row, "MEAN_JITTER"), stream.mean_jitter);
+      EXPECT_EQ(Cell(voice, row, "LARGEST_JITTER"), stream.largest_jitter);
+      EXPECT_EQ(Cell(voice, row, "LARGEST_DELTA"), stream.largest_delta);
+    }
+  }
+}
+
 TEST(MediaTable, NamesItsColumns) {
   ComPtr<ITable> table = MakeMediaTable({});
   std::uint32_t count = 0;

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 
 #include "capture/analysis/voice_analysis.h"
 #include "capture/decode/protocol_registry.h"
+#include "capture/source/capture_file.h"
 #include "tests/capture/frames.h"
 
 namespace orvo::test {
@@ -59,6 +61,16 @@ class VoiceBench {
     PacketFacts facts;
     DecodePacket(packet, &facts);
     analysis_.Inspect(packet, facts, 0);
+  }
+  void SendFile(const std::string& path) {
+    SourceError error;
+    std::unique_ptr<PacketSource> source = OpenCaptureFile(path, &error);
+    if (!source) return;
+    PacketFacts facts;
+    for (Packet packet; source->Next(&packet);) {
+      DecodePacket(packet, &facts);
+      analysis_.Inspect(packet, facts, 0);
+    }
   }
   /// From host 1 to host 2, by the ports of signalling.
   void SendSip(const std::string& message, std::uint64_t milliseconds) {

@@ -16,8 +16,8 @@ class JitterEstimate {
   /// Whether two packets could be compared yet.
   bool known() const { return differences_ != 0; }
   double now() const { return jitter_; }
-  /// Over the estimates behind each packet, the first one of the source with its 0 included.
-  double mean() const { return known() ? sum_ / static_cast<double>(differences_ + 1) : 0; }
+  /// Of the estimates behind each packet that could be compared with one before it.
+  double mean() const { return known() ? sum_ / static_cast<double>(differences_) : 0; }
   double largest() const { return largest_; }
 
  private:
