@@ -44,7 +44,7 @@ class ExpertFixture {
       facts.flow.from_first = flow_packet.from_first;
     }
     facts.applications = applications;
-    analysis.Inspect(packet, facts);
+    analysis.Inspect({&packet, 1}, {&facts, 1});
   }
 
   /// Between 10.0.0.1 and 10.0.0.2.

@@ -40,19 +40,19 @@ EngineCore::EngineCore(const EngineOptions& options)
     : options_(options),
       names_(DirectoryFor(options)),
       detector_(DetectionLimitsOf(options)),
-      tables_(LimitsOf(options)),
-      expert_(ExpertOptionsOf(options)) {}
+      expert_(ExpertOptionsOf(options)),
+      tables_(LimitsOf(options)) {}
 
 void EngineCore::Feed(const Packet& packet) {
   DecodePacket(packet, &facts_);
   detector_.Inspect(packet.time, &facts_);
   std::uint16_t protocol = ProtocolTree::Get().Classify(facts_);
   if (names_ && MayHoldNames(facts_)) Listen();
+  if (options_.expert_analysis) expert_.Inspect({&packet, 1}, {&facts_, 1});
   std::lock_guard lock(mutex_);
   ++changes_;
   tables_.Count(packet, facts_, protocol);
   tables_.SetFlows(detector_.counts());
-  if (options_.expert_analysis) expert_.Inspect(packet, facts_);
   packets_.fetch_add(1, std::memory_order_relaxed);
 }
 
@@ -79,7 +79,9 @@ void EngineCore::Reset() {
 void EngineCore::StoreSummary(std::u16string_view name) {
   if (options_.max_stored_summaries == 0) return;
   std::lock_guard lock(mutex_);
-  stored_.push_back(MakeSummary(tables_.Summary(), name));
+  Counters counters = tables_.Summary();
+  counters.expert = expert_.counts();
+  stored_.push_back(MakeSummary(counters, name));
   ++changes_;
   if (stored_.size() > options_.max_stored_summaries) stored_.pop_front();
 }

@@ -53,11 +53,11 @@ class EngineCore {
   PacketFacts facts_;             // the feeding thread's
   std::vector<KnownName> heard_;  // the feeding thread's, of the packet in work
   ApplicationDetector detector_;  // the feeding thread's
+  ExpertAnalysis expert_;         // has a lock of its own
   std::atomic<std::uint64_t> packets_ = 0;
 
   mutable std::mutex mutex_;  // guards what follows; held for one packet, or while pages are shared
   StatisticsTables tables_;
-  ExpertAnalysis expert_;
   std::deque<std::shared_ptr<const SummaryRecord>> stored_;
   std::uint64_t changes_ = 0;
   std::weak_ptr<const Epoch> latest_;

@@ -54,6 +54,9 @@ class EventLog {
 
   /// Numbers the event, counts it, and keeps it.
   void Add(EventRecord record);
+  /// Events so far, and those of them that have made room.
+  std::uint64_t total() const { return total_; }
+  std::uint64_t fallen_out() const { return total_ - std::min(total_, capacity_); }
   FrozenEvents Freeze() { return {counts_, total_, capacity_, records_.Freeze()}; }
 
  private:

@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <mutex>
+#include <span>
 #include <vector>
 
 #include "capture/analysis/expert/event_log.h"
@@ -34,19 +36,24 @@ struct FrozenExpert {
 
 /// Watches packets for what is slow and what goes wrong.
 ///
-/// One thread writes; freezing needs the same exclusion as writing, reading what was frozen needs none. Memory: a row
-/// and a track, about 280 bytes together, for each flow that the flow table knows, and what ExpertOptions allows.
+/// One thread inspects; all else may be called from any thread meanwhile, and waits no longer than for some packets.
+/// Memory: a row and a track, about 280 bytes together, for each flow that the flow table knows, and what ExpertOptions
+/// allows.
 class ExpertAnalysis {
  public:
   explicit ExpertAnalysis(const ExpertOptions& options);
 
-  /// Takes packets in their order, with `facts.flow` and `facts.applications` filled in. Its bytes must still be there.
-  void Inspect(const Packet& packet, const PacketFacts& facts);
-  FrozenExpert Freeze() { return {flows_.Freeze(), log_.Freeze()}; }
+  /// Takes packets in their order, and as many facts, with `flow` and `applications` filled in. The packets' bytes must
+  /// still be there. The more at a time, the faster it goes, up to some hundred.
+  void Inspect(std::span<const Packet> packets, std::span<const PacketFacts> facts);
+  FrozenExpert Freeze();
+  ExpertCounts counts();
+  /// Starts over.
   void Reset();
 
  private:
-  ExpertOptions options_;
+  const ExpertOptions options_;
+  std::mutex mutex_;  // guards what follows; held for one call
   FlowExpert flows_;
   NetworkWatch network_;
   EventLog log_;

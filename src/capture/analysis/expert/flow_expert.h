@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "capture/analysis/expert/application_totals.h"
@@ -32,9 +33,14 @@ class FlowExpert {
   /// `kept` flows that are over keep their rows. `apdex_target` is in microseconds.
   FlowExpert(std::size_t kept, std::uint64_t apdex_target) : kept_(kept), apdex_target_(apdex_target) {}
 
-  /// Takes a packet of a flow. Its bytes must still be there.
+  /// Fetches what packets to come will need into the cache, all at the same time instead of one after the other. May be
+  /// left out.
+  void Prepare(std::span<const PacketFacts> facts) const;
+  /// Takes a packet, which counts if it is of a flow. Its bytes must still be there.
   void Inspect(const Packet& packet, const PacketFacts& facts, EventLog* log);
   FrozenFlows Freeze();
+  /// As in FrozenFlows.
+  std::uint64_t dropped() const { return dropped_; }
   /// Forgets all rows. Flows under way begin new ones.
   void Reset();
 
