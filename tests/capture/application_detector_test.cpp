@@ -61,8 +61,9 @@ class ApplicationDetectorTest : public testing::Test {
  protected:
   /// The path that a packet is counted under, without the link.
   std::string Path(const Buffer& frame, std::uint64_t time = kNewYear) {
-    DecodePacket(MakePacket(frame), &facts_);
-    detector_->Inspect(time, &facts_);
+    const Packet packet = MakePacket(frame, time);
+    DecodePacket(packet, &facts_);
+    detector_->Inspect({&packet, 1}, {&facts_, 1});
     ProtocolTree& tree = ProtocolTree::Get();
     std::string path;
     for (std::uint16_t place = tree.Classify(facts_); tree.parent(place) != 0; place = tree.parent(place)) {
@@ -176,7 +177,7 @@ TEST_F(ApplicationDetectorTest, TakesWhateverIsCaptured) {
     for (std::size_t at = 34 + i % 5; at < bytes.size(); at += 11) bytes[at] = static_cast<std::uint8_t>(bytes[at] + i);
     packet.bytes = Bytes(bytes).first(length);
     DecodePacket(packet, &facts_);
-    detector_->Inspect(packet.time, &facts_);
+    detector_->Inspect({&packet, 1}, {&facts_, 1});
   }
   EXPECT_GT(detector_->counts().begun, 10U);
 }

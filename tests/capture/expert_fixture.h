@@ -38,6 +38,7 @@ class ExpertFixture {
     FlowPacket flow_packet;
     if (flow_packet.Read(facts, packet.time)) {
       std::uint64_t begun = flows_.begun();
+      flows_.Expect(&flow_packet);
       facts.flow.number = flows_.Enter(flow_packet);
       if (flows_.begun() != begun) serials_[facts.flow.number] = flows_.begun();
       facts.flow.serial = serials_[facts.flow.number];

@@ -130,6 +130,15 @@ std::vector<std::string> NdpiModule::Names() {
   return names;
 }
 
+void NdpiModule::Prefetch(const ndpi_flow_struct* flow) {
+  constexpr std::size_t kCacheLine = 64;
+  static const std::size_t size = ndpi_detection_get_sizeof_ndpi_flow_struct();
+  if (!flow) return;
+  for (std::size_t at = 0; at < size; at += kCacheLine) {
+    __builtin_prefetch(reinterpret_cast<const char*>(flow) + at, 1);
+  }
+}
+
 NdpiModule::FlowPtr NdpiModule::NewFlow() {
   Counting counting(this);
   auto* flow = static_cast<ndpi_flow_struct*>(ndpi_flow_malloc(ndpi_detection_get_sizeof_ndpi_flow_struct()));

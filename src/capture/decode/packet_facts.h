@@ -29,9 +29,10 @@ struct AddressPair {
 struct FlowMark {
   static constexpr std::uint32_t kNone = 0xFFFFFFFF;
 
-  std::uint64_t serial = 0;      ///< counts flows from 1 in the order in which they begin; 0 for no flow
-  std::uint32_t number = kNone;  ///< of the flow's place, which another takes when it is over: small, to index tables by
-  bool from_first = false;       ///< which of its two ends has sent the packet
+  std::uint64_t serial = 0;  ///< counts flows from 1 in the order in which they begin; 0 for no flow
+  std::uint32_t number =
+      kNone;                ///< of the flow's place, which another takes when it is over: small, to index tables by
+  bool from_first = false;  ///< which of its two ends has sent the packet
 };
 
 /// What the decoders found in one packet. One object serves packet after packet; nothing in it is ever allocated.

@@ -45,27 +45,33 @@ bool IsInvisible(char32_t character) {
 bool NameDirectory::Learn(const AddressRecord& address, std::u16string_view name, NameSource source) {
   std::u16string clean = Clean(name);
   if (clean.empty()) return false;
+  const std::uint64_t hash = hash_(address);
   std::lock_guard lock(mutex_);
-  if (auto found = names_.find(address); found != names_.end()) {
-    if (found->second.source > source) return false;
-    found->second = {std::move(clean), source};
+  if (const std::uint32_t row = Find(address, hash); row != kNoRow) {
+    Entry& entry = entries_[row];
+    if (entry.source > source) return false;
+    entry.source = source;
+    entry.name = std::move(clean);
     return true;
   }
-  if (names_.size() >= limit_) {
+  if (entries_.size() >= limit_) {
     refused_.fetch_add(1, std::memory_order_relaxed);
     return false;
   }
-  names_.emplace(address, Entry{std::move(clean), source});
+  index_.Reserve();
+  entries_.push_back({address, source, std::move(clean)});
+  index_.Add(hash, static_cast<std::uint32_t>(entries_.size() - 1));
   any_.store(true, std::memory_order_release);
   return true;
 }
 
 bool NameDirectory::Append(const AddressRecord& address, std::u16string* text) const {
   if (address.type == kAddressProtocol || !any_.load(std::memory_order_acquire)) return false;
+  const std::uint64_t hash = hash_(address);
   std::shared_lock lock(mutex_);
-  auto found = names_.find(address);
-  if (found == names_.end()) return false;
-  text->append(found->second.name);
+  const std::uint32_t row = Find(address, hash);
+  if (row == kNoRow) return false;
+  text->append(entries_[row].name);
   return true;
 }
 

@@ -43,25 +43,19 @@ void CountPacket(const Packet& packet, FlowSide sender, FlowRow* row) {
   }
 }
 
-/// For writing.
-template <class T>
-void Prefetch(const T* object) {
-  constexpr std::size_t kCacheLine = 64;
-  const char* begin = reinterpret_cast<const char*>(object);
-  for (std::size_t at = 0; at < sizeof(T); at += kCacheLine) __builtin_prefetch(begin + at, 1);
-  __builtin_prefetch(begin + sizeof(T) - 1, 1);
-}
-
 }  // namespace
 
 void FlowExpert::Prepare(std::span<const PacketFacts> facts) const {
   for (const PacketFacts& packet : facts) {
-    if (packet.flow.number < tracks_.size()) Prefetch(&tracks_[packet.flow.number]);
+    if (packet.flow.number >= tracks_.size()) continue;
+    const auto* track = reinterpret_cast<const char*>(&tracks_[packet.flow.number]);
+    __builtin_prefetch(track, 1);
+    __builtin_prefetch(track + sizeof(FlowTrack) - 1, 1);
   }
   for (const PacketFacts& packet : facts) {
     if (packet.flow.number >= tracks_.size()) continue;
     std::uint32_t row = tracks_[packet.flow.number].row;
-    if (row != kNoRow) Prefetch(&rows_[row]);
+    if (row != kNoRow) rows_.Prefetch(row);
   }
 }
 

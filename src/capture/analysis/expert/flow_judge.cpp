@@ -188,7 +188,7 @@ void FlowJudge::JudgeUdp(const PacketFacts& facts) {
 void FlowJudge::NoteDnsMessage(Bytes payload) {
   DnsHeader header = ReadDnsHeader(payload);
   auto& queries = track_.transport.dns.queries;
-  auto found = std::ranges::find_if(
+  auto* found = std::ranges::find_if(
       queries, [&](const DnsTrack::Query& query) { return query.time != 0 && query.id == header.id; });
   if (sender_ == kClient && header.is_query) {
     if (found != queries.end()) return Report(ExpertEvent::kDnsRepeatedQuery);
