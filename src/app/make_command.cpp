@@ -247,7 +247,8 @@ void AddMakeCommand(CLI::App& parser, Verb* verb) {
       ->capture_default_str();
   command
       ->add_option("--filter", options->filter, "Count only packets that this expression holds for, see pcap-filter(7)")
-      ->type_name("EXPR");
+      ->type_name("EXPR")
+      ->check(NotEmpty());
   AddSettingsOptions(*command, &options->settings);
   command->add_flag("--live", options->live, "Report straight from the live statistics, marked with the current time");
   command->add_flag("--no-names", options->no_names, "Write plain addresses instead of names");

@@ -94,6 +94,13 @@ TEST_F(ApplicationDetectorTest, RecognisesContentOnWhateverPort) {
       {Ethernet(Mac(2), Mac(1), 0x0800,
                 Ipv4(Ip4(1), Ip4(2), 4, Ipv4(Ip4(3), Ip4(4), 6, Tcp(40011, 9993, 0x18, HttpRequest("a.example"))))),
        "IPv4/IPv4/TCP/HTTP"},
+      // Behind an authentication header the port tells, not the header.
+      {Ethernet(Mac(2), Mac(1), 0x0800,
+                Ipv4(Ip4(1), Ip4(2), 51, Buffer{6, 1} + Zeros(10) + Tcp(40012, 80, 0x18, HttpRequest("a.example")))),
+       "IPv4/AH/TCP/HTTP"},
+      {Ethernet(Mac(2), Mac(1), 0x86DD,
+                Ipv6(Ip6(1), Ip6(2), 51, Buffer{6, 1} + Zeros(10) + Tcp(40013, 9992, 0x18, HttpRequest("a.example")))),
+       "IPv6/AH/TCP"},
   };
   for (const auto& [frame, path] : cases) EXPECT_EQ(Path(frame), path);
 }

@@ -1,6 +1,7 @@
 #include "capture/classify/ndpi_module.h"
 
 #include <ndpi_api.h>
+#include <netinet/in.h>
 
 #include <algorithm>
 #include <array>
@@ -149,6 +150,8 @@ NdpiModule::FlowPtr NdpiModule::NewFlow() {
 NdpiModule::Finding NdpiModule::Inspect(ndpi_flow_struct* flow, Bytes datagram, std::uint64_t time) {
   std::size_t size = std::min(datagram.size(), kMaxDatagram);
   if (size < kIpv4Header || (datagram[0] >> 4 != 4 && size < kIpv6Header)) return {};
+  // nDPI sees no further than this header, and calls what stands behind it IPsec, whatever that is.
+  if (datagram[datagram[0] >> 4 == 4 ? 9 : 6] == IPPROTO_AH) return {};
   // A copy: some of nDPI's readers write into the packet, and some look beyond its end.
   std::copy_n(datagram.begin(), size, datagram_.begin());
   std::fill_n(datagram_.begin() + static_cast<std::ptrdiff_t>(size), kSlack, std::uint8_t{0});

@@ -23,8 +23,8 @@ struct KnownName {
 /// How far a name is to be trusted: what somebody gave is not replaced by what was heard on the wire.
 enum class NameSource : std::uint8_t { kHeard, kGiven };
 
-/// Control characters, ends of lines and paragraphs, and the invisible ones that turn or join text: none of them has a
-/// place in a name, and each can make a line of a report read as something else.
+/// Control characters, ends of lines and paragraphs, blanks of every width, and whatever else leaves no mark or turns
+/// or joins text: none of them has a place in a name, and each can make a line of a report read as something else.
 bool IsInvisible(char32_t character);
 
 /// The names that the engine has learnt. Used from any thread.
