@@ -19,7 +19,6 @@ constexpr std::size_t kMaxHeader = 65536;
 constexpr std::size_t kMaxField = 1024;
 constexpr std::size_t kMaxBody = 8192;
 constexpr std::size_t kMaxText = 256;
-constexpr std::string_view kVersion = "SIP/2.0";
 
 constexpr char Lower(char letter) {
   return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
@@ -56,10 +55,9 @@ struct Outline {
   std::size_t header_length = 0;                ///< with the empty line behind it
 };
 
+/// "SIP/2.0 200 OK" or "INVITE sip:somebody SIP/2.0".
 bool IsFirstLine(std::string_view line) {
-  if (line.size() > kMaxField || !IsPlain(line)) return false;
-  return (line.starts_with(kVersion) && line.size() > kVersion.size() && line[kVersion.size()] == ' ') ||
-         (line.ends_with(kVersion) && line[line.size() - kVersion.size() - 1] == ' ');
+  return line.size() <= kMaxField && IsPlain(line) && (line.starts_with("SIP/2.0 ") || line.ends_with(" SIP/2.0"));
 }
 
 std::string_view Trimmed(std::string_view text) {
