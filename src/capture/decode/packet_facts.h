@@ -25,6 +25,16 @@ struct AddressPair {
   bool names_both_ends() const { return source.valid != 0 && destination.valid != 0; }
 };
 
+/// Names the flow of a packet, and its direction.
+struct FlowMark {
+  static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+
+  std::uint64_t serial = 0;  ///< counts flows from 1 in the order in which they begin; 0 for no flow
+  std::uint32_t number =
+      kNone;                ///< of the flow's place, which another takes when it is over: small, to index tables by
+  bool from_first = false;  ///< which of its two ends has sent the packet
+};
+
 /// What the decoders found in one packet. One object serves packet after packet; nothing in it is ever allocated.
 struct PacketFacts {
   static constexpr std::size_t kMaxPairs = 2;
@@ -42,6 +52,7 @@ struct PacketFacts {
     cut_off = captured < original;
     network = datagram = payload = {};
     applications = {};
+    flow = {};
   }
 
   /// Room for the addresses of a frame; null inside of what has addresses already, since a frame in a tunnel is its
@@ -94,6 +105,7 @@ struct PacketFacts {
   /// Identifiers of the protocols that the packet's flow was found to carry: what is spoken, then what it is spoken to
   /// (TLS, then a mail service); 0 for not known. Decoders leave them alone.
   std::array<std::uint16_t, 2> applications{};
+  FlowMark flow;  ///< which flow the packet is of; decoders leave it alone
 
  private:
   AddressPair* ClearedPair() {
