@@ -9,6 +9,7 @@
 #include <span>
 #include <vector>
 
+#include "capture/analysis/voice_analysis.h"
 #include "capture/classify/application_detector.h"
 #include "capture/classify/protocol_tree.h"
 #include "capture/context/capture_engine.h"
@@ -52,6 +53,7 @@ class EngineCore {
   static constexpr std::size_t kWorthHandingOver = 16;
 
   void Decode(std::span<const Packet> packets, NoteBatch* batch);
+  void Analyse(std::span<const Packet> packets, std::span<const PacketFacts> facts);
   void Count(const NoteBatch& batch);
   void Listen(const PacketFacts& facts);
 
@@ -62,6 +64,10 @@ class EngineCore {
   NoteBatch batch_;               // of packets that it counts itself
   std::vector<KnownName> heard_;  // of the packet in work
   ApplicationDetector detector_;
+
+  // What looks into the bytes of packets, by the feeding thread; held for one batch, or while pages are shared.
+  std::mutex analysis_mutex_;
+  VoiceAnalysis voice_;
 
   mutable std::mutex mutex_;  // guards what follows; held for one batch, or while pages are shared
   StatisticsTables tables_;
