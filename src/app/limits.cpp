@@ -25,6 +25,8 @@ constexpr std::array kLimits{
     Limit{"calls", &EngineOptions::max_calls},
     Limit{"media-streams", &EngineOptions::max_media_streams},
     Limit{"names", &EngineOptions::max_names},
+    Limit{"expert-flows", &EngineOptions::max_expert_flows},
+    Limit{"expert-events", &EngineOptions::max_expert_events},
 };
 constexpr std::size_t kLargest = 1'000'000'000;
 

@@ -9,6 +9,7 @@
 #include <span>
 #include <vector>
 
+#include "capture/analysis/expert/expert_analysis.h"
 #include "capture/analysis/voice_analysis.h"
 #include "capture/classify/application_detector.h"
 #include "capture/classify/protocol_tree.h"
@@ -53,7 +54,7 @@ class EngineCore {
   static constexpr std::size_t kWorthHandingOver = 16;
 
   void Decode(std::span<const Packet> packets, NoteBatch* batch);
-  void Analyse(std::span<const Packet> packets, std::span<const PacketFacts> facts);
+  void FollowCalls(std::span<const Packet> packets, std::span<const PacketFacts> facts);
   void Count(const NoteBatch& batch);
   void Listen(const PacketFacts& facts);
 
@@ -64,9 +65,9 @@ class EngineCore {
   NoteBatch batch_;               // of packets that it counts itself
   std::vector<KnownName> heard_;  // of the packet in work
   ApplicationDetector detector_;
+  ExpertAnalysis expert_;  // has a lock of its own
 
-  // What looks into the bytes of packets, by the feeding thread; held for one batch, or while pages are shared.
-  std::mutex analysis_mutex_;
+  std::mutex voice_mutex_;  // held for one batch, or while pages are shared
   VoiceAnalysis voice_;
 
   mutable std::mutex mutex_;  // guards what follows; held for one batch, or while pages are shared

@@ -3,6 +3,7 @@
 #include <array>
 #include <utility>
 
+#include "capture/context/expert_tables.h"
 #include "capture/context/media_table.h"
 #include "engine/tables.h"
 #include "platform/error.h"
@@ -20,6 +21,10 @@ struct TableRow {
 
 /// The tables that the engine keeps.
 constexpr std::array kTables{
+    TableRow{kTableFlows, [](const Epoch& epoch) { return MakeFlowTable(epoch.expert); }},
+    TableRow{kTableApplications, [](const Epoch& epoch) { return MakeApplicationTable(epoch.expert); }},
+    TableRow{kTableEventCounts, [](const Epoch& epoch) { return MakeEventCountTable(epoch.expert); }},
+    TableRow{kTableEventLog, [](const Epoch& epoch) { return MakeEventLogTable(epoch.expert); }},
     TableRow{kTableMedia, [](const Epoch& epoch) { return MakeMediaTable(epoch.voice); }},
 };
 

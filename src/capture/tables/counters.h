@@ -42,6 +42,13 @@ struct VoiceCounts {
   std::uint64_t unlisted_rtp_packets = 0;   ///< of streams that the full table did not take in
 };
 
+/// What the expert analysis has found but does not list.
+struct ExpertCounts {
+  std::uint64_t events = 0;           ///< all, listed or not
+  std::uint64_t unlisted_flows = 0;   ///< over for so long that others took their rows
+  std::uint64_t unlisted_events = 0;  ///< that the log had no room for any more
+};
+
 /// Everything that is counted once for the whole capture. Times are nanoseconds since 1601-01-01 UTC, 0 for never.
 struct Counters {
   Traffic total;
@@ -66,6 +73,7 @@ struct Counters {
   std::uint64_t unlisted_names = 0;          ///< names that the full directory refused
   FlowCounts flows;
   VoiceCounts voice;
+  ExpertCounts expert;
   std::uint64_t shortest = 0;  ///< 0 while there are no packets
   std::uint64_t longest = 0;
   SizeCounts sizes{};
