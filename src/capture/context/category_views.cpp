@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "capture/context/expert_view.h"
 #include "capture/context/traffic_views.h"
 #include "engine/categories.h"
 #include "platform/error.h"
@@ -237,6 +238,7 @@ constexpr std::array kCategories{
     CategoryRow{kTopTalkerCategory.identifier, false, Answer<NodeView>},
     CategoryRow{kHierarchyCategory.identifier, false, Answer<HierarchyView>},
     CategoryRow{kConversationCategory.identifier, false, Answer<ConversationView>},
+    CategoryRow{kExpertCategory.identifier, false, AnswerMade<MakeExpertStats>},
     CategoryRow{kTrafficHistoryCategory.identifier, false, AnswerMade<MakeTrafficHistory>},
     CategoryRow{kSizeCategory.identifier, false, AnswerMade<MakeSizeStats>},
 };

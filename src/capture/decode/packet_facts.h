@@ -50,7 +50,7 @@ struct PacketFacts {
     source_port = destination_port = 0;
     has_network_pair = has_ports = is_fragment = is_icmp_error = malformed = false;
     cut_off = captured < original;
-    network = datagram = payload = {};
+    network = datagram = payload = innermost = {};
     applications = {};
     flow = {};
   }
@@ -102,6 +102,7 @@ struct PacketFacts {
   Bytes network;   ///< the outermost IP datagram from its header on, without padding, as far as it was captured
   Bytes datagram;  ///< the same of the innermost
   Bytes payload;   ///< what the innermost TCP, UDP or SCTP header carries, as far as it was captured; may be empty
+  Bytes innermost;  ///< from the last header that was read on
   /// Identifiers of the protocols that the packet's flow was found to carry: what is spoken, then what it is spoken to
   /// (TLS, then a mail service); 0 for not known. Decoders leave them alone.
   std::array<std::uint16_t, 2> applications{};
