@@ -5,7 +5,9 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "capture/names/trust_file.h"
 #include "capture/source/packet.h"
 #include "engine/context.h"
 #include "engine/graphs.h"
@@ -33,6 +35,12 @@ struct EngineOptions {
   std::size_t max_undecided_flows = 50'000;
   /// Names that are kept: about 150 bytes for one of usual length, 600 for the longest. The summary counts the others.
   std::size_t max_names = 1'000'000;
+  /// Nodes and network names of a wireless medium, about 300 bytes each, and its channels. Packets beyond count
+  /// everywhere else, and the summary says how many there were.
+  std::size_t max_wireless_nodes = 100'000;
+  std::size_t max_wireless_channels = 1'000;
+  /// What is said of physical addresses of a wireless medium; of several about one address the last counts.
+  std::vector<TrustedAddress> trusted_addresses;
   /// Summaries stored by name; storing one more drops the oldest.
   std::size_t max_stored_summaries = 100;
 };

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "capture/context/traffic_views.h"
+#include "capture/context/wireless_views.h"
 #include "engine/categories.h"
 #include "platform/error.h"
 #include "platform/object.h"
@@ -219,9 +220,11 @@ Status Answer(const EpochPtr& epoch, const Guid& iid, void** out) {
   return MakeObject<View>(epoch)->QueryInterface(iid, out);
 }
 
+/// For makers that give null where the capture has nothing of the kind.
 template <ComPtr<IUnknown> (*make)(const EpochPtr& epoch)>
 Status AnswerMade(const EpochPtr& epoch, const Guid& iid, void** out) {
-  return make(epoch)->QueryInterface(iid, out);
+  const ComPtr<IUnknown> made = make(epoch);
+  return made ? made->QueryInterface(iid, out) : E_NOINTERFACE;
 }
 
 struct CategoryRow {
@@ -237,6 +240,8 @@ constexpr std::array kCategories{
     CategoryRow{kTopTalkerCategory.identifier, false, Answer<NodeView>},
     CategoryRow{kHierarchyCategory.identifier, false, Answer<HierarchyView>},
     CategoryRow{kConversationCategory.identifier, false, Answer<ConversationView>},
+    CategoryRow{kWirelessNodeCategory.identifier, false, AnswerMade<MakeWirelessNodeStats>},
+    CategoryRow{kWirelessChannelCategory.identifier, false, AnswerMade<MakeWirelessChannelStats>},
     CategoryRow{kTrafficHistoryCategory.identifier, false, AnswerMade<MakeTrafficHistory>},
     CategoryRow{kSizeCategory.identifier, false, AnswerMade<MakeSizeStats>},
 };

@@ -16,7 +16,17 @@ constexpr std::size_t kMostRows = 4'000'000'000;
 
 TableLimits LimitsOf(const EngineOptions& options) {
   return {std::min(options.max_addresses, kMostRows), std::min(options.max_hierarchy_rows, kMostRows),
-          std::min(options.max_conversations, kMostRows)};
+          std::min(options.max_conversations, kMostRows),
+          WirelessLimits{.nodes = options.max_wireless_nodes, .channels = options.max_wireless_channels}};
+}
+
+std::shared_ptr<const TrustList> TrustOf(const EngineOptions& options) {
+  if (options.trusted_addresses.empty()) return nullptr;
+  auto trust = std::make_shared<TrustList>();
+  for (const TrustedAddress& one : options.trusted_addresses) {
+    trust->insert_or_assign(one.address, static_cast<std::uint8_t>(one.trust));
+  }
+  return trust;
 }
 
 std::shared_ptr<NameDirectory> DirectoryFor(const EngineOptions& options) {
@@ -36,7 +46,7 @@ EngineCore::EngineCore(const EngineOptions& options)
     : options_(options),
       names_(DirectoryFor(options)),
       detector_(DetectionLimitsOf(options)),
-      tables_(LimitsOf(options)) {}
+      tables_(LimitsOf(options), TrustOf(options)) {}
 
 void EngineCore::Feed(const Packet& packet) {
   DecodePacket(packet, &facts_);
@@ -100,6 +110,7 @@ EpochPtr EngineCore::Freeze() {
   epoch->catalogue = LiveCatalogue();
   epoch->summaries.front() = MakeSummary(counters, kPresentName);
   epoch->protocols = tables->protocols;
+  if (tables->wireless) epoch->medium_subtype = tables->wireless->subtype;
   epoch->tables = std::move(tables);
   std::lock_guard lock(mutex_);
   latest_ = epoch;

@@ -19,11 +19,12 @@ void Widen(std::uint64_t* first, std::uint64_t* last, std::uint64_t time) {
 
 }  // namespace
 
-StatisticsTables::StatisticsTables(const TableLimits& limits)
+StatisticsTables::StatisticsTables(const TableLimits& limits, const std::shared_ptr<const TrustList>& trust)
     : limits_(limits),
       addresses_(limits.addresses),
       protocol_rows_(std::size_t{std::numeric_limits<std::uint16_t>::max()} + 1, kNoRow),
-      conversations_(limits.conversations) {}
+      conversations_(limits.conversations),
+      wireless_(limits.wireless, trust) {}
 
 void StatisticsTables::Count(const Packet& packet, const PacketFacts& facts, std::uint16_t protocol) {
   std::uint64_t bytes = packet.original_length;
@@ -59,6 +60,7 @@ void StatisticsTables::Count(const Packet& packet, const PacketFacts& facts, std
       if (destination != kNoAddress) rows_listed &= CountHierarchy(physical_destination, destination, false, bytes);
     }
   }
+  if (facts.wireless.is_present) counters_.unlisted_wireless += !wireless_.Count(packet, facts, &addresses_);
   counters_.unlisted_addresses += !addresses_listed;
   counters_.unlisted_conversations += !conversations_listed;
   counters_.unlisted_hierarchy += !rows_listed;
@@ -171,6 +173,8 @@ bool StatisticsTables::CountHierarchy(std::uint32_t physical, std::uint32_t logi
 void StatisticsTables::Reset() {
   StatisticsTables fresh(limits_);
   std::swap(fresh.addresses_, addresses_);
+  wireless_.Reset();
+  std::swap(fresh.wireless_, wireless_);
   fresh.counters_.dropped = counters_.dropped;
   fresh.flows_ = fresh.flows_at_reset_ = flows_;
   *this = std::move(fresh);
@@ -187,8 +191,8 @@ Counters StatisticsTables::Summary() const {
 }
 
 FrozenTables StatisticsTables::Freeze() {
-  return {Summary(),           addresses_.Freeze(),     node_rows_.Freeze(), nodes_.Freeze(), hierarchy_.Freeze(),
-          protocols_.Freeze(), conversations_.Freeze(), history_.Freeze(),   graphs_.Freeze()};
+  return {Summary(),           addresses_.Freeze(),     node_rows_.Freeze(), nodes_.Freeze(),  hierarchy_.Freeze(),
+          protocols_.Freeze(), conversations_.Freeze(), history_.Freeze(),   graphs_.Freeze(), wireless_.Freeze()};
 }
 
 }  // namespace orvo

@@ -13,6 +13,7 @@
 #include "capture/tables/paged_vector.h"
 #include "capture/tables/row_index.h"
 #include "capture/tables/traffic_history.h"
+#include "capture/tables/wireless_tables.h"
 #include "engine/nodes.h"
 #include "engine/protocols.h"
 
@@ -23,6 +24,7 @@ struct TableLimits {
   std::size_t addresses = 2'000'000;
   std::size_t hierarchy = 4'000'000;
   std::size_t conversations = 4'000'000;
+  WirelessLimits wireless;
 };
 
 /// All tables as of one moment.
@@ -36,13 +38,14 @@ struct FrozenTables {
   FrozenConversations conversations;
   FrozenHistory history;
   FrozenGraphs graphs;
+  std::shared_ptr<const FrozenWireless> wireless;  ///< null for a wired medium
 };
 
 /// The statistics of a capture. One thread writes; freezing needs the same exclusion as writing, reading what was
 /// frozen needs none.
 class StatisticsTables {
  public:
-  explicit StatisticsTables(const TableLimits& limits);
+  explicit StatisticsTables(const TableLimits& limits, const std::shared_ptr<const TrustList>& trust = nullptr);
 
   /// Counts one packet under the protocol of that number.
   void Count(const Packet& packet, const PacketFacts& facts, std::uint16_t protocol);
@@ -82,6 +85,7 @@ class StatisticsTables {
   ConversationTable conversations_;
   TrafficHistory history_;
   GraphSamples graphs_;
+  WirelessTables wireless_;
 };
 
 }  // namespace orvo
