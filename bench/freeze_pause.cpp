@@ -13,6 +13,7 @@
 
 #include "capture/context/capture_engine.h"
 #include "engine/categories.h"
+#include "platform/clock.h"
 
 namespace orvo::bench {
 namespace {
@@ -20,7 +21,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds kRun{1000};
-constexpr std::uint64_t kStart = (11'644'473'600ULL + 1'700'000'000ULL) * 1'000'000'000ULL;
+constexpr std::uint64_t kStart = kUnixEpoch + 1'700'000'000 * kNanosecondsPerSecond;
 constexpr std::uint32_t kHosts = 100'000;
 
 /// Frames of many hosts, a millisecond apart: Ethernet, IPv4, UDP between changing addresses.

@@ -7,8 +7,10 @@
 
 namespace orvo {
 
+inline constexpr std::uint64_t kNanosecondsPerSecond = 1'000'000'000;
+
 /// Nanoseconds since 1601-01-01 00:00 UTC for a count of nanoseconds since 1970-01-01 00:00 UTC, and back.
-inline constexpr std::uint64_t kUnixEpoch = 11'644'473'600ULL * 1'000'000'000ULL;
+inline constexpr std::uint64_t kUnixEpoch = 11'644'473'600ULL * kNanosecondsPerSecond;
 constexpr std::uint64_t TimeFromUnix(std::int64_t unix_nanoseconds) {
   return kUnixEpoch + static_cast<std::uint64_t>(unix_nanoseconds);
 }

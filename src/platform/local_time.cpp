@@ -3,12 +3,12 @@
 #include <mutex>
 #include <optional>
 
+#include "platform/clock.h"
 #include "platform/locale.h"
 
 namespace orvo {
 namespace {
 
-constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
 constexpr std::int64_t kSecondsPerDay = 86'400;
 // Seconds from 1601-01-01 to 1970-01-01.
 constexpr std::int64_t kUnixEpochSeconds = 11'644'473'600;

@@ -4,10 +4,13 @@
 #include "platform/error.h"
 #include "prefs/switch_ids.h"
 #include "text/detail_file.h"
+#include "text/expert_files.h"
 #include "text/node_files.h"
 #include "text/protocol_file.h"
 #include "text/summary_file.h"
 #include "text/text_report.h"
+#include "text/wireless_channel_file.h"
+#include "text/wireless_node_file.h"
 
 namespace orvo {
 namespace {
@@ -26,7 +29,11 @@ constexpr Section kSections[] = {
     {kAlways, WriteSummaryFile},
     {kSwitchOutputNodeStats, WriteNodeFiles},
     {kSwitchOutputProtocolStats, WriteProtocolFile},
+    {kSwitchOutputWLANStats, WriteWirelessNodeFile},
+    {kSwitchOutputWChannelsStats, WriteWirelessChannelFile},
     {kSwitchOutputNodeDetails, WriteDetailFile},
+    {kSwitchOutputExpertStats, WriteExpertFiles},
+    {kSwitchOutputVoIPOnly, WriteMediaFile},
 };
 
 }  // namespace

@@ -18,15 +18,16 @@ constexpr Status kAlreadyExists = StatusFromError(kErrorAlreadyExists);
 
 SectionFile::SectionFile() : buffer_(kBufferCapacity) {}
 
-void SectionFile::Open(std::u16string_view path, std::string_view header) {
+void SectionFile::Open(std::u16string_view path, const HeaderMaker& header) {
   // Others may create or delete the file between our two attempts, so neither answer is final the first time.
   Status status = kFileNotFound;
   for (int attempt = 0; attempt < kOpenAttempts; ++attempt) {
     status = File::OpenExisting(path, &file_);
     if (Succeeded(status)) return EndPartialRow();
     if (status != kFileNotFound) break;
+    const std::string first_line = header();
     Check(File::CreateUnpublished(path, &file_));
-    Check(file_.Write(header));
+    Check(file_.Write(first_line));
     status = file_.Publish();
     if (Succeeded(status)) return;
     if (status != kAlreadyExists) break;
@@ -70,7 +71,7 @@ Status SectionFile::Close() {
   return Failed(written) ? written : closed;
 }
 
-void WriteSectionFile(TextReport& report, const std::u16string& path, std::string_view header,
+void WriteSectionFile(TextReport& report, const std::u16string& path, const HeaderMaker& header,
                       const std::function<void(SectionFile&)>& write_rows) {
   SectionFile file;
   Status status = Guard([&] {
@@ -81,6 +82,12 @@ void WriteSectionFile(TextReport& report, const std::u16string& path, std::strin
   if (Succeeded(status)) status = closed;
   if (report.observer) report.observer->FileDone(path.c_str(), file.rows_written(), status);
   Check(status);
+}
+
+void WriteSectionFile(TextReport& report, const std::u16string& path, const std::string& header,
+                      const std::function<void(SectionFile&)>& write_rows) {
+  WriteSectionFile(
+      report, path, [&header] { return header; }, write_rows);
 }
 
 std::string TimeSaved(TextReport& report) {

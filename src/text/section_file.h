@@ -9,6 +9,9 @@
 
 namespace orvo {
 
+/// Makes the first line of a new file, with its line end.
+using HeaderMaker = std::function<std::string()>;
+
 /// One file of a text report while its section appends to it. Rows are gathered and written in large blocks; a row that
 /// was ended is never lost to a failure after it, and one that was not is never written.
 class SectionFile {
@@ -17,8 +20,9 @@ class SectionFile {
 
   /// Opens the file so that nobody else can write it meanwhile: an existing one as it is, behind its last row (a
   /// partial row that a killed run left is ended first), a new one with `header` as its first line. The new file
-  /// appears under its name together with its header, already held. Raises the platform's failure.
-  void Open(std::u16string_view path, std::string_view header);
+  /// appears under its name together with its header, already held. The header is asked for only when it is needed; a
+  /// file whose header cannot be made is not made either. Raises that failure, or the platform's.
+  void Open(std::u16string_view path, const HeaderMaker& header);
 
   /// Where the next row is formatted.
   TextBuffer& row() { return buffer_; }
@@ -42,8 +46,12 @@ class SectionFile {
 };
 
 /// Opens a section's file, has `write_rows` append to it, closes it, and tells the report's observer what became of it.
-/// `header` is the first line of a new file, with its line end. Raises what ended the file early.
-void WriteSectionFile(TextReport& report, const std::u16string& path, std::string_view header,
+/// Raises what ended the file early.
+void WriteSectionFile(TextReport& report, const std::u16string& path, const HeaderMaker& header,
+                      const std::function<void(SectionFile&)>& write_rows);
+
+/// The same with a header that is known beforehand.
+void WriteSectionFile(TextReport& report, const std::u16string& path, const std::string& header,
                       const std::function<void(SectionFile&)>& write_rows);
 
 /// The report's time as the first field of every row: formatted once per file.

@@ -1,6 +1,9 @@
 #include "text/text_report.h"
 
 #include "platform/error.h"
+#include "util/duration.h"
+#include "util/formatting.h"
+#include "util/printable_bytes.h"
 
 namespace orvo {
 
@@ -28,6 +31,15 @@ void AppendValue(TextReport& report, const Value& value, TextBuffer* out) {
     case Value::Kind::kTime:
       if (value.as_unsigned() == 0) break;
       report.util.FormatTimestamp(value.as_unsigned(), &report.scratch);
+      out->AppendWide(report.scratch);
+      break;
+    case Value::Kind::kDuration:
+      Check(FormatDuration(value.as_signed(), kMicroseconds, TextOf(kStrDaysAndTime), &report.scratch));
+      out->AppendWide(report.scratch);
+      break;
+    case Value::Kind::kText: out->Append(value.as_text()); break;
+    case Value::Kind::kName:
+      PrintableBytes(value.as_name(), kPrintableBytesCapacity, &report.scratch);
       out->AppendWide(report.scratch);
       break;
   }

@@ -42,7 +42,8 @@ std::u16string FilePath(const TextReport& report, StringId title, StringId secon
 /// Appends the address text of a record behind its kind's label; nothing for a null record.
 void AppendAddress(TextReport& report, const AddressRecord* record, TextBuffer* out);
 
-/// Appends a value as text files word it: nothing for nothing and for a time of 0, three decimals for a real number.
+/// Appends a value as text files word it: nothing for nothing and for a time of 0, three decimals for a real number,
+/// microseconds for a duration, and digits for a name that is not printable. Raises the failure of a conversion.
 void AppendValue(TextReport& report, const Value& value, TextBuffer* out);
 
 }  // namespace orvo

@@ -1,12 +1,11 @@
 #include "util/date_time.h"
 
+#include "platform/clock.h"
 #include "platform/locale.h"
 #include "util/formatting.h"
 
 namespace orvo {
 namespace {
-
-constexpr std::uint64_t kNanosecondsPerSecond = 1'000'000'000;
 
 // Puts an empty text into `out` and fills it; empty again when `fill` fails.
 template <class Fill>

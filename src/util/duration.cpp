@@ -1,13 +1,12 @@
 #include "util/duration.h"
 
+#include "platform/clock.h"
 #include "platform/locale.h"
 #include "util/ascii.h"
 #include "util/formatting.h"
 
 namespace orvo {
 namespace {
-
-constexpr std::uint64_t kNanosecondsPerSecond = 1'000'000'000;
 
 // Appends the pattern with its first two "%s" replaced.
 void AppendPattern(std::u16string_view pattern, std::u16string_view first, std::u16string_view second,

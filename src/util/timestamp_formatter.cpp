@@ -1,12 +1,12 @@
 #include "util/timestamp_formatter.h"
 
+#include "platform/clock.h"
 #include "platform/locale.h"
 #include "util/date_time.h"
 
 namespace orvo {
 namespace {
 
-constexpr std::uint64_t kNanosecondsPerSecond = 1'000'000'000;
 constexpr std::int64_t kSecondsPerDay = 86400;
 // A stretch of 2^42 nanoseconds lasts 73 minutes: no time zone has ever changed its offset twice within one.
 constexpr unsigned kStretchShift = 42;

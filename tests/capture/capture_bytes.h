@@ -1,15 +1,12 @@
 #pragma once
 
-#include <cstdlib>
-
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "capture/source/capture_file.h"
 #include "tests/capture/frames.h"
+#include "tests/support/temporary_folder.h"
 
 namespace orvo::test {
 
@@ -88,27 +85,14 @@ class CaptureBytes {
   bool big_;
 };
 
-/// A folder for capture files that is gone with the object.
-class CaptureFolder {
+/// A folder for capture files.
+class CaptureFolder : public TemporaryFolder {
  public:
-  CaptureFolder() : path_((std::filesystem::temp_directory_path() / "capture-XXXXXX").string()) {
-    if (!mkdtemp(path_.data())) std::abort();
-  }
-  CaptureFolder(const CaptureFolder&) = delete;
-  CaptureFolder& operator=(const CaptureFolder&) = delete;
-  ~CaptureFolder() { std::filesystem::remove_all(path_); }
-
-  std::string Path(const std::string& name) const { return path_ + "/" + name; }
   std::string Write(const Buffer& bytes, const std::string& name = "capture") const {
     // A file of its own each time: some systems wait for the disk where one is overwritten.
     std::filesystem::remove(Path(name));
-    std::ofstream(Path(name), std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    return Path(name);
+    return TemporaryFolder::Write(name, {bytes.begin(), bytes.end()});
   }
-
- private:
-  std::string path_;
 };
 
 /// A packet with bytes of its own.

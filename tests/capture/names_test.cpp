@@ -1,17 +1,13 @@
 // Where names of addresses come from: the wire, files, the registries of vendors.
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
 
 #include "capture/names/dns_names.h"
 #include "capture/names/hosts_file.h"
 #include "capture/names/vendor_table.h"
 #include "platform/class_factory.h"
 #include "tests/capture/engine_fixture.h"
+#include "tests/support/temporary_folder.h"
 
 namespace orvo::test {
 namespace {
@@ -208,25 +204,8 @@ TEST(Names, AreHeardFromNameServersOnly) {
   }
 }
 
-class TemporaryFiles {
- public:
-  TemporaryFiles() { EXPECT_NE(mkdtemp(folder_.data()), nullptr); }
-  TemporaryFiles(const TemporaryFiles&) = delete;
-  TemporaryFiles& operator=(const TemporaryFiles&) = delete;
-  ~TemporaryFiles() { std::filesystem::remove_all(folder_); }
-
-  const std::string& folder() const { return folder_; }
-  std::string Write(const std::string& name, const std::string& text) {
-    std::ofstream(folder_ + "/" + name, std::ios::binary) << text;
-    return folder_ + "/" + name;
-  }
-
- private:
-  std::string folder_ = (std::filesystem::temp_directory_path() / "orvo-names-XXXXXX").string();
-};
-
 TEST(Names, HostsFilesAreReadAsTheResolverReadsThem) {
-  TemporaryFiles files;
+  TemporaryFolder files;
   const std::string path = files.Write("hosts",
                                        "# 10.0.0.1 remark\r\n"
                                        "\t10.0.0.1   Server.lan alias # more\r\n"
@@ -242,12 +221,12 @@ TEST(Names, HostsFilesAreReadAsTheResolverReadsThem) {
   std::string found;
   for (const KnownName& known : names) found += Text(known.address) + " " + Ascii(known.name) + "\n";
   EXPECT_EQ(found, "10.0.0.1 Server.lan\n2001:db8::1 six\n10.0.0.3 last\n");
-  EXPECT_TRUE(Failed(ReadHostsFile(files.folder() + "/missing", &names)));
-  EXPECT_TRUE(Failed(ReadHostsFile(files.folder(), &names)));
+  EXPECT_TRUE(Failed(ReadHostsFile(files.Path() + "/missing", &names)));
+  EXPECT_TRUE(Failed(ReadHostsFile(files.Path(), &names)));
 }
 
 TEST(Names, WhatIsGivenComesBeforeWhatIsHeard) {
-  TemporaryFiles files;
+  TemporaryFolder files;
   NamedEngine named;
   auto answer = [](const char* name, std::uint8_t last) {
     return Udp(53, 4000, Message({Record(Labels(name), kA, Ip4(last))}));
@@ -262,15 +241,15 @@ TEST(Names, WhatIsGivenComesBeforeWhatIsHeard) {
   EXPECT_EQ(named.Name(kAddressIp, Ip4(1)), "given");
   EXPECT_EQ(named.Name(kAddressIp, Ip4(2)), "second") << "of two answers the later one counts";
   EXPECT_EQ(named.Name(kAddressIp, Ip4(3)), "newer");
-  EXPECT_TRUE(Failed(named.engine.LearnHosts(files.folder() + "/missing")));
+  EXPECT_TRUE(Failed(named.engine.LearnHosts(files.Path() + "/missing")));
 }
 
 TEST(Names, ArePlainAddressesOnRequest) {
-  TemporaryFiles files;
+  TemporaryFolder files;
   files.Write("oui.csv", "MA-L,0A1B2C,Acme Inc,\n");
   EngineOptions options;
   options.plain_addresses = true;
-  options.vendor_folder = files.folder();
+  options.vendor_folder = files.Path();
   NamedEngine named(options);
   named.Feed(Udp(53, 4000, Message({Record(Labels("heard"), kA, Ip4(9))})));
   EXPECT_EQ(named.engine.LearnHosts(files.Write("hosts", "10.0.0.9 given\n")), S_FALSE);
@@ -291,7 +270,7 @@ TEST(Names, TheSummaryCountsThoseWithoutRoom) {
 }
 
 TEST(Vendors, ComeFromTheLongestAssignment) {
-  TemporaryFiles files;
+  TemporaryFolder files;
   files.Write("oui.csv",
               "Registry,Assignment,Organization Name,Organization Address\r\n"
               "MA-L,001122,\"Acme, \"\"Net\"\" Systems, Inc.\",\"1 Street, X\"\r\n"
@@ -303,7 +282,7 @@ TEST(Vendors, ComeFromTheLongestAssignment) {
   files.Write("mam.csv", "MA-M,0011331,Medium GmbH,X\n");
   files.Write("oui36.csv", "MA-S,001133123,Small Co.,X\n");
   EngineOptions options;
-  options.vendor_folder = files.folder();
+  options.vendor_folder = files.Path();
   NamedEngine named(options);
   const std::pair<Buffer, const char*> cases[] = {
       {{0x00, 0x11, 0x22, 0xAB, 0x0C, 0x00}, "AcmeNetSystems_ab:0c:00"},

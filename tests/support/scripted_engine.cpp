@@ -6,6 +6,7 @@
 
 #include "platform/class_factory.h"
 #include "platform/object.h"
+#include "tests/support/scripted_categories.h"
 #include "tests/support/text.h"
 
 namespace orvo::test {
@@ -243,15 +244,27 @@ Status Make(const SharedView& view, void** out) {
   return S_OK;
 }
 
+/// The same for a category that is made elsewhere, from the script alone.
+template <Status (*make)(ScriptedEngine*, const SharedScript&, void**)>
+Status MakeFromScript(const SharedView& view, void** out) {
+  return make(view->engine, SharedScript(view, &view->script), out);
+}
+
 struct CategoryMaker {
   Guid identifier;
   Status (*make)(const SharedView&, void**);
 };
 
 const CategoryMaker kCategories[] = {
-    {kSummaryCategory.identifier, Make<Summary>},    {kNodeCategory.identifier, Make<Nodes>},
-    {kTopTalkerCategory.identifier, Make<Nodes>},    {kHierarchyCategory.identifier, Make<Hierarchy>},
-    {kProtocolCategory.identifier, Make<Protocols>}, {kConversationCategory.identifier, Make<Conversations>},
+    {kSummaryCategory.identifier, Make<Summary>},
+    {kNodeCategory.identifier, Make<Nodes>},
+    {kTopTalkerCategory.identifier, Make<Nodes>},
+    {kHierarchyCategory.identifier, Make<Hierarchy>},
+    {kProtocolCategory.identifier, Make<Protocols>},
+    {kConversationCategory.identifier, Make<Conversations>},
+    {kWirelessNodeCategory.identifier, MakeFromScript<MakeWirelessNodes>},
+    {kWirelessChannelCategory.identifier, MakeFromScript<MakeWirelessChannels>},
+    {kExpertCategory.identifier, MakeFromScript<MakeExpert>},
 };
 
 /// The operations that the live context and a snapshot answer alike.
@@ -271,7 +284,10 @@ class ContextBase : public Object<IStatsContext, Interfaces...> {
     return E_NOINTERFACE;
   }
   Status ResetStatistics() override { return S_OK; }
-  Status GetMediumType(std::uint32_t* type) override { return Give(&Script::medium_type, type); }
+  Status GetMediumType(std::uint32_t* type) override {
+    if (Status answer = engine_->Answer("IStatsContext::GetMediumType"); answer != S_OK) return answer;
+    return Give(&Script::medium_type, type);
+  }
   Status GetMediumSubtype(std::uint32_t* subtype) override { return Give(&Script::medium_subtype, subtype); }
   Status GetAddressTable(IAddressTable** table) override {
     if (Status answer = engine_->Answer("IStatsContext::GetAddressTable"); answer != S_OK) return answer;

@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "engine/categories.h"
@@ -33,6 +35,35 @@ struct ScriptedProtocol {
   std::uint16_t parent = 0;
 };
 
+/// A wireless medium: nodes, what they are associated with, channels. Traffic by rate stands under the index of a node
+/// and under the channel, frequency and band of a channel.
+struct ScriptedWireless {
+  std::vector<WirelessNodeEntry> nodes;
+  std::pair<std::uint32_t, std::uint32_t> excluded{kNoAddress, kNoAddress};
+  WirelessCounts counts;
+  std::vector<WirelessAssociation> associations;
+  std::map<std::uint32_t, std::vector<WirelessRate>> node_rates;
+  std::vector<WirelessChannelEntry> channels;
+  std::map<std::tuple<std::int32_t, std::uint32_t, std::uint32_t>, std::vector<WirelessRate>> channel_rates;
+};
+
+/// A column of an analysis table: its identifier and its title.
+struct ScriptedColumn {
+  std::u16string identifier;
+  std::u16string title;
+};
+
+struct ScriptedTable {
+  std::vector<ScriptedColumn> columns;
+  std::vector<std::vector<std::u16string>> rows;
+};
+
+/// The expert and voice category: its tables by kind.
+struct ScriptedExpert {
+  bool offers_tables = true;
+  std::map<std::uint32_t, ScriptedTable> tables;
+};
+
 /// What a scripted engine answers, as plain data. Node, hierarchy and protocol entries refer to addresses by index.
 struct Script {
   std::vector<AddressRecord> addresses;
@@ -42,6 +73,9 @@ struct Script {
   std::vector<ScriptedConversation> conversations;
   std::vector<ScriptedStat> summary;
   std::map<Guid, std::u16string> group_names;
+  /// Categories that are not there unless they are scripted.
+  std::optional<ScriptedWireless> wireless;
+  std::optional<ScriptedExpert> expert;
   std::uint32_t medium_type = kMediumEthernet;
   std::uint32_t medium_subtype = kSubtypeWired;
   std::uint64_t start_time = 0;

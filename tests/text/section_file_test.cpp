@@ -41,13 +41,6 @@ class SectionFileTest : public TextReportTest {
     engine.live.nodes.push_back(node);
     engine.names[address] = name;
   }
-
-  Status StatusOf(const std::string& name) const {
-    for (const ScriptedEngine::FileReport& file : engine.files) {
-      if (file.path == folder.ReportFolder() + std::u16string(name.begin(), name.end())) return file.status;
-    }
-    return S_FALSE;
-  }
 };
 
 TEST_F(SectionFileTest, LaterRunsAppendUnderTheHeaderOfTheFirst) {
@@ -98,8 +91,8 @@ TEST_F(SectionFileTest, AFileThatAnotherHoldsFailsAlone) {
   engine.files.clear();
   ASSERT_EQ(Output(), S_OK);
   close(held);
-  EXPECT_EQ(StatusOf(kIpFile), StatusFromError(kErrorSharingViolation));
-  EXPECT_EQ(StatusOf("Node Statistics-IPv6.csv"), S_OK);
+  EXPECT_EQ(FileStatus(kIpFile), StatusFromError(kErrorSharingViolation));
+  EXPECT_EQ(FileStatus("Node Statistics-IPv6.csv"), S_OK);
   EXPECT_EQ(FileLines(kIpFile).size(), 2U);
 }
 
@@ -115,7 +108,7 @@ TEST_F(SectionFileTest, NothingOutsideTheFolderIsWritten) {
   EXPECT_THAT(elsewhere.Names(), ElementsAre("victim"));
   for (const char* name :
        {kIpFile, "Node Statistics-IPv6.csv", "Node Statistics-IPX.csv", "Node Statistics-DECnet.csv"}) {
-    EXPECT_TRUE(Failed(StatusOf(name))) << name;
+    EXPECT_TRUE(Failed(FileStatus(name))) << name;
   }
 }
 
@@ -145,7 +138,7 @@ TEST_F(SectionFileTest, AFullDiskKeepsTheRowsBeforeItAndTheNextRunGoesOn) {
     std::signal(SIGXFSZ, SIG_IGN);
     rlimit limit{700'000, 700'000};
     setrlimit(RLIMIT_FSIZE, &limit);
-    _exit(Output() == S_OK && StatusOf(kIpFile) == StatusFromError(kErrorDiskFull) ? 0 : 1);
+    _exit(Output() == S_OK && FileStatus(kIpFile) == StatusFromError(kErrorDiskFull) ? 0 : 1);
   }
   int status = 0;
   waitpid(child, &status, 0);
@@ -170,7 +163,7 @@ TEST_F(SectionFileTest, OfParallelWritersOneAtATimeWritesAndTheHeaderStandsOnce)
     writers.emplace_back([&] {
       for (int round = 0; round < 50; ++round) {
         SectionFile file;
-        if (Failed(Guard([&] { file.Open(path, "header\n"); }))) continue;
+        if (Failed(Guard([&] { file.Open(path, [] { return "header\n"; }); }))) continue;
         for (const char* row : {"one", "two"}) {
           file.row().Append(row);
           file.EndRow();

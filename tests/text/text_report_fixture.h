@@ -10,6 +10,7 @@
 #include "prefs/switch_ids.h"
 #include "tests/support/scripted_engine.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/text.h"
 #include "text/csv_stats_output.h"
 
 namespace orvo::test {
@@ -31,7 +32,9 @@ class TextReportTest : public testing::Test {
 
   /// Leaves the summary and the section of one switch.
   void OnlySection(std::uint32_t section) {
-    for (std::uint32_t gate : {kSwitchOutputNodeStats, kSwitchOutputProtocolStats, kSwitchOutputNodeDetails}) {
+    for (std::uint32_t gate :
+         {kSwitchOutputNodeStats, kSwitchOutputProtocolStats, kSwitchOutputWLANStats, kSwitchOutputWChannelsStats,
+          kSwitchOutputNodeDetails, kSwitchOutputExpertStats, kSwitchOutputVoIPOnly}) {
       preferences->SetPreference(gate, gate == section);
     }
   }
@@ -42,6 +45,15 @@ class TextReportTest : public testing::Test {
 
   Status Output() { return method->Output(Bstr(folder.ReportFolder()).get(), engine.Context().get(), nullptr); }
   Status OutputLive() { return method->OutputLive(engine.Context().get(), Bstr(folder.ReportFolder()).get(), nullptr); }
+
+  /// What the observer heard last of a file; S_FALSE when it heard nothing.
+  Status FileStatus(const std::string& name) const {
+    Status status = S_FALSE;
+    for (const ScriptedEngine::FileReport& file : engine.files) {
+      if (file.path == folder.ReportFolder() + Wide(name)) status = file.status;
+    }
+    return status;
+  }
 
   std::vector<std::string> FileLines(const std::string& name) const { return Lines(folder.Read(name)); }
 

@@ -247,16 +247,5 @@ TEST(StreamOnByteStream, SizesWithin32Bits) {
   EXPECT_EQ(ShapeOf(stream.bytes()), (Shape{0, 0, 0}));
 }
 
-TEST(StreamOnByteStream, OffersNothingElse) {
-  CStreamOnCByteStream stream;
-  EXPECT_EQ(stream.CopyTo(nullptr, 1, nullptr, nullptr), E_NOTIMPL);
-  EXPECT_EQ(stream.Commit(0), E_NOTIMPL);
-  EXPECT_EQ(stream.Revert(), E_NOTIMPL);
-  EXPECT_EQ(stream.LockRegion(0, 1, 0), E_NOTIMPL);
-  EXPECT_EQ(stream.UnlockRegion(0, 1, 0), E_NOTIMPL);
-  EXPECT_EQ(stream.Stat(nullptr, 0), E_NOTIMPL);
-  EXPECT_EQ(stream.Clone(nullptr), E_NOTIMPL);
-}
-
 }  // namespace
 }  // namespace orvo

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 namespace orvo {
 namespace {
 
@@ -48,6 +50,9 @@ TEST(BandLabel, NamesTheBandsOfChannels) {
   };
   for (const auto& c : cases) {
     EXPECT_EQ(BandLabel(c.band, c.channel), c.label) << c.band << " channel " << c.channel;
+    const bool stands_alone = c.band >= 100 && c.band <= 104;
+    EXPECT_EQ(BandText(c.band, c.channel), (stands_alone ? "" : "802.11") + std::string(c.label))
+        << c.band << " channel " << c.channel;
   }
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "capture/classify/protocol_tree.h"
+#include "platform/clock.h"
 #include "platform/error.h"
 #include "platform/object.h"
 
@@ -143,7 +144,7 @@ class GraphView final : public Object<IGraph, IGraphSeries> {
     if (!count) return E_POINTER;
     const std::uint32_t room = std::exchange(*count, 0);
     if (series >= named_ + protocols_.size()) return E_INVALIDARG;
-    const std::uint64_t length = graphs_.interval * std::uint64_t{1'000'000'000};
+    const std::uint64_t length = graphs_.interval * kNanosecondsPerSecond;
     const std::uint64_t since = start > graphs_.start ? start - graphs_.start : 0;
     const std::size_t group = std::max<std::uint32_t>(step, 1);
     std::size_t sample = since / length + (since % length != 0);

@@ -16,7 +16,7 @@ Payload DecodeGeneve(Bytes bytes, PacketFacts& facts) {
   }
   unsigned version = bytes[0] >> 6U;
   if (version != 0) return {};
-  std::size_t length = kHeaderLength + (bytes[0] & 0x3FU) * 4;
+  std::size_t length = kHeaderLength + std::size_t{bytes[0] & 0x3FU} * 4;
   if (length > bytes.size()) {
     facts.MarkShort();
     return {};

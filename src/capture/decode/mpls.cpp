@@ -14,7 +14,7 @@ constexpr std::size_t kControlWordLength = 4;
 bool LooksLikeIpv4(Bytes bytes, bool cut_off) {
   constexpr std::size_t kShortest = 20;
   if (bytes.size() < kShortest) return cut_off;
-  std::size_t header = (bytes[0] & 0x0FU) * 4;
+  std::size_t header = std::size_t{bytes[0] & 0x0FU} * 4;
   std::size_t total = Read16(bytes, 2);
   return header >= kShortest && total >= header && (total <= bytes.size() || cut_off);
 }

@@ -15,11 +15,11 @@ constinit const ProtocolRegistration* g_registrations = nullptr;
 
 }  // namespace
 
-ProtocolRegistration::ProtocolRegistration(std::span<const Protocol> added)
-    : protocols_(added), next_(std::exchange(g_registrations, this)) {}
+ProtocolRegistration::ProtocolRegistration(std::span<const Protocol> registered)
+    : protocols_(registered), next_(std::exchange(g_registrations, this)) {}
 
-ProtocolRegistration::ProtocolRegistration(std::span<const Protocol> (*added_later)())
-    : later_(added_later), next_(std::exchange(g_registrations, this)) {}
+ProtocolRegistration::ProtocolRegistration(std::span<const Protocol> (*registered_later)())
+    : later_(registered_later), next_(std::exchange(g_registrations, this)) {}
 
 const ProtocolRegistry& ProtocolRegistry::Get() {
   static const ProtocolRegistry registry;

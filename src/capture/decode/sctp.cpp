@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "capture/decode/ports.h"
 #include "capture/decode/protocol_registry.h"
 
 namespace orvo {
@@ -31,11 +32,7 @@ Bytes UserData(Bytes bytes, PacketFacts& facts) {
 }
 
 Payload DecodeSctp(Bytes bytes, PacketFacts& facts) {
-  if (bytes.size() >= 4) {
-    facts.source_port = Read16(bytes, 0);
-    facts.destination_port = Read16(bytes, 2);
-    facts.has_ports = true;
-  }
+  NotePorts(bytes, facts);
   if (bytes.size() < kHeaderLength) {
     facts.MarkShort();
     return {};

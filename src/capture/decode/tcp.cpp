@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "capture/decode/ports.h"
 #include "capture/decode/protocol_registry.h"
 
 namespace orvo {
@@ -10,11 +11,7 @@ namespace {
 constexpr std::size_t kHeaderLength = 20;
 
 Payload DecodeTcp(Bytes bytes, PacketFacts& facts) {
-  if (bytes.size() >= 4) {
-    facts.source_port = Read16(bytes, 0);
-    facts.destination_port = Read16(bytes, 2);
-    facts.has_ports = true;
-  }
+  NotePorts(bytes, facts);
   if (bytes.size() < kHeaderLength) {
     facts.MarkShort();
     return {};

@@ -8,8 +8,8 @@
 namespace orvo {
 namespace {
 
-constexpr std::size_t kLongestLine = 64 * 1024;
-constexpr std::size_t kLongestFile = 256 * 1024 * 1024;
+constexpr std::size_t kLongestLine = std::size_t{64} << 10;
+constexpr std::size_t kLongestFile = std::size_t{256} << 20;
 
 struct CloseFile {
   void operator()(std::FILE* file) const { std::fclose(file); }

@@ -72,8 +72,8 @@ std::string VendorWord(std::string_view organization) {
   if (std::ranges::find(kNobody, organization) != kNobody.end()) return {};
   std::string vendor;
   while (!organization.empty()) {
-    const auto end = std::ranges::find_if_not(organization, IsWordCharacter);
-    const auto length = static_cast<std::size_t>(end - organization.begin());
+    const auto length =
+        static_cast<std::size_t>(std::ranges::find_if_not(organization, IsWordCharacter) - organization.begin());
     std::string word(organization.substr(0, length));
     organization.remove_prefix(std::min(length + 1, organization.size()));
     if (word.empty()) continue;

@@ -16,7 +16,6 @@ namespace orvo {
 namespace {
 
 constexpr std::uint32_t kLongestFrame = 262'144;
-constexpr std::uint64_t kSecond = 1'000'000'000;
 
 struct Close {
   void operator()(pcap_t* handle) const { pcap_close(handle); }
@@ -73,7 +72,7 @@ class LiveInterface final : public InterfaceSource {
   void Fill(const pcap_pkthdr& header, const std::uint8_t* bytes, Packet* packet) {
     const auto seconds = static_cast<std::uint64_t>(std::max<std::int64_t>(header.ts.tv_sec, 0));
     const auto fraction = static_cast<std::uint64_t>(std::max<std::int64_t>(header.ts.tv_usec, 0));
-    packet->time = kUnixEpoch + seconds * kSecond + fraction * nanoseconds_per_unit_;
+    packet->time = kUnixEpoch + seconds * kNanosecondsPerSecond + fraction * nanoseconds_per_unit_;
     packet->bytes = {bytes, header.caplen};
     packet->original_length = std::max(header.len, header.caplen);
     packet->link_type = link_type_;

@@ -12,8 +12,7 @@ namespace {
 __extension__ using Wide = __int128;
 
 constexpr std::uint64_t kLast = std::numeric_limits<std::uint64_t>::max();
-constexpr std::uint64_t kSecond = 1'000'000'000;
-constexpr std::int64_t kEpochSeconds = static_cast<std::int64_t>(kUnixEpoch / kSecond);
+constexpr std::int64_t kEpochSeconds = static_cast<std::int64_t>(kUnixEpoch / kNanosecondsPerSecond);
 /// Years that no stamp of ours lies beyond, so that sums stay in range: offsets up to this leave the simple way open.
 constexpr std::int64_t kSimpleOffset = 1'000'000'000;
 
@@ -48,7 +47,7 @@ Moment FromDecimal(std::uint64_t stamp, unsigned digits) {
 Moment FromBinary(std::uint64_t stamp, unsigned bits) {
   const std::uint64_t seconds = bits < 64 ? stamp >> bits : 0;
   const std::uint64_t rest = bits < 64 ? stamp & ((std::uint64_t{1} << bits) - 1) : stamp;
-  return {seconds, static_cast<std::uint64_t>((Wide{rest} * kSecond) >> bits)};
+  return {seconds, static_cast<std::uint64_t>((Wide{rest} * kNanosecondsPerSecond) >> bits)};
 }
 
 }  // namespace
@@ -56,14 +55,14 @@ Moment FromBinary(std::uint64_t stamp, unsigned bits) {
 TimeScale::TimeScale(std::uint8_t resolution, std::int64_t offset) : resolution_(resolution), offset_(offset) {
   if (resolution > kNanosecondDigits || offset < -kSimpleOffset || offset > kSimpleOffset) return;
   simple_factor_ = kPowers[kNanosecondDigits - resolution];
-  simple_base_ = static_cast<std::uint64_t>(kEpochSeconds + offset) * kSecond;
+  simple_base_ = static_cast<std::uint64_t>(kEpochSeconds + offset) * kNanosecondsPerSecond;
   simple_end_ = (kLast - simple_base_) / simple_factor_;
 }
 
 std::uint64_t TimeScale::AnyTimeOf(std::uint64_t stamp) const {
   const unsigned exponent = resolution_ & kExponent;
   const Moment moment = (resolution_ & kBinary) != 0 ? FromBinary(stamp, exponent) : FromDecimal(stamp, exponent);
-  const Wide time = (Wide{moment.seconds} + offset_ + kEpochSeconds) * kSecond + moment.nanoseconds;
+  const Wide time = (Wide{moment.seconds} + offset_ + kEpochSeconds) * kNanosecondsPerSecond + moment.nanoseconds;
   return static_cast<std::uint64_t>(std::clamp<Wide>(time, 0, kLast));
 }
 
