@@ -40,7 +40,7 @@ struct EngineOptions {
   std::size_t max_wireless_nodes = 100'000;
   std::size_t max_wireless_channels = 1'000;
   /// What is said of physical addresses of a wireless medium; of several about one address the last counts.
-  std::vector<TrustedAddress> trusted_addresses;
+  std::vector<TrustedAddress> trusted_addresses{};
   /// Summaries stored by name; storing one more drops the oldest.
   std::size_t max_stored_summaries = 100;
 };

@@ -240,8 +240,8 @@ constexpr std::array kCategories{
     CategoryRow{kTopTalkerCategory.identifier, false, Answer<NodeView>},
     CategoryRow{kHierarchyCategory.identifier, false, Answer<HierarchyView>},
     CategoryRow{kConversationCategory.identifier, false, Answer<ConversationView>},
-    CategoryRow{kWirelessNodeCategory.identifier, false, AnswerMade<MakeWirelessNodeStats>},
-    CategoryRow{kWirelessChannelCategory.identifier, false, AnswerMade<MakeWirelessChannelStats>},
+    CategoryRow{kWirelessNodeCategory.identifier, true, AnswerMade<MakeWirelessNodeStats>},
+    CategoryRow{kWirelessChannelCategory.identifier, true, AnswerMade<MakeWirelessChannelStats>},
     CategoryRow{kTrafficHistoryCategory.identifier, false, AnswerMade<MakeTrafficHistory>},
     CategoryRow{kSizeCategory.identifier, false, AnswerMade<MakeSizeStats>},
 };

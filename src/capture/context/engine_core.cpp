@@ -110,7 +110,8 @@ EpochPtr EngineCore::Freeze() {
   epoch->catalogue = LiveCatalogue();
   epoch->summaries.front() = MakeSummary(counters, kPresentName);
   epoch->protocols = tables->protocols;
-  if (tables->wireless) epoch->medium_subtype = tables->wireless->subtype;
+  epoch->wireless = tables->wireless;
+  if (epoch->wireless) epoch->medium_subtype = epoch->wireless->subtype;
   epoch->tables = std::move(tables);
   std::lock_guard lock(mutex_);
   latest_ = epoch;

@@ -51,6 +51,7 @@ struct Epoch {
   std::shared_ptr<const SummaryCatalogue> catalogue;
   std::vector<std::shared_ptr<const SummaryRecord>> summaries;  ///< the present state, then those stored, oldest first
   FrozenTable<ProtocolEntry> protocols;
+  std::shared_ptr<const FrozenWireless> wireless;  ///< null for a wired medium
   std::shared_ptr<const FrozenTables> tables;  ///< everything else; null in a loaded snapshot, which does not hold it
 };
 

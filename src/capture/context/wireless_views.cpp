@@ -42,7 +42,7 @@ class RateArrays {
 class WirelessNodeView final : public Object<IWirelessNodeStats> {
  public:
   explicit WirelessNodeView(EpochPtr epoch)
-      : epoch_(std::move(epoch)), nodes_(epoch_->tables->wireless->nodes), rates_(nodes_.rows, nodes_.rates) {}
+      : epoch_(std::move(epoch)), nodes_(epoch_->wireless->nodes), rates_(nodes_.rows, nodes_.rates) {}
 
   Status GetCount(std::uint32_t* count) override {
     if (!count) return E_POINTER;
@@ -56,8 +56,8 @@ class WirelessNodeView final : public Object<IWirelessNodeStats> {
   }
   Status GetExcluded(std::uint32_t* first, std::uint32_t* second) override {
     if (!first || !second) return E_POINTER;
-    *first = WirelessNodes::kNoNetwork;
-    *second = WirelessNodes::kNoName;
+    *first = WirelessNodeTable::kNoNetwork;
+    *second = WirelessNodeTable::kNoName;
     return S_OK;
   }
   Status GetCounts(WirelessCounts* counts) override {
@@ -94,7 +94,7 @@ class WirelessChannelView final : public Object<IWirelessChannelStats> {
  public:
   explicit WirelessChannelView(EpochPtr epoch)
       : epoch_(std::move(epoch)),
-        channels_(epoch_->tables->wireless->channels),
+        channels_(epoch_->wireless->channels),
         rates_(channels_.rows, channels_.rates),
         order_(channels_.rows.size()) {
     std::iota(order_.begin(), order_.end(), std::size_t{0});
@@ -137,7 +137,7 @@ class WirelessChannelView final : public Object<IWirelessChannelStats> {
 
 template <class View>
 ComPtr<IUnknown> MakeView(const EpochPtr& epoch) {
-  if (!epoch->tables->wireless) return nullptr;
+  if (!epoch->wireless) return nullptr;
   return ComPtr<IUnknown>(MakeObject<View>(epoch).get());
 }
 

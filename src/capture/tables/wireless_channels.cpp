@@ -51,7 +51,7 @@ void CountLevels(const RadioFacts& radio, WirelessChannelRow* row) {
 
 }  // namespace
 
-std::uint32_t WirelessChannels::RowOf(const RadioFacts& radio) {
+std::uint32_t WirelessChannelTable::RowOf(const RadioFacts& radio) {
   auto is_it = [&](std::uint32_t row) {
     const WirelessChannelEntry& entry = rows_[row].entry;
     return entry.channel == radio.channel && entry.frequency == radio.frequency;
@@ -69,7 +69,7 @@ std::uint32_t WirelessChannels::RowOf(const RadioFacts& radio) {
   return latest_;
 }
 
-bool WirelessChannels::Count(const Packet& packet, const WirelessFacts& facts) {
+bool WirelessChannelTable::Count(const Packet& packet, const WirelessFacts& facts) {
   const std::uint32_t number = RowOf(facts.radio);
   if (number == kNoRow) return false;
   const std::uint64_t bytes = packet.original_length;

@@ -26,9 +26,9 @@ struct FrozenWirelessChannels {
 };
 
 /// The traffic of every radio channel. Frames whose radio did not name a channel count for channel 0.
-class WirelessChannels {
+class WirelessChannelTable {
  public:
-  WirelessChannels(std::size_t limit, std::size_t rates) : rates_(rates), limit_(limit) {}
+  WirelessChannelTable(std::size_t limit, std::size_t rates) : rates_(rates), limit_(limit) {}
 
   /// Counts a frame; false when its channel, or its rate, is new and there is no room for it.
   bool Count(const Packet& packet, const WirelessFacts& facts);

@@ -43,12 +43,12 @@ bool SameName(const WirelessNodeEntry& entry, const NetworkFacts& network) {
 
 }  // namespace
 
-WirelessNodes::WirelessNodes(std::size_t limit, std::size_t rates, std::shared_ptr<const TrustList> trust)
+WirelessNodeTable::WirelessNodeTable(std::size_t limit, std::size_t rates, std::shared_ptr<const TrustList> trust)
     : rates_(rates), trust_(std::move(trust)), limit_(limit) {}
 
 // --- rows ---
 
-void WirelessNodes::AddFixedRows() {
+void WirelessNodeTable::AddFixedRows() {
   constexpr WirelessNodeType kTypes[kFixedRows] = {kWirelessAdmin, kWirelessNetworkName};
   for (std::uint32_t i = 0; i < kFixedRows; ++i) {
     WirelessNodeRow added;
@@ -59,7 +59,7 @@ void WirelessNodes::AddFixedRows() {
   }
 }
 
-std::uint32_t WirelessNodes::RowOf(const AddressRecord& address, AddressTable* addresses) {
+std::uint32_t WirelessNodeTable::RowOf(const AddressRecord& address, AddressTable* addresses) {
   const std::uint32_t index = addresses->Intern(address);
   if (index == kNoAddress) return kNoRow;
   if (rows_by_address_.size() <= index) rows_by_address_.resize(index + 1, kNoRow);
@@ -81,7 +81,7 @@ std::uint32_t WirelessNodes::RowOf(const AddressRecord& address, AddressTable* a
 }
 
 /// The entry of a network's name; kNoName for a hidden one, and when there is no room.
-std::uint32_t WirelessNodes::RowOfName(const NetworkFacts& network) {
+std::uint32_t WirelessNodeTable::RowOfName(const NetworkFacts& network) {
   if (!network.shows_name()) return kNoName;
   std::array<std::uint64_t, 5> words{};
   std::memcpy(words.data(), network.name.data(), network.name.size());
@@ -105,7 +105,7 @@ std::uint32_t WirelessNodes::RowOfName(const NetworkFacts& network) {
 
 // --- what nodes are ---
 
-void WirelessNodes::Become(std::uint32_t row, WirelessNodeType type) {
+void WirelessNodeTable::Become(std::uint32_t row, WirelessNodeType type) {
   if (row == kNoRow) return;
   const std::uint32_t now = rows_[row].entry.type;
   if (now == type || now == kWirelessAdmin || now == kWirelessAccessPoint) return;
@@ -120,7 +120,7 @@ void WirelessNodes::Become(std::uint32_t row, WirelessNodeType type) {
 }
 
 /// Gives a node its network's name, or takes it away.
-void WirelessNodes::Name(std::uint32_t row, std::uint32_t name) {
+void WirelessNodeTable::Name(std::uint32_t row, std::uint32_t name) {
   const std::uint32_t old = rows_[row].entry.association_keys[1];
   if (old == name) return;
   WirelessNodeEntry& entry = Entry(row);
@@ -140,7 +140,7 @@ void WirelessNodes::Name(std::uint32_t row, std::uint32_t name) {
   }
 }
 
-void WirelessNodes::JoinAdHoc(std::uint32_t row, const AddressRecord& network) {
+void WirelessNodeTable::JoinAdHoc(std::uint32_t row, const AddressRecord& network) {
   Become(row, kWirelessAdHoc);
   if (row == kNoRow || rows_[row].entry.type != kWirelessAdHoc) return;
   auto found = ad_hoc_networks_.find(network);
@@ -151,12 +151,12 @@ void WirelessNodes::JoinAdHoc(std::uint32_t row, const AddressRecord& network) {
   }
 }
 
-bool WirelessNodes::IsStrong(std::uint32_t station) const {
+bool WirelessNodeTable::IsStrong(std::uint32_t station) const {
   const std::uint32_t record = rows_[station].association;
   return record != kNoRow && associations_[record].strength == kStrong;
 }
 
-void WirelessNodes::SetStrength(std::uint32_t station, bool strong) {
+void WirelessNodeTable::SetStrength(std::uint32_t station, bool strong) {
   const std::uint32_t strength = strong ? kStrong : kWeak;
   const std::uint32_t record = rows_[station].association;
   if (record == kNoRow) {
@@ -167,7 +167,7 @@ void WirelessNodes::SetStrength(std::uint32_t station, bool strong) {
   }
 }
 
-void WirelessNodes::Associate(std::uint32_t station, std::uint32_t access_point, bool strong) {
+void WirelessNodeTable::Associate(std::uint32_t station, std::uint32_t access_point, bool strong) {
   if (station == kNoRow || rows_[station].entry.type != kWirelessStation || !IsAccessPoint(access_point)) return;
   const WirelessNodeRow& row = rows_[station];
   const WirelessNodeEntry& network = rows_[access_point].entry;
@@ -181,7 +181,7 @@ void WirelessNodes::Associate(std::uint32_t station, std::uint32_t access_point,
   }
 }
 
-void WirelessNodes::TakeLeave(const Ends& ends) {
+void WirelessNodeTable::TakeLeave(const Ends& ends) {
   const auto [station, access_point] = IsAccessPoint(ends.transmitter) ? std::pair{ends.station, ends.transmitter}
                                                                        : std::pair{ends.transmitter, ends.station};
   if (station == kNoRow || access_point == kNoRow || rows_[station].association == kNoRow) return;
@@ -190,7 +190,7 @@ void WirelessNodes::TakeLeave(const Ends& ends) {
 
 // --- what frames tell ---
 
-void WirelessNodes::Learn(const PacketFacts& facts, const Ends& ends) {
+void WirelessNodeTable::Learn(const PacketFacts& facts, const Ends& ends) {
   switch (facts.wireless.type) {
     case FrameType::kManagement: LearnFromManagement(facts.wireless, ends); break;
     case FrameType::kControl: LearnFromNeighbours(facts.wireless, ends); break;
@@ -202,7 +202,7 @@ void WirelessNodes::Learn(const PacketFacts& facts, const Ends& ends) {
   }
 }
 
-void WirelessNodes::LearnFromManagement(const WirelessFacts& facts, const Ends& ends) {
+void WirelessNodeTable::LearnFromManagement(const WirelessFacts& facts, const Ends& ends) {
   switch (facts.subtype) {
     case kBeacon:
     case kProbeResponse:
@@ -232,13 +232,18 @@ void WirelessNodes::LearnFromManagement(const WirelessFacts& facts, const Ends& 
       if (facts.network == facts.receiver) Become(ends.station, kWirelessAccessPoint);
       LearnFromNeighbours(facts, ends);
       if (facts.subtype != kAuthentication) TakeLeave(ends);
+      for (std::uint32_t row : {ends.transmitter, ends.station}) {
+        if (row != kNoRow && facts.announced.authentication == kAuthenticationLeap) {
+          SetAuthentication(kAuthenticationLeap, &Entry(row));
+        }
+      }
       break;
     default: LearnFromNeighbours(facts, ends);
   }
 }
 
 /// A beacon, or the answer to a probe.
-void WirelessNodes::Announce(const WirelessFacts& facts, std::uint32_t row) {
+void WirelessNodeTable::Announce(const WirelessFacts& facts, std::uint32_t row) {
   const NetworkFacts& announced = facts.announced;
   if (!announced.has_capabilities || announced.is_infrastructure == announced.is_ad_hoc) return;
   const std::uint32_t name = RowOfName(announced);
@@ -261,7 +266,7 @@ void WirelessNodes::Announce(const WirelessFacts& facts, std::uint32_t row) {
 }
 
 /// A station asks to be associated, and says how.
-void WirelessNodes::Request(const WirelessFacts& facts, const Ends& ends) {
+void WirelessNodeTable::Request(const WirelessFacts& facts, const Ends& ends) {
   const NetworkFacts& announced = facts.announced;
   Become(ends.station, kWirelessAccessPoint);
   if (IsAccessPoint(ends.station) && rows_[ends.station].entry.association_keys[1] == kNoName) {
@@ -276,7 +281,7 @@ void WirelessNodes::Request(const WirelessFacts& facts, const Ends& ends) {
   if (announced.authentication != kAuthenticationNone) SetAuthentication(announced.authentication, &entry);
 }
 
-void WirelessNodes::LearnFromData(const WirelessFacts& facts, const Ends& ends) {
+void WirelessNodeTable::LearnFromData(const WirelessFacts& facts, const Ends& ends) {
   const bool carries = (facts.subtype & kDataWithoutPayload) == 0;
   if (facts.to_ds && facts.from_ds) {
     // Between access points, or to one from a station that bridges.
@@ -302,14 +307,14 @@ void WirelessNodes::LearnFromData(const WirelessFacts& facts, const Ends& ends) 
 }
 
 /// Frames that tell no more than that an access point and a station speak to each other.
-void WirelessNodes::LearnFromNeighbours(const WirelessFacts& facts, const Ends& ends) {
+void WirelessNodeTable::LearnFromNeighbours(const WirelessFacts& facts, const Ends& ends) {
   if (facts.type == FrameType::kControl && facts.subtype == kPsPoll) Become(ends.station, kWirelessAccessPoint);
   if (IsAccessPoint(ends.transmitter) == IsAccessPoint(ends.station)) return;
   Associate(ends.transmitter, ends.station, false);
   Associate(ends.station, ends.transmitter, false);
 }
 
-void WirelessNodes::LearnEap(std::uint8_t method, const Ends& ends) {
+void WirelessNodeTable::LearnEap(std::uint8_t method, const Ends& ends) {
   constexpr std::uint8_t kNak = 3;  // names the method that is wanted, not the one in use
   for (std::uint32_t row : {ends.transmitter, ends.station}) {
     if (row != kNoRow && method != kNak) SetAuthentication(AuthenticationOf(method), &Entry(row));
@@ -318,7 +323,7 @@ void WirelessNodes::LearnEap(std::uint8_t method, const Ends& ends) {
 
 // --- counting ---
 
-bool WirelessNodes::Count(const Packet& packet, const PacketFacts& facts, AddressTable* addresses) {
+bool WirelessNodeTable::Count(const Packet& packet, const PacketFacts& facts, AddressTable* addresses) {
   if (rows_.size() == 0) AddFixedRows();
   const WirelessFacts& wireless = facts.wireless;
   bool listed = true;
@@ -343,15 +348,17 @@ bool WirelessNodes::Count(const Packet& packet, const PacketFacts& facts, Addres
   return listed;
 }
 
-bool WirelessNodes::CountRadio(const Packet& packet, const RadioFacts& radio, std::uint32_t number, bool sent) {
+bool WirelessNodeTable::CountRadio(const Packet& packet, const RadioFacts& radio, std::uint32_t number, bool sent) {
   WirelessNodeRow& row = rows_.Edit(number);
   std::uint16_t& channel = row.entry.current_channel;
   if (radio.channel != 0 && (sent || channel == 0)) channel = radio.channel;
+  // Where one of the two is not told, the other is the best guess.
   if (channel == 0) channel = row.entry.beacon_channel;
+  if (row.entry.beacon_channel == 0) row.entry.beacon_channel = channel;
   return radio.rate == 0 || rates_.Count(&row.first_rate, radio.rate, packet.original_length);
 }
 
-void WirelessNodes::CountSent(const Packet& packet, const WirelessFacts& facts, std::uint32_t number) {
+void WirelessNodeTable::CountSent(const Packet& packet, const WirelessFacts& facts, std::uint32_t number) {
   WirelessNodeRow& row = rows_.Edit(number);
   WirelessNodeEntry& entry = row.entry;
   const std::uint64_t bytes = packet.original_length;
@@ -386,7 +393,7 @@ void WirelessNodes::CountSent(const Packet& packet, const WirelessFacts& facts, 
   }
 }
 
-void WirelessNodes::CountReceived(const Packet& packet, std::uint32_t row) {
+void WirelessNodeTable::CountReceived(const Packet& packet, std::uint32_t row) {
   WirelessNodeEntry& entry = Entry(row);
   const std::uint64_t bytes = packet.original_length;
   Widen(&entry.first_time_received, &entry.last_time_received, packet.time);
@@ -402,7 +409,7 @@ void WirelessNodes::CountReceived(const Packet& packet, std::uint32_t row) {
   }
 }
 
-WirelessCounts WirelessNodes::Counts() const {
+WirelessCounts WirelessNodeTable::Counts() const {
   WirelessCounts counts = counts_;
   counts.networks += nameless_access_points_;
   counts.ad_hoc_networks = static_cast<std::uint32_t>(ad_hoc_networks_.size());

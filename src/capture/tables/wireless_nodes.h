@@ -45,13 +45,13 @@ struct FrozenWirelessNodes {
 /// A station belongs to the access point with which it is associated: strongly, once an association was granted or data
 /// was exchanged; weakly while it is merely addressed, asks or is asked. A weak tie gives way to every other, a strong
 /// one to another strong one only. Taking leave makes a tie weak.
-class WirelessNodes {
+class WirelessNodeTable {
  public:
   static constexpr std::uint32_t kNoNetwork = 0;
   static constexpr std::uint32_t kNoName = 1;
 
   /// `limit` is the number of entries, `rates` that of rates of one node; `trust` may be null.
-  WirelessNodes(std::size_t limit, std::size_t rates, std::shared_ptr<const TrustList> trust);
+  WirelessNodeTable(std::size_t limit, std::size_t rates, std::shared_ptr<const TrustList> trust);
 
   /// Counts a readable frame; false when there was no room for one of its nodes or for its rate. The nodes' addresses
   /// go into the table of addresses.

@@ -41,8 +41,8 @@ class WirelessTables {
 
   WirelessLimits limits_;
   std::shared_ptr<const TrustList> trust_;
-  WirelessNodes nodes_;
-  WirelessChannels channels_;
+  WirelessNodeTable nodes_;
+  WirelessChannelTable channels_;
   std::uint16_t seen_ = 0;
 };
 
