@@ -26,7 +26,7 @@ void TestOneInput(Input input) {
   while (TakePacket(&input, &packet, kLongestStep)) {
     time = std::max(time, packet.time);
     DecodePacket(packet, &facts);
-    detector.Inspect(packet.time, &facts);
+    detector.Inspect({&packet, 1}, {&facts, 1});
     for (std::uint16_t application : facts.applications) {
       Require(application < ProtocolRegistry::Get().count(), "applications are registered");
     }

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -147,12 +148,17 @@ void ReadCaptures(const MakeOptions& options, const Sources& sources, PacketFilt
                                              : fmt::format("{} captures", parts.size());
   Progress progress(!options.no_progress, "reading " + what);
   constexpr std::uint64_t kPacketsBetweenLooks = 4096;
+  constexpr std::size_t kMostAtOnce = 1024;
+  std::vector<Packet> room(kMostAtOnce);
   std::uint64_t packets = 0;
-  for (Packet packet; source.Next(&packet);) {
-    engine.Feed(packet);
-    if (++packets % kPacketsBetweenLooks == 0) {
+  std::uint64_t next_look = kPacketsBetweenLooks;
+  while (const std::size_t count = source.NextBatch(room)) {
+    engine.Feed(std::span(room).first(count));
+    packets += count;
+    if (packets >= next_look) {
       const SourceProgress read = source.progress();
       progress.Update(read.bytes_read, read.bytes_total, packets);
+      next_look = packets + kPacketsBetweenLooks;
     }
   }
   progress.Clear();
@@ -252,7 +258,8 @@ void AddMakeCommand(CLI::App& parser, Verb* verb) {
       ->capture_default_str();
   command
       ->add_option("--filter", options->filter, "Count only packets that this expression holds for, see pcap-filter(7)")
-      ->type_name("EXPR");
+      ->type_name("EXPR")
+      ->check(NotEmpty());
   AddSettingsOptions(*command, &options->settings);
   command->add_flag("--live", options->live, "Report straight from the live statistics, marked with the current time");
   command->add_flag("--no-names", options->no_names, "Write plain addresses instead of names");

@@ -18,8 +18,12 @@ std::u16string FilePath(const TextReport& report, StringId title, StringId secon
 
 void AppendAddress(TextReport& report, const AddressRecord* record, TextBuffer* out) {
   if (!record) return;
+  const std::string_view kept = report.address_texts.Find(*record);
+  if (!kept.empty()) return out->Append(kept);
   report.util.FormatAddress(*record, true, &report.scratch);
+  const std::size_t before = out->size();
   out->AppendWide(report.scratch);
+  report.address_texts.Keep(*record, out->view().substr(before));
 }
 
 void AppendValue(TextReport& report, const Value& value, TextBuffer* out) {

@@ -8,6 +8,7 @@
 #include "frame/output_method.h"
 #include "statistics/statistic_map.h"
 #include "statistics/value.h"
+#include "text/address_texts.h"
 #include "text/text_buffer.h"
 #include "util/string_table.h"
 
@@ -27,6 +28,7 @@ struct TextReport {
   std::string_view separator;  ///< in the code page of text files
   std::uint64_t time_mark;
   ComPtr<IAddressTable> addresses{};
+  AddressTexts address_texts{};
   ComPtr<IReportObserver> observer{};  ///< null when nobody wants to know
   std::u16string scratch{};            ///< for one text at a time
 
@@ -39,7 +41,8 @@ struct TextReport {
 std::u16string FilePath(const TextReport& report, StringId title);
 std::u16string FilePath(const TextReport& report, StringId title, StringId second_title);
 
-/// Appends the address text of a record behind its kind's label; nothing for a null record.
+/// Appends the address text of a record behind its kind's label; nothing for a null record. A report words an address
+/// once and the same everywhere, as long as there is room to keep the text.
 void AppendAddress(TextReport& report, const AddressRecord* record, TextBuffer* out);
 
 /// Appends a value as text files word it: nothing for nothing and for a time of 0, three decimals for a real number,

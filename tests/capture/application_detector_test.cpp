@@ -61,8 +61,9 @@ class ApplicationDetectorTest : public testing::Test {
  protected:
   /// The path that a packet is counted under, without the link.
   std::string Path(const Buffer& frame, std::uint64_t time = kNewYear) {
-    DecodePacket(MakePacket(frame), &facts_);
-    detector_->Inspect(time, &facts_);
+    const Packet packet = MakePacket(frame, time);
+    DecodePacket(packet, &facts_);
+    detector_->Inspect({&packet, 1}, {&facts_, 1});
     ProtocolTree& tree = ProtocolTree::Get();
     std::string path;
     for (std::uint16_t place = tree.Classify(facts_); tree.parent(place) != 0; place = tree.parent(place)) {
@@ -93,6 +94,13 @@ TEST_F(ApplicationDetectorTest, RecognisesContentOnWhateverPort) {
       {Ethernet(Mac(2), Mac(1), 0x0800,
                 Ipv4(Ip4(1), Ip4(2), 4, Ipv4(Ip4(3), Ip4(4), 6, Tcp(40011, 9993, 0x18, HttpRequest("a.example"))))),
        "IPv4/IPv4/TCP/HTTP"},
+      // Behind an authentication header the port tells, not the header.
+      {Ethernet(Mac(2), Mac(1), 0x0800,
+                Ipv4(Ip4(1), Ip4(2), 51, Buffer{6, 1} + Zeros(10) + Tcp(40012, 80, 0x18, HttpRequest("a.example")))),
+       "IPv4/AH/TCP/HTTP"},
+      {Ethernet(Mac(2), Mac(1), 0x86DD,
+                Ipv6(Ip6(1), Ip6(2), 51, Buffer{6, 1} + Zeros(10) + Tcp(40013, 9992, 0x18, HttpRequest("a.example")))),
+       "IPv6/AH/TCP"},
   };
   for (const auto& [frame, path] : cases) EXPECT_EQ(Path(frame), path);
 }
@@ -176,7 +184,7 @@ TEST_F(ApplicationDetectorTest, TakesWhateverIsCaptured) {
     for (std::size_t at = 34 + i % 5; at < bytes.size(); at += 11) bytes[at] = static_cast<std::uint8_t>(bytes[at] + i);
     packet.bytes = Bytes(bytes).first(length);
     DecodePacket(packet, &facts_);
-    detector_->Inspect(packet.time, &facts_);
+    detector_->Inspect({&packet, 1}, {&facts_, 1});
   }
   EXPECT_GT(detector_->counts().begun, 10U);
 }

@@ -425,5 +425,62 @@ TEST(EngineThreads, ReadAndFeedAtTheSameTime) {
   EXPECT_EQ(engine.packets(), 1500U);
 }
 
+// Batches of all sizes, some counted by the feeding thread and some by the engine's own, while others read, reset and
+// store summaries.
+TEST(EngineThreads, CountWhatWasFedBeforeTheyAnswer) {
+  constexpr int kHosts = 50;
+  std::vector<Buffer> frames;
+  std::vector<Packet> packets;
+  for (unsigned i = 0; i < 600; ++i) {
+    const auto host = static_cast<std::uint8_t>(i % kHosts);
+    frames.push_back(Ethernet(Mac(200), Mac(host), 0x0800, Ipv4(Ip4(host), Ip4(200), 17, Udp(2000 + i % 7, 4000))));
+  }
+  for (const Buffer& frame : frames) packets.push_back(MakePacket(frame));
+  auto engine = std::make_unique<CaptureEngine>();
+  std::atomic<bool> done = false;
+  const ComPtr<IStatsContext> resetting = engine->Context();
+  std::thread reader([&] {
+    while (!done) {
+      const View view(*engine);
+      auto nodes = view.Get(kNodeCategory);
+      std::uint32_t count = 0;
+      std::uint64_t sent = 0;
+      std::uint64_t total = 0;
+      nodes->GetCount(&count);
+      for (std::uint32_t i = 0; i < count; ++i) {
+        const NodeEntry* node = nullptr;
+        ASSERT_EQ(nodes->GetEntry(i, &node), S_OK);
+        sent += node->packets_sent;
+      }
+      view.context->GetTotalPackets(&total);
+      EXPECT_EQ(sent, 2 * total) << "every packet has a physical and a logical sender";
+      engine->StoreSummary(u"now");
+    }
+  });
+  std::uint64_t fed = 0;
+  for (std::size_t i = 0; i < 400; ++i) {
+    const std::size_t count = i * 37 % packets.size();
+    engine->Feed(std::span(packets).first(count));
+    fed += count;
+    if (i % 20 == 0) {
+      EXPECT_EQ(engine->packets(), fed);
+    }
+    if (i % 50 == 49) {
+      ASSERT_EQ(resetting->ResetStatistics(), S_OK);
+      EXPECT_EQ(engine->packets(), 0U);
+      fed = 0;
+    }
+  }
+  done = true;
+  reader.join();
+  engine->Feed(packets);
+  const ComPtr<IStatsContext> last = engine->Context();
+  engine->Feed(packets);
+  engine.reset();  // with packets on their way; the context holds on
+  std::uint64_t total = 0;
+  ASSERT_EQ(last->GetTotalPackets(&total), S_OK);
+  EXPECT_EQ(total, fed + 2 * packets.size());
+}
+
 }  // namespace
 }  // namespace orvo::test

@@ -118,6 +118,17 @@ TEST(DnsNames, HoldNoCharacterThatActs) {
        u"?cod"},  // turns the text behind it
       {{'x', 0xC3, 0xFF}, u"x??"},
       {Bytes("under_score-1"), u"under_score-1"},
+      {Bytes("-1-x"), u"?1-x"},  // begins like a formula
+      {Bytes("\xEF\xBC\x9D"
+             "1\xEF\xBC\x8C"
+             "2"),
+       u"?1?2"},  // the wide forms of "=" and ","
+      {Bytes("a\xC2\xA0"
+             "b\xE2\x80\x83"
+             "c\xE1\xA0\x8E"
+             "d\xEF\xB8\x8F"
+             "e"),
+       u"a?b?c?d?e"},  // blanks, and what leaves no mark
   };
   for (const auto& [label, expected] : cases) {
     std::vector<KnownName> names;

@@ -102,11 +102,12 @@ TEST(PcapngFileTest, TimesHaveEveryResolution) {
       {0x80 | 63, 0, std::uint64_t{3} << 62, kUnixEpoch + kSecond + kSecond / 2},
       {0x80 | 64, 0, std::uint64_t{1} << 63, kUnixEpoch + kSecond / 2},
       {0x80 | 127, 0, kMax, kUnixEpoch},
-      // Beyond both ends of what a time value can hold.
+      // Beyond both ends of what a time value can hold, of which 0 stands for none.
       {0, 0, kMax, kMax},
       {9, 0, kMax, kMax},
       {9, INT64_MAX, 1, kMax},
-      {6, INT64_MIN, k2020, 0},
+      {6, INT64_MIN, k2020, 1},
+      {6, -11'644'473'600, 0, 1},
       {6, -11'644'473'600, 7, 7'000},
   };
   for (const auto& one : cases) {

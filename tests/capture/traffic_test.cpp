@@ -85,14 +85,14 @@ TEST(TrafficHistory, FoldsExactly) {
 TEST(TrafficHistory, StaysSmallWhateverTheTimes) {
   TrafficHistory history;
   GraphSamples graphs;
-  PacketFacts facts;
-  facts.Begin(1, 1);
+  PacketNote packet;
+  packet.bytes = 1;
   std::uint64_t random = 1;
   for (int i = 0; i < 2000; ++i) {
     random = random * 6364136223846793005ULL + 1442695040888963407ULL;
-    const std::uint64_t time = i % 3 == 0 ? random : i % 3 == 1 ? kNewYear : ~std::uint64_t{0};
-    history.Add(time, 1);
-    graphs.Add(time, 1, facts, static_cast<std::uint32_t>(i));
+    packet.time = i % 3 == 0 ? random : i % 3 == 1 ? kNewYear : ~std::uint64_t{0};
+    history.Add(packet.time, packet.bytes);
+    graphs.Add(packet, static_cast<std::uint32_t>(i));
   }
   const std::vector<std::uint64_t> samples = Samples(history);
   EXPECT_LE(samples.size(), 3650U);

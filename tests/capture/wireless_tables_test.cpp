@@ -352,7 +352,7 @@ TEST(WirelessSnapshot, IsReadWithDistrust) {
   ForEachSamplePacket([&](const Packet& packet) {
     PacketFacts facts;
     DecodePacket(packet, &facts);
-    tables.Count(packet, facts, &addresses);
+    tables.Count({packet.time, packet.original_length, facts.eap_method, facts.wireless}, &addresses);
   });
   SnapshotWriter out;
   WriteWireless(*tables.Freeze(), out);

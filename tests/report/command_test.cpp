@@ -56,6 +56,7 @@ TEST(CommandTest, WrongUsageIsOneLineAndStatusTwo) {
       {{"make", "", "--out", folder.Path()}, "CAPTURE: must not be empty"},
       {{"make", kSample, "--out", folder.Path(), "--format", "csv,doc"}, "--format doc: there is no such format"},
       {{"make", kSample, "--out", folder.Path(), "--format", ""}, "--format"},
+      {{"make", kSample, "--out", folder.Path(), "--filter", ""}, "--filter: must not be empty"},
       {{"make", kSample, "--out", folder.Path(), "--filter", "tcp prot 80"}, "--filter tcp prot 80: "},
       {{"make", kSample, "--out", folder.Path(), "--filter", "wlan host 10.0.0.1"}, "--filter wlan host 10.0.0.1: "},
       {{"make", kSample, "--out", folder.Path(), "--set", "NodeNmae=1"}, "--set NodeNmae: there is no such switch"},

@@ -14,4 +14,8 @@ Status MakeWirelessNodes(ScriptedEngine* engine, const SharedScript& script, voi
 Status MakeWirelessChannels(ScriptedEngine* engine, const SharedScript& script, void** out);
 Status MakeExpert(ScriptedEngine* engine, const SharedScript& script, void** out);
 
+Status MakeTrafficHistory(ScriptedEngine* engine, const SharedScript& script, void** out);
+Status MakeSizeStats(ScriptedEngine* engine, const SharedScript& script, void** out);
+ComPtr<IGraphCollection> MakeGraphs(ScriptedEngine* engine, const SharedScript& script);
+
 }  // namespace orvo::test

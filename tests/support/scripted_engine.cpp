@@ -265,6 +265,8 @@ const CategoryMaker kCategories[] = {
     {kWirelessNodeCategory.identifier, MakeFromScript<MakeWirelessNodes>},
     {kWirelessChannelCategory.identifier, MakeFromScript<MakeWirelessChannels>},
     {kExpertCategory.identifier, MakeFromScript<MakeExpert>},
+    {kTrafficHistoryCategory.identifier, MakeFromScript<MakeTrafficHistory>},
+    {kSizeCategory.identifier, MakeFromScript<MakeSizeStats>},
 };
 
 /// The operations that the live context and a snapshot answer alike.
@@ -517,6 +519,10 @@ ScriptedEngine::~ScriptedEngine() {
 
 ComPtr<IStatsContext> ScriptedEngine::Context() {
   return ComPtr<IStatsContext>::Adopt(MakeObject<LiveContext>(this).Detach());
+}
+
+ComPtr<IGraphCollection> ScriptedEngine::Graphs() {
+  return MakeGraphs(this, std::make_shared<const Script>(live));
 }
 
 void ScriptedEngine::Fail(std::string_view operation, int nth, Status status) {

@@ -35,6 +35,19 @@ struct ScriptedProtocol {
   std::uint16_t parent = 0;
 };
 
+/// One graph: series of equally many samples, and the time of the first.
+struct ScriptedGraph {
+  std::u16string name;
+  std::u16string title;
+  std::uint32_t interval = 1;
+  std::uint64_t start = 0;
+  struct Series {
+    std::u16string name;
+    std::vector<double> samples;
+  };
+  std::vector<Series> series;
+};
+
 /// A wireless medium: nodes, what they are associated with, channels. Traffic by rate stands under the index of a node
 /// and under the channel, frequency and band of a channel.
 struct ScriptedWireless {
@@ -73,6 +86,12 @@ struct Script {
   std::vector<ScriptedConversation> conversations;
   std::vector<ScriptedStat> summary;
   std::map<Guid, std::u16string> group_names;
+  std::vector<double> history;  ///< bytes per second
+  std::uint32_t history_interval = 1;
+  std::uint64_t history_start = 0;
+  std::uint32_t size_scheme = kSizesEthernet;
+  std::vector<std::uint64_t> size_buckets;
+  std::vector<ScriptedGraph> graphs;
   /// Categories that are not there unless they are scripted.
   std::optional<ScriptedWireless> wireless;
   std::optional<ScriptedExpert> expert;
@@ -116,6 +135,8 @@ class ScriptedEngine {
   bool fixed = false;
 
   ComPtr<IStatsContext> Context();
+  /// The graphs of the live script as it is now.
+  ComPtr<IGraphCollection> Graphs();
 
   /// Lets the n-th call (from 1) of an operation ("INodeStats::FindByAddress") fail with a status.
   void Fail(std::string_view operation, int nth, Status status);

@@ -25,14 +25,48 @@ ApplicationDetector::ApplicationDetector(const DetectionLimits& limits)
   limits_.undecided = std::max<std::size_t>(limits_.undecided, 1);
 }
 
-void ApplicationDetector::Inspect(std::uint64_t time, PacketFacts* facts) {
-  FlowPacket packet;
-  if (limits_.flows == 0 || !packet.Read(*facts, time)) return;
+void ApplicationDetector::Inspect(std::span<const Packet> packets, std::span<PacketFacts> facts) {
+  if (limits_.flows == 0) return;
+  Prepare(packets, facts);
+  // Few at a time of what is large.
+  constexpr std::size_t kAhead = 4;
+  for (std::size_t i = 0; i < packets.size(); ++i) {
+    if (i + kAhead < packets.size()) {
+      if (const State* state = ExpectedState(expected_[i + kAhead])) NdpiModule::Prefetch(state->ndpi.get());
+    }
+    if (expected_[i].is_of_flow()) Enter(expected_[i], &facts[i]);
+  }
+}
+
+/// Tells the flows' keys, and has fetched what Enter will look at.
+void ApplicationDetector::Prepare(std::span<const Packet> packets, std::span<const PacketFacts> facts) {
+  expected_.resize(packets.size());
+  for (std::size_t i = 0; i < packets.size(); ++i) {
+    expected_[i] = {};
+    if (expected_[i].Read(facts[i], packets[i].time)) flows_.Expect(&expected_[i]);
+  }
+  for (FlowPacket& packet : expected_) {
+    if (packet.is_of_flow()) flows_.Prepare(&packet);
+  }
+  for (const FlowPacket& packet : expected_) {
+    flows_.PrepareNeighbours(packet);
+    if (const State* state = ExpectedState(packet)) __builtin_prefetch(state, 1);
+  }
+}
+
+/// The state that the packet will be looked into with, as far as can be foreseen; null for none.
+const ApplicationDetector::State* ApplicationDetector::ExpectedState(const FlowPacket& packet) const {
+  const Flow* flow = packet.has_payload ? flows_.Expected(packet) : nullptr;
+  return flow && flow->state < states_.size() ? &states_[flow->state] : nullptr;
+}
+
+void ApplicationDetector::Enter(const FlowPacket& packet, PacketFacts* facts) {
   std::uint32_t number = flows_.Enter(packet);
-  if (!flows_[number].decided && packet.has_payload) LookInto(number, time, *facts);
+  if (!flows_[number].decided && packet.has_payload) LookInto(number, packet.time, *facts);
   Flow& flow = flows_[number];
   if (flow.ended && flow.state != kNoItem) GiveUp(flow);
   facts->applications = flow.applications;
+  facts->flow = {flow.serial, number, packet.from_first};
 }
 
 void ApplicationDetector::LookInto(std::uint32_t number, std::uint64_t time, const PacketFacts& facts) {

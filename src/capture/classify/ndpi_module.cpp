@@ -1,6 +1,7 @@
 #include "capture/classify/ndpi_module.h"
 
 #include <ndpi_api.h>
+#include <netinet/in.h>
 
 #include <algorithm>
 #include <array>
@@ -130,6 +131,15 @@ std::vector<std::string> NdpiModule::Names() {
   return names;
 }
 
+void NdpiModule::Prefetch(const ndpi_flow_struct* flow) {
+  constexpr std::size_t kCacheLine = 64;
+  static const std::size_t size = ndpi_detection_get_sizeof_ndpi_flow_struct();
+  if (!flow) return;
+  for (std::size_t at = 0; at < size; at += kCacheLine) {
+    __builtin_prefetch(reinterpret_cast<const char*>(flow) + at, 1);
+  }
+}
+
 NdpiModule::FlowPtr NdpiModule::NewFlow() {
   Counting counting(this);
   auto* flow = static_cast<ndpi_flow_struct*>(ndpi_flow_malloc(ndpi_detection_get_sizeof_ndpi_flow_struct()));
@@ -140,6 +150,8 @@ NdpiModule::FlowPtr NdpiModule::NewFlow() {
 NdpiModule::Finding NdpiModule::Inspect(ndpi_flow_struct* flow, Bytes datagram, std::uint64_t time) {
   std::size_t size = std::min(datagram.size(), kMaxDatagram);
   if (size < kIpv4Header || (datagram[0] >> 4 != 4 && size < kIpv6Header)) return {};
+  // nDPI sees no further than this header, and calls what stands behind it IPsec, whatever that is.
+  if (datagram[datagram[0] >> 4 == 4 ? 9 : 6] == IPPROTO_AH) return {};
   // A copy: some of nDPI's readers write into the packet, and some look beyond its end.
   std::copy_n(datagram.begin(), size, datagram_.begin());
   std::fill_n(datagram_.begin() + static_cast<std::ptrdiff_t>(size), kSlack, std::uint8_t{0});

@@ -39,6 +39,9 @@ class NdpiModule {
   NdpiModule& operator=(const NdpiModule&) = delete;
   ~NdpiModule();
 
+  /// Begins to fetch a flow that will be looked at; null for none.
+  static void Prefetch(const ndpi_flow_struct* flow);
+
   /// Raises std::bad_alloc without memory.
   FlowPtr NewFlow();
   /// Looks at an IP datagram of the flow, as far as it was captured; its header is there in full. `time` is in

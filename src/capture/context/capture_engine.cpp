@@ -52,8 +52,8 @@ CaptureEngine::~CaptureEngine() {
   RevokeClasses();
 }
 
-void CaptureEngine::Feed(const Packet& packet) {
-  parts_->core->Feed(packet);
+void CaptureEngine::Feed(std::span<const Packet> packets) {
+  parts_->core->Feed(packets);
 }
 
 void CaptureEngine::SetDropped(std::uint64_t packets) {

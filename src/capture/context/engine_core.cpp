@@ -46,24 +46,58 @@ EngineCore::EngineCore(const EngineOptions& options)
     : options_(options),
       names_(DirectoryFor(options)),
       detector_(DetectionLimitsOf(options)),
-      tables_(LimitsOf(options), TrustOf(options)) {}
+      tables_(LimitsOf(options), TrustOf(options)),
+      queue_([this](const NoteBatch& batch) { Count(batch); }) {}
 
-void EngineCore::Feed(const Packet& packet) {
-  DecodePacket(packet, &facts_);
-  detector_.Inspect(packet.time, &facts_);
-  std::uint16_t protocol = ProtocolTree::Get().Classify(facts_);
-  if (names_ && MayHoldNames(facts_)) Listen();
-  std::lock_guard lock(mutex_);
-  ++changes_;
-  tables_.Count(packet, facts_, protocol);
-  tables_.SetFlows(detector_.counts());
-  packets_.fetch_add(1, std::memory_order_relaxed);
+void EngineCore::Feed(std::span<const Packet> packets) {
+  const bool hand_over = packets.size() >= kWorthHandingOver && queue_.Start();
+  if (!hand_over) queue_.Drain();
+  while (!packets.empty()) {
+    const std::span<const Packet> some = packets.first(std::min(packets.size(), NoteBatch::kMost));
+    packets = packets.subspan(some.size());
+    NoteBatch& batch = hand_over ? queue_.Fill() : batch_;
+    Decode(some, &batch);
+    if (hand_over) {
+      queue_.Publish();
+    } else {
+      Count(batch);
+    }
+  }
+  if (hand_over) queue_.Flush();
 }
 
-void EngineCore::Listen() {
+/// From bytes to what is to be counted. Each step takes all packets before the next begins.
+void EngineCore::Decode(std::span<const Packet> packets, NoteBatch* batch) {
+  const std::span<PacketFacts> facts(facts_.data(), packets.size());
+  for (std::size_t i = 0; i < packets.size(); ++i) DecodePacket(packets[i], &facts[i]);
+  detector_.Inspect(packets, facts);
+  ProtocolTree& tree = ProtocolTree::Get();
+  for (std::size_t i = 0; i < packets.size(); ++i) {
+    if (names_ && MayHoldNames(facts[i])) Listen(facts[i]);
+    batch->notes[i] = PacketNote(packets[i], facts[i], tree.Classify(facts[i]));
+    if (facts[i].is_wireless) batch->AddWireless(i, facts[i]);
+  }
+  batch->size = packets.size();
+  batch->flows = detector_.counts();
+}
+
+void EngineCore::Count(const NoteBatch& batch) {
+  std::lock_guard lock(mutex_);
+  ++changes_;
+  tables_.Count(batch.packets());
+  tables_.SetFlows(batch.flows);
+}
+
+void EngineCore::Listen(const PacketFacts& facts) {
   heard_.clear();
-  ReadHeardNames(facts_, &heard_);
+  ReadHeardNames(facts, &heard_);
   for (const KnownName& known : heard_) names_->Learn(known.address, known.name, NameSource::kHeard);
+}
+
+std::uint64_t EngineCore::packets() {
+  queue_.Drain();
+  std::lock_guard lock(mutex_);
+  return tables_.packets();
 }
 
 void EngineCore::SetDropped(std::uint64_t packets) {
@@ -73,14 +107,15 @@ void EngineCore::SetDropped(std::uint64_t packets) {
 }
 
 void EngineCore::Reset() {
+  queue_.Drain();
   std::lock_guard lock(mutex_);
   ++changes_;
   tables_.Reset();
-  packets_.store(0, std::memory_order_relaxed);
 }
 
 void EngineCore::StoreSummary(std::u16string_view name) {
   if (options_.max_stored_summaries == 0) return;
+  queue_.Drain();
   std::lock_guard lock(mutex_);
   stored_.push_back(MakeSummary(tables_.Summary(), name));
   ++changes_;
@@ -88,6 +123,7 @@ void EngineCore::StoreSummary(std::u16string_view name) {
 }
 
 EpochPtr EngineCore::Freeze() {
+  queue_.Drain();
   auto epoch = std::make_shared<Epoch>();
   auto tables = std::make_shared<FrozenTables>();
   std::uint64_t changes = 0;

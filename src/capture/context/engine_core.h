@@ -1,16 +1,19 @@
 #pragma once
 
-#include <atomic>
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <span>
 #include <vector>
 
 #include "capture/classify/application_detector.h"
 #include "capture/classify/protocol_tree.h"
 #include "capture/context/capture_engine.h"
 #include "capture/context/category_views.h"
+#include "capture/context/note_queue.h"
 #include "capture/decode/protocol_registry.h"
 #include "capture/names/name_directory.h"
 
@@ -25,11 +28,11 @@ class EngineCore {
   EngineCore& operator=(const EngineCore&) = delete;
 
   /// Called by the feeding thread alone.
-  void Feed(const Packet& packet);
+  void Feed(std::span<const Packet> packets);
   void SetDropped(std::uint64_t packets);
   void Reset();
   void StoreSummary(std::u16string_view name);
-  std::uint64_t packets() const { return packets_.load(std::memory_order_relaxed); }
+  std::uint64_t packets();
 
   /// The statistics as of now; the same object again while nothing has changed and somebody still holds it.
   EpochPtr Freeze();
@@ -45,22 +48,30 @@ class EngineCore {
   const EngineOptions& options() const { return options_; }
 
  private:
-  void Listen();
+  /// Spans of fewer packets are counted by the feeding thread, as waking another costs more.
+  static constexpr std::size_t kWorthHandingOver = 16;
+
+  void Decode(std::span<const Packet> packets, NoteBatch* batch);
+  void Count(const NoteBatch& batch);
+  void Listen(const PacketFacts& facts);
 
   const EngineOptions options_;
   const std::shared_ptr<NameDirectory> names_;
-  PacketFacts facts_;             // the feeding thread's
-  std::vector<KnownName> heard_;  // the feeding thread's, of the packet in work
-  ApplicationDetector detector_;  // the feeding thread's
-  std::atomic<std::uint64_t> packets_ = 0;
+  // The feeding thread's:
+  std::array<PacketFacts, NoteBatch::kMost> facts_;
+  NoteBatch batch_;               // of packets that it counts itself
+  std::vector<KnownName> heard_;  // of the packet in work
+  ApplicationDetector detector_;
 
-  mutable std::mutex mutex_;  // guards what follows; held for one packet, or while pages are shared
+  mutable std::mutex mutex_;  // guards what follows; held for one batch, or while pages are shared
   StatisticsTables tables_;
   std::deque<std::shared_ptr<const SummaryRecord>> stored_;
   std::uint64_t changes_ = 0;
   std::weak_ptr<const Epoch> latest_;
   std::uint64_t latest_changes_ = 0;
   ComPtr<IReportObserver> observer_;
+
+  NoteQueue queue_;  // the last, as its thread uses what stands before; its own lock is never held with the other
 };
 
 }  // namespace orvo

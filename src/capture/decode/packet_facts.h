@@ -23,6 +23,16 @@ struct AddressPair {
   bool names_both_ends() const { return source.valid != 0 && destination.valid != 0; }
 };
 
+/// Names the flow of a packet, and its direction.
+struct FlowMark {
+  static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+
+  std::uint64_t serial = 0;  ///< counts flows from 1 in the order in which they begin; 0 for no flow
+  std::uint32_t number =
+      kNone;                ///< of the flow's place, which another takes when it is over: small, to index tables by
+  bool from_first = false;  ///< which of its two ends has sent the packet
+};
+
 /// What the decoders found in one packet. One object serves packet after packet; nothing in it is ever allocated.
 struct PacketFacts {
   static constexpr std::size_t kMaxPairs = 2;
@@ -41,9 +51,10 @@ struct PacketFacts {
     cut_off = missing != 0;
     goes_on = false;
     eap_method = 0;
-    wireless.is_present = false;
+    is_wireless = false;
     network = datagram = payload = {};
     applications = {};
+    flow = {};
   }
 
   /// Room for the addresses of a frame; null inside of what has addresses already, since a frame in a tunnel is its
@@ -76,8 +87,8 @@ struct PacketFacts {
 
   /// For the first header of a wireless link.
   WirelessFacts& BeginWireless() {
-    if (!wireless.is_present) wireless = {};
-    wireless.is_present = true;
+    if (!is_wireless) wireless = {};
+    is_wireless = true;
     return wireless;
   }
 
@@ -98,6 +109,7 @@ struct PacketFacts {
   bool is_icmp_error = false;   ///< an error message of ICMP or ICMPv6
   bool malformed = false;       ///< a header contradicts itself or the frame's length
   bool cut_off = false;         ///< less was captured than was on the wire
+  bool is_wireless = false;     ///< a frame of 802.11, or a radio's header in front of one
   bool goes_on = false;         ///< the link has split the packet, and later frames have the rest
   std::uint8_t eap_method = 0;  ///< of a message of 802.1X (IANA EAP method types), 0 for none
   std::size_t missing = 0;      ///< bytes that were on the wire behind those captured
@@ -107,7 +119,8 @@ struct PacketFacts {
   /// Identifiers of the protocols that the packet's flow was found to carry: what is spoken, then what it is spoken to
   /// (TLS, then a mail service); 0 for not known. Decoders leave them alone.
   std::array<std::uint16_t, 2> applications{};
-  WirelessFacts wireless;  ///< only `is_present` is set for a frame of another link
+  FlowMark flow;           ///< which flow the packet is of; decoders leave it alone
+  WirelessFacts wireless;  ///< set for a wireless frame only
 
  private:
   AddressPair* ClearedPair() {

@@ -74,7 +74,6 @@ struct NetworkFacts {
 
 /// What a frame of 802.11 is.
 struct WirelessFacts {
-  bool is_present = false;   ///< there is a frame of 802.11, or a radio's header in front of one
   bool is_readable = false;  ///< the fields below are set; false for a damaged or cut frame
   RadioFacts radio;
   FrameType type = FrameType::kManagement;

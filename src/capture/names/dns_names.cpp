@@ -27,6 +27,9 @@ char Lower(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 bool IsNameCharacter(char32_t c) {
+  // The wide forms of ASCII act as ASCII does in some spreadsheets, and no registered name has them (RFC 5892).
+  constexpr char32_t kFirstWide = 0xFF01, kLastWide = 0xFF5E;
+  if (c >= kFirstWide && c <= kLastWide) return false;
   if (c >= 0x80) return !IsInvisible(c);
   return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '_' || c == '.';
 }
@@ -68,6 +71,8 @@ std::u16string HostName(std::string_view bytes) {
     AppendCodePoint(next.valid && IsNameCharacter(next.value) ? next.value : U'?', &name);
     at += next.length;
   }
+  // No host's name begins with one (RFC 952), and a cell that does is a formula.
+  if (name.starts_with(u'-')) name.front() = u'?';
   return name;
 }
 

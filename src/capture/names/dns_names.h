@@ -18,9 +18,9 @@ inline bool MayHoldNames(const PacketFacts& facts) {
 /// that lie whole in the packet are read.
 ///
 /// Names are ASCII letters in lower case, digits, hyphens, underscores, dots and visible characters beyond ASCII;
-/// anything else is a question mark, so that no name can act as a formula, a field separator or a path wherever a
-/// report is opened. Left out are names that read like an address, and names of addresses that belong to no host:
-/// unspecified, loopback, multicast and broadcast ones.
+/// anything else, and a hyphen at the beginning, is a question mark, so that no name can act as a formula, a field
+/// separator or a path wherever a report is opened. Left out are names that read like an address, and names of
+/// addresses that belong to no host: unspecified, loopback, multicast and broadcast ones.
 void ReadHeardNames(const PacketFacts& facts, std::vector<KnownName>* names);
 
 /// The same for one message of these protocols (RFC 1035 section 4.1), whatever its bytes are.

@@ -3,12 +3,13 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <shared_mutex>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
 #include "capture/tables/keyed_hash.h"
+#include "capture/tables/row_index.h"
 #include "engine/address.h"
 
 namespace orvo {
@@ -22,8 +23,8 @@ struct KnownName {
 /// How far a name is to be trusted: what somebody gave is not replaced by what was heard on the wire.
 enum class NameSource : std::uint8_t { kHeard, kGiven };
 
-/// Control characters, ends of lines and paragraphs, and the invisible ones that turn or join text: none of them has a
-/// place in a name, and each can make a line of a report read as something else.
+/// Control characters, ends of lines and paragraphs, blanks of every width, and whatever else leaves no mark or turns
+/// or joins text: none of them has a place in a name, and each can make a line of a report read as something else.
 bool IsInvisible(char32_t character);
 
 /// The names that the engine has learnt. Used from any thread.
@@ -43,13 +44,21 @@ class NameDirectory {
 
  private:
   struct Entry {
-    std::u16string name;
+    AddressRecord address;
     NameSource source = NameSource::kHeard;
+    std::u16string name;
   };
+
+  /// The row of an address, kNoRow when it has no name.
+  std::uint32_t Find(const AddressRecord& address, std::uint64_t hash) const {
+    return index_.Find(hash, [&](std::uint32_t row) { return entries_[row].address == address; });
+  }
 
   const std::size_t limit_;
   mutable std::shared_mutex mutex_;
-  std::unordered_map<AddressRecord, Entry, KeyedHash> names_;
+  KeyedHash hash_;
+  RowIndex index_;
+  std::deque<Entry> entries_;
   std::atomic<bool> any_ = false;  // spares the lock while there are none
   std::atomic<std::uint64_t> refused_ = 0;
 };

@@ -7,8 +7,8 @@
 namespace orvo {
 namespace {
 
-/// Large enough that the cost of a system call vanishes.
-constexpr std::size_t kBlock = std::size_t{1} << 20;
+/// Large enough that the cost of a system call vanishes, and small enough to be still in the cache when it is read.
+constexpr std::size_t kBlock = std::size_t{1} << 18;
 
 }  // namespace
 

@@ -31,6 +31,19 @@ bool MergedSource::Next(Packet* packet) {
   return true;
 }
 
+std::size_t MergedSource::NextBatch(std::span<Packet> room) {
+  const bool head_waits = delivered_ == kNone;
+  if (heads_.size() != 1 || head_waits) return PacketSource::NextBatch(room);
+  const Head& only = heads_.front();
+  const std::size_t count = only.source->NextBatch(room);
+  for (Packet& packet : room.first(count)) packet.interface_number += only.first_interface;
+  if (count == 0) {
+    heads_.clear();
+    delivered_ = kNone;
+  }
+  return count;
+}
+
 SourceProgress MergedSource::progress() const {
   SourceProgress sum;
   for (const PacketSource* source : sources_) {

@@ -14,6 +14,8 @@ class MergedSource final : public PacketSource {
   explicit MergedSource(const std::vector<PacketSource*>& sources);
 
   bool Next(Packet* packet) override;
+  /// As many as one source gives, once it is the only one left.
+  std::size_t NextBatch(std::span<Packet> room) override;
   SourceProgress progress() const override;
   std::uint64_t dropped() const override;
   /// Always sound.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -41,6 +43,14 @@ class FilteredSource final : public PacketSource {
       if (filter_->Matches(*packet)) return true;
     }
     return false;
+  }
+  std::size_t NextBatch(std::span<Packet> room) override {
+    for (;;) {
+      const std::span<Packet> all = room.first(source_->NextBatch(room));
+      if (all.empty()) return 0;
+      const auto end = std::ranges::remove_if(all, [this](const Packet& packet) { return !filter_->Matches(packet); });
+      if (end.size() < all.size()) return all.size() - end.size();
+    }
   }
   SourceProgress progress() const override { return source_->progress(); }
   /// The source's: nobody knows which of them the filter would have let through.

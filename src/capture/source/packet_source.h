@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 
 #include "capture/source/packet.h"
@@ -27,6 +29,9 @@ class PacketSource {
 
   /// The next packet; false at the end, after which warning() tells whether the end was a sound one.
   virtual bool Next(Packet* packet) = 0;
+  /// The next packets, as many as are at hand and find room; gives how many, 0 at the end only. Waits for the first
+  /// alone. All of their bytes are valid until more packets are asked for. `room` is not empty.
+  virtual std::size_t NextBatch(std::span<Packet> room) { return Next(room.data()) ? 1 : 0; }
   virtual SourceProgress progress() const = 0;
   /// Packets that the source saw but could not deliver.
   virtual std::uint64_t dropped() const = 0;

@@ -86,9 +86,21 @@ class PcapFile final : public FileSource {
     return true;
   }
 
+  std::size_t NextBatch(std::span<Packet> room) override {
+    std::size_t count = 0;
+    while (count < room.size() && (count == 0 || RecordAtHand()) && Next(&room[count])) ++count;
+    return count;
+  }
+
   std::uint64_t dropped() const override { return 0; }
 
  private:
+  /// Whether the next record lies in the window, so that reading it leaves the bytes before it where they are.
+  bool RecordAtHand() {
+    if (window_.left() < kRecordHeader || order_ != LengthOrder::kCapturedFirst) return false;
+    return window_.left() - kRecordHeader >= Load32(window_.Look(kRecordHeader) + 8);
+  }
+
   /// Seconds are unsigned and last until 2106. Fractions are signed; a negative one is a lie, and taken for none.
   std::uint64_t TimeOf(std::uint32_t seconds, std::uint32_t fraction) const {
     if (fraction > 0x7FFF'FFFF) [[unlikely]]

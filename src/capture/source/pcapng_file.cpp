@@ -71,20 +71,15 @@ class PcapngFile final : public FileSource {
 
   bool Next(Packet* packet) override {
     while (!ended_) {
-      if (!window_.Look(kShortestBlock)) return EndOfStream();
-      Block block;
-      if (!ReadBlock(&block)) return End(damage_);
-      if (block.type == kEnhancedPacket) [[likely]] {
-        if (ReadEnhancedPacket(block.body, packet)) return true;
-      } else if (block.type == kSimplePacket) {
-        if (ReadSimplePacket(block.body, packet)) return true;
-      } else if (block.type == kObsoletePacket) {
-        if (ReadObsoletePacket(block.body, packet)) return true;
-      } else if (!ReadOtherBlock(block)) {
-        return End(damage_);
-      }
+      if (TakeBlock(packet)) return true;
     }
     return false;
+  }
+
+  std::size_t NextBatch(std::span<Packet> room) override {
+    std::size_t count = 0;
+    while (!ended_ && count < room.size() && (count == 0 || BlockAtHand())) count += TakeBlock(&room[count]);
+    return count;
   }
 
   std::uint64_t dropped() const override {
@@ -98,6 +93,27 @@ class PcapngFile final : public FileSource {
     std::uint32_t type = 0;
     Bytes body;  // between the two lengths; empty for a block that is passed over
   };
+
+  /// Takes the next block; true when it gave a packet.
+  bool TakeBlock(Packet* packet) {
+    if (!window_.Look(kShortestBlock)) return EndOfStream();
+    Block block;
+    if (!ReadBlock(&block)) return End(damage_);
+    switch (block.type) {
+      [[likely]] case kEnhancedPacket : return ReadEnhancedPacket(block.body, packet);
+      case kSimplePacket: return ReadSimplePacket(block.body, packet);
+      case kObsoletePacket: return ReadObsoletePacket(block.body, packet);
+      default: return ReadOtherBlock(block) ? false : End(damage_);
+    }
+  }
+
+  /// Whether the next block lies in the window, so that reading it leaves the bytes before it where they are. A section
+  /// header may change the order of the bytes that its own length has.
+  bool BlockAtHand() {
+    if (window_.left() < kShortestBlock) return false;
+    const std::uint8_t* start = window_.Look(kShortestBlock);
+    return Load32(start) != kSectionHeader && window_.left() >= Load32(start + 4);
+  }
 
   bool Damaged(std::string why) {
     damage_ = std::move(why);

@@ -63,7 +63,7 @@ std::uint64_t TimeScale::AnyTimeOf(std::uint64_t stamp) const {
   const unsigned exponent = resolution_ & kExponent;
   const Moment moment = (resolution_ & kBinary) != 0 ? FromBinary(stamp, exponent) : FromDecimal(stamp, exponent);
   const Wide time = (Wide{moment.seconds} + offset_ + kEpochSeconds) * kNanosecondsPerSecond + moment.nanoseconds;
-  return static_cast<std::uint64_t>(std::clamp<Wide>(time, 0, kLast));
+  return static_cast<std::uint64_t>(std::clamp<Wide>(time, 1, kLast));
 }
 
 }  // namespace orvo

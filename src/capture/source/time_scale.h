@@ -5,7 +5,7 @@
 namespace orvo {
 
 /// Turns the time stamps of a capture file into time values. Moments before 1601 and behind the last one that a time
-/// value can hold become the nearest that it can.
+/// value can hold become the nearest that it can; that is never 0, which stands for no time at all.
 class TimeScale {
  public:
   /// Microseconds since 1970, which is what files mean that say nothing.

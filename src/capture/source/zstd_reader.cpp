@@ -1,6 +1,7 @@
 #include "capture/source/zstd_reader.h"
 
 #include <zstd.h>
+#include <zstd_errors.h>
 
 #include <algorithm>
 #include <new>
@@ -43,7 +44,7 @@ class ZstdReader final : public ByteReader {
     if (!packed && !pending_) return EndOfInput();
     ZSTD_inBuffer in{packed, packed ? std::min(packed_.left(), wanted_) : 0, 0};
     const std::size_t result = ZSTD_decompressStream(stream_.get(), out, &in);
-    if (ZSTD_isError(result)) return End(std::string("its compressed data is damaged: ") + ZSTD_getErrorName(result));
+    if (ZSTD_isError(result)) return EndWithError(result);
     packed_.Take(in.pos);
     within_frame_ = result != 0;
     wanted_ = within_frame_ ? result : kFrameStart;
@@ -54,6 +55,13 @@ class ZstdReader final : public ByteReader {
   void EndOfInput() {
     if (!packed_.problem().empty()) return End(packed_.problem());
     End(within_frame_ ? "its compressed data is cut off" : "");
+  }
+
+  void EndWithError(std::size_t result) {
+    if (ZSTD_getErrorCode(result) == ZSTD_error_frameParameter_windowTooLarge) {
+      return End("its compressed data looks back on more than 128 MB; unpack it by \"zstd -d --long=31\" first");
+    }
+    End(std::string("its compressed data is damaged: ") + ZSTD_getErrorName(result));
   }
 
   void End(std::string problem) {

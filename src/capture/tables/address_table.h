@@ -34,6 +34,9 @@ class AddressTable {
   /// record, and when the table is full.
   std::uint32_t Intern(const AddressRecord& record);
 
+  /// Begins to fetch what Intern will look at first.
+  void Prefetch(const AddressRecord& record) const { index_.Prefetch(hash_(record)); }
+
   std::size_t size() const { return records_.size(); }
   FrozenAddresses Freeze() { return {records_.Freeze(), next_.Freeze(), first_}; }
 

@@ -2,20 +2,14 @@
 
 namespace orvo {
 
-bool ConversationTable::Count(const ConversationEndpoints& ends, std::uint8_t type, std::uint64_t bytes) {
+std::uint32_t ConversationTable::Row(const ConversationEndpoints& ends, std::uint8_t type) {
   std::uint64_t hash = hash_(ends.source, ends.destination, ends.protocol);
   std::uint32_t row = index_.Find(hash, [&](std::uint32_t candidate) {
     const ConversationEndpoints& other = endpoints_[candidate];
     return other.source == ends.source && other.destination == ends.destination && other.protocol == ends.protocol;
   });
-  if (row == kNoRow) {
-    if (entries_.size() >= limit_) return false;
-    row = Add(ends, type, hash);
-  }
-  ConversationEntry& entry = entries_.Edit(row);
-  ++entry.packets;
-  entry.bytes += bytes;
-  return true;
+  if (row != kNoRow) return row;
+  return entries_.size() < limit_ ? Add(ends, type, hash) : kNoRow;
 }
 
 std::uint32_t ConversationTable::Add(const ConversationEndpoints& ends, std::uint8_t type, std::uint64_t hash) {

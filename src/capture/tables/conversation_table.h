@@ -24,8 +24,16 @@ class ConversationTable {
     last_.fill(kNoRow);
   }
 
-  /// Counts a packet; false when its conversation is new and the table is full. `type` is the source's address type.
-  bool Count(const ConversationEndpoints& ends, std::uint8_t type, std::uint64_t bytes);
+  /// The row of a conversation, which is made when it is new; kNoRow when it is new and the table is full. `type` is
+  /// the source's address type.
+  std::uint32_t Row(const ConversationEndpoints& ends, std::uint8_t type);
+  void Count(std::uint32_t row, std::uint64_t bytes) {
+    ConversationEntry& entry = entries_.Edit(row);
+    ++entry.packets;
+    entry.bytes += bytes;
+  }
+  /// Begins to fetch a row that will be counted in.
+  void Prefetch(std::uint32_t row) const { entries_.Prefetch(row); }
 
   std::size_t size() const { return entries_.size(); }
   FrozenConversations Freeze() { return {entries_.Freeze(), endpoints_.Freeze(), next_.Freeze(), first_}; }

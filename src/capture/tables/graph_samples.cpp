@@ -21,18 +21,19 @@ void GraphSamples::Fold(std::uint32_t count) {
   }
 }
 
-void GraphSamples::Add(std::uint64_t time, std::uint64_t bytes, const PacketFacts& facts, std::uint32_t protocol_row) {
-  const SampleLadder::Place place = ladder_.Locate(time);
+void GraphSamples::Add(const PacketNote& packet, std::uint32_t protocol_row) {
+  const std::uint64_t bytes = packet.bytes;
+  const SampleLadder::Place place = ladder_.Locate(packet.time);
   if (place.fold != 1) Fold(place.fold);
   MeasureSample& sample = PieceAt(&measures_, place.piece);
   sample[kMeasureBytes] += bytes;
   ++sample[kMeasurePackets];
-  if (facts.ip_protocol == IPPROTO_TCP) sample[kMeasureTcpBytes] += bytes;
-  if (facts.ip_protocol == IPPROTO_UDP) sample[kMeasureUdpBytes] += bytes;
-  sample[kMeasureBroadcasts] += facts.delivery() == Delivery::kBroadcast;
-  sample[kMeasureMulticasts] += facts.delivery() == Delivery::kMulticast;
-  sample[kMeasureMalformed] += facts.malformed;
-  sample[kMeasureIcmpErrors] += facts.is_icmp_error;
+  if (packet.ip_protocol == IPPROTO_TCP) sample[kMeasureTcpBytes] += bytes;
+  if (packet.ip_protocol == IPPROTO_UDP) sample[kMeasureUdpBytes] += bytes;
+  sample[kMeasureBroadcasts] += packet.delivery() == Delivery::kBroadcast;
+  sample[kMeasureMulticasts] += packet.delivery() == Delivery::kMulticast;
+  sample[kMeasureMalformed] += packet.malformed;
+  sample[kMeasureIcmpErrors] += packet.is_icmp_error;
   if (protocol_row >= kMostProtocols) return;
   if (protocol_row >= protocols_.size()) protocols_.resize(protocol_row + 1);
   PieceAt(&protocols_[protocol_row], place.piece) += bytes;

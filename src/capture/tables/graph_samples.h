@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "capture/decode/packet_facts.h"
+#include "capture/tables/packet_note.h"
 #include "capture/tables/sample_ladder.h"
 
 namespace orvo {
@@ -38,8 +38,8 @@ class GraphSamples {
   static constexpr std::size_t kMostSamples = 10'000;
   static constexpr std::size_t kMostProtocols = 256;
 
-  /// Counts a packet of `bytes` on the wire, whose protocol has that row in the protocol table.
-  void Add(std::uint64_t time, std::uint64_t bytes, const PacketFacts& facts, std::uint32_t protocol_row);
+  /// Counts a packet, whose protocol has that row in the protocol table.
+  void Add(const PacketNote& packet, std::uint32_t protocol_row);
 
   FrozenGraphs Freeze();
 

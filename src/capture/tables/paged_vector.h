@@ -51,6 +51,15 @@ class PagedVector {
   /// `index` is below size().
   const T& operator[](std::size_t index) const { return (*slots_[index / Pages::kItems].page)[index % Pages::kItems]; }
 
+  /// Begins to fetch an item that will be written.
+  void Prefetch(std::size_t index) const {
+    const T* item = &(*this)[index];
+    for (std::size_t at = 0; at < sizeof(T); at += kCacheLine) {
+      __builtin_prefetch(reinterpret_cast<const char*>(item) + at, 1);
+    }
+    __builtin_prefetch(reinterpret_cast<const char*>(item + 1) - 1, 1);
+  }
+
   /// For writing; the reference holds until the next Freeze.
   T& Edit(std::size_t index) {
     Slot& slot = slots_[index / Pages::kItems];
@@ -73,6 +82,8 @@ class PagedVector {
   }
 
  private:
+  static constexpr std::size_t kCacheLine = 64;
+
   /// A page, and the freeze after which the writer made it its own.
   struct Slot {
     typename Pages::Page* page = nullptr;

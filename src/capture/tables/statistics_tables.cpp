@@ -17,6 +17,15 @@ void Widen(std::uint64_t* first, std::uint64_t* last, std::uint64_t time) {
   *last = std::max(*last, time);
 }
 
+const AddressRecord& EndOf(const AddressPair& pair, std::size_t end) {
+  return end == 0 ? pair.source : pair.destination;
+}
+
+template <class Table>
+void PrefetchRow(const Table& table, std::uint32_t row) {
+  if (row != kNoRow) table.Prefetch(row);
+}
+
 }  // namespace
 
 StatisticsTables::StatisticsTables(const TableLimits& limits, const std::shared_ptr<const TrustList>& trust)
@@ -26,48 +35,128 @@ StatisticsTables::StatisticsTables(const TableLimits& limits, const std::shared_
       conversations_(limits.conversations),
       wireless_(limits.wireless, trust) {}
 
-void StatisticsTables::Count(const Packet& packet, const PacketFacts& facts, std::uint16_t protocol) {
-  std::uint64_t bytes = packet.original_length;
-  CountTotals(packet, facts);
-  std::uint32_t protocol_row = CountProtocol(protocol, bytes);
-  std::uint32_t protocol_key = protocols_[protocol_row].key;
-  history_.Add(packet.time, bytes);
-  graphs_.Add(packet.time, bytes, facts, protocol_row);
+void StatisticsTables::Count(std::span<const PacketNote> packets) {
+  // Some packets run ahead, so that what they need is on its way when it is their turn.
+  constexpr std::size_t kAhead = 12;
+  const std::size_t count = packets.size();
+  for (std::size_t i = 0; i < count + 2 * kAhead; ++i) {
+    if (i < count) routes_.Prefetch(packets[i].flow);
+    if (i >= kAhead && i - kAhead < count) Prefetch(packets[i - kAhead]);
+    if (i >= 2 * kAhead) Count(packets[i - 2 * kAhead]);
+  }
+}
 
+/// Begins to fetch what Count will look at first.
+void StatisticsTables::Prefetch(const PacketNote& packet) {
+  if (Route::MayLead(packet)) {
+    const Route& route = routes_.At(packet.flow);
+    if (route.Leads(packet)) {
+      const PacketRows& rows = route.rows;
+      for (std::uint32_t row : rows.nodes) PrefetchRow(nodes_, row);
+      for (std::uint32_t row : rows.hierarchy) PrefetchRow(hierarchy_, row);
+      for (std::uint32_t row : rows.conversations) PrefetchRow(conversations_, row);
+      return;
+    }
+  }
+  for (std::size_t i = 0; i < packet.pair_count; ++i) {
+    addresses_.Prefetch(packet.pairs[i].source);
+    addresses_.Prefetch(packet.pairs[i].destination);
+  }
+}
+
+void StatisticsTables::Count(const PacketNote& packet) {
+  CountTotals(packet);
+  if (packet.wireless) counters_.unlisted_wireless += !wireless_.Count(*packet.wireless, &addresses_);
+  const std::uint32_t protocol_row = CountProtocol(packet.protocol, packet.bytes);
+  const std::uint32_t protocol_key = protocols_[protocol_row].key;
+  history_.Add(packet.time, packet.bytes);
+  graphs_.Add(packet, protocol_row);
+  if (!Route::MayLead(packet)) {
+    PacketRows rows;
+    FindRows(packet, protocol_key, &rows);
+    CountRows(packet, rows);
+    return;
+  }
+  Route& route = routes_.At(packet.flow);
+  if (!route.Leads(packet)) {
+    PacketRows rows;
+    if (FindRows(packet, protocol_key, &rows)) route.Lead(packet, rows);
+    CountRows(packet, rows);
+    return;
+  }
+  if (route.protocol != packet.protocol) MoveRoute(packet, protocol_key, &route);
+  CountRows(packet, route.rows);
+}
+
+/// The flow was found to carry something else than its first packets were counted under: only conversations differ. One
+/// that is refused is tried again with every packet, since it counts as refused for each.
+void StatisticsTables::MoveRoute(const PacketNote& packet, std::uint32_t protocol_key, Route* route) {
+  bool listed = true;
+  for (std::size_t i = 0; i < packet.pair_count; ++i) {
+    ConversationEndpoints ends{nodes_[route->rows.nodes[2 * i]].address, nodes_[route->rows.nodes[2 * i + 1]].address,
+                               protocol_key};
+    std::uint32_t& row = route->rows.conversations[i];
+    row = conversations_.Row(ends, packet.pairs[i].source.type);
+    listed &= row != kNoRow;
+  }
+  counters_.unlisted_conversations += !listed;
+  if (listed) route->protocol = packet.protocol;
+}
+
+bool StatisticsTables::FindRows(const PacketNote& packet, std::uint32_t protocol_key, PacketRows* rows) {
   bool addresses_listed = true;
   bool conversations_listed = true;
   bool rows_listed = true;
-  std::uint32_t physical_source = kNoAddress;
-  std::uint32_t physical_destination = kNoAddress;
-  for (std::size_t i = 0; i < facts.pair_count; ++i) {
-    const AddressPair& pair = facts.pairs[i];
-    std::uint32_t source = addresses_.Intern(pair.source);
-    std::uint32_t destination = addresses_.Intern(pair.destination);
-    CountNodes(packet, pair, source, destination);
-    bool both = source != kNoAddress && destination != kNoAddress;
+  std::array<std::uint32_t, 2> physical{kNoAddress, kNoAddress};
+  for (std::size_t i = 0; i < packet.pair_count; ++i) {
+    const AddressPair& pair = packet.pairs[i];
+    const std::array<std::uint32_t, 2> ends{addresses_.Intern(pair.source), addresses_.Intern(pair.destination)};
+    const bool is_physical = pair.source.type == kAddressPhysical;
+    if (is_physical) physical = ends;
+    for (std::size_t end = 0; end < ends.size(); ++end) {
+      if (ends[end] != kNoAddress) rows->nodes[2 * i + end] = NodeRow(ends[end], EndOf(pair, end).type);
+    }
+    const bool both = ends[0] != kNoAddress && ends[1] != kNoAddress;
     addresses_listed = addresses_listed && (both || !pair.names_both_ends());
     // Both ends have node entries by now, so that a listed conversation never lacks one.
     if (both) {
-      conversations_listed &= conversations_.Count({source, destination, protocol_key}, pair.source.type, bytes);
+      rows->conversations[i] = conversations_.Row({ends[0], ends[1], protocol_key}, pair.source.type);
+      conversations_listed &= rows->conversations[i] != kNoRow;
     }
-    if (pair.source.type == kAddressPhysical) {
-      physical_source = source;
-      physical_destination = destination;
-      rows_listed &= CountHierarchy(source, kNoAddress, true, bytes);
-      rows_listed &= CountHierarchy(destination, kNoAddress, false, bytes);
-    } else {
-      if (source != kNoAddress) rows_listed &= CountHierarchy(physical_source, source, true, bytes);
-      if (destination != kNoAddress) rows_listed &= CountHierarchy(physical_destination, destination, false, bytes);
+    for (std::size_t end = 0; end < ends.size(); ++end) {
+      if (ends[end] == kNoAddress || physical[end] == kNoAddress) continue;
+      std::uint32_t& row = rows->hierarchy[2 * i + end];
+      row = HierarchyRow(physical[end], is_physical ? kNoAddress : ends[end]);
+      rows_listed &= row != kNoRow;
     }
   }
-  if (facts.wireless.is_present) counters_.unlisted_wireless += !wireless_.Count(packet, facts, &addresses_);
   counters_.unlisted_addresses += !addresses_listed;
   counters_.unlisted_conversations += !conversations_listed;
   counters_.unlisted_hierarchy += !rows_listed;
+  return addresses_listed && conversations_listed && rows_listed;
 }
 
-void StatisticsTables::CountTotals(const Packet& packet, const PacketFacts& facts) {
-  std::uint64_t bytes = packet.original_length;
+void StatisticsTables::CountRows(const PacketNote& packet, const PacketRows& rows) {
+  for (std::size_t i = 0; i < packet.pair_count; ++i) {
+    const std::array<std::uint32_t, 2> nodes{rows.nodes[2 * i], rows.nodes[2 * i + 1]};
+    if (nodes[0] != kNoRow) CountSent(packet, packet.pairs[i].delivery, &nodes_.Edit(nodes[0]));
+    if (nodes[1] != kNoRow) CountReceived(packet, &nodes_.Edit(nodes[1]));
+    if (rows.conversations[i] != kNoRow) conversations_.Count(rows.conversations[i], packet.bytes);
+    if (rows.hierarchy[2 * i] != kNoRow) {
+      HierarchyEntry& entry = hierarchy_.Edit(rows.hierarchy[2 * i]);
+      ++entry.packets_sent;
+      entry.bytes_sent += packet.bytes;
+    }
+    if (rows.hierarchy[2 * i + 1] != kNoRow) {
+      HierarchyEntry& entry = hierarchy_.Edit(rows.hierarchy[2 * i + 1]);
+      ++entry.packets_received;
+      entry.bytes_received += packet.bytes;
+    }
+  }
+}
+
+void StatisticsTables::CountTotals(const PacketNote& packet) {
+  std::uint64_t bytes = packet.bytes;
   Counters& c = counters_;
   c.out_of_order += packet.time < previous_time_;
   previous_time_ = packet.time;
@@ -76,19 +165,19 @@ void StatisticsTables::CountTotals(const Packet& packet, const PacketFacts& fact
   c.longest = std::max(c.longest, bytes);
   c.total.Add(bytes);
   ++c.sizes[SizeBucket(bytes)];
-  c.malformed += facts.malformed;
-  c.cut_off += facts.cut_off;
-  c.tcp_fin += facts.tcp_flags & 1U;
-  c.tcp_syn += (facts.tcp_flags >> 1) & 1U;
-  c.tcp_reset += (facts.tcp_flags >> 2) & 1U;
-  if (facts.vlan_tags != 0) c.vlan.Add(bytes);
-  if (facts.is_fragment) c.fragments.Add(bytes);
-  if (facts.is_icmp_error) {
+  c.malformed += packet.malformed;
+  c.cut_off += packet.cut_off;
+  c.tcp_fin += packet.tcp_flags & 1U;
+  c.tcp_syn += (packet.tcp_flags >> 1) & 1U;
+  c.tcp_reset += (packet.tcp_flags >> 2) & 1U;
+  if (packet.has_vlan_tag) c.vlan.Add(bytes);
+  if (packet.is_fragment) c.fragments.Add(bytes);
+  if (packet.is_icmp_error) {
     c.icmp_errors.Add(bytes);
     c.last_icmp_error = std::max(c.last_icmp_error, packet.time);
   }
-  if (facts.delivery() == Delivery::kBroadcast) c.broadcast.Add(bytes);
-  if (facts.delivery() == Delivery::kMulticast) c.multicast.Add(bytes);
+  if (packet.delivery() == Delivery::kBroadcast) c.broadcast.Add(bytes);
+  if (packet.delivery() == Delivery::kMulticast) c.multicast.Add(bytes);
 }
 
 std::uint32_t StatisticsTables::CountProtocol(std::uint16_t number, std::uint64_t bytes) {
@@ -119,55 +208,47 @@ std::uint32_t StatisticsTables::NodeRow(std::uint32_t address, std::uint8_t type
   return row;
 }
 
-void StatisticsTables::CountNodes(const Packet& packet, const AddressPair& pair, std::uint32_t source,
-                                  std::uint32_t destination) {
-  std::uint64_t bytes = packet.original_length;
-  std::uint16_t size = SizeField(bytes);
-  if (source != kNoAddress) {
-    NodeEntry& node = nodes_.Edit(NodeRow(source, pair.source.type));
-    Widen(&node.first_time_sent, &node.last_time_sent, packet.time);
-    ++node.packets_sent;
-    node.bytes_sent += bytes;
-    node.min_size_sent = std::min(node.min_size_sent, size);
-    node.max_size_sent = std::max(node.max_size_sent, size);
-    if (pair.delivery == Delivery::kBroadcast) {
-      ++node.broadcast_packets;
-      node.broadcast_bytes += bytes;
-    } else if (pair.delivery == Delivery::kMulticast) {
-      ++node.multicast_packets;
-      node.multicast_bytes += bytes;
-    }
-  }
-  if (destination != kNoAddress) {
-    NodeEntry& node = nodes_.Edit(NodeRow(destination, pair.destination.type));
-    Widen(&node.first_time_received, &node.last_time_received, packet.time);
-    ++node.packets_received;
-    node.bytes_received += bytes;
-    node.min_size_received = std::min(node.min_size_received, size);
-    node.max_size_received = std::max(node.max_size_received, size);
+void StatisticsTables::CountSent(const PacketNote& packet, Delivery delivery, NodeEntry* node) {
+  const std::uint64_t bytes = packet.bytes;
+  const std::uint16_t size = SizeField(bytes);
+  Widen(&node->first_time_sent, &node->last_time_sent, packet.time);
+  ++node->packets_sent;
+  node->bytes_sent += bytes;
+  node->min_size_sent = std::min(node->min_size_sent, size);
+  node->max_size_sent = std::max(node->max_size_sent, size);
+  if (delivery == Delivery::kBroadcast) {
+    ++node->broadcast_packets;
+    node->broadcast_bytes += bytes;
+  } else if (delivery == Delivery::kMulticast) {
+    ++node->multicast_packets;
+    node->multicast_bytes += bytes;
   }
 }
 
-bool StatisticsTables::CountHierarchy(std::uint32_t physical, std::uint32_t logical, bool sent, std::uint64_t bytes) {
-  if (physical == kNoAddress) return true;
+void StatisticsTables::CountReceived(const PacketNote& packet, NodeEntry* node) {
+  const std::uint64_t bytes = packet.bytes;
+  const std::uint16_t size = SizeField(bytes);
+  Widen(&node->first_time_received, &node->last_time_received, packet.time);
+  ++node->packets_received;
+  node->bytes_received += bytes;
+  node->min_size_received = std::min(node->min_size_received, size);
+  node->max_size_received = std::max(node->max_size_received, size);
+}
+
+std::uint32_t StatisticsTables::HierarchyRow(std::uint32_t physical, std::uint32_t logical) {
   std::uint64_t hash = hierarchy_hash_(physical, logical);
   std::uint32_t row = hierarchy_index_.Find(hash, [&](std::uint32_t candidate) {
     return hierarchy_[candidate].address == physical && hierarchy_[candidate].parent == logical;
   });
-  if (row == kNoRow) {
-    if (hierarchy_.size() >= limits_.hierarchy) return false;
-    row = static_cast<std::uint32_t>(hierarchy_.size());
-    HierarchyEntry added;
-    added.address = physical;
-    added.parent = logical;
-    hierarchy_index_.Reserve();
-    hierarchy_.Append(added);
-    hierarchy_index_.Add(hash, row);
-  }
-  HierarchyEntry& entry = hierarchy_.Edit(row);
-  ++(sent ? entry.packets_sent : entry.packets_received);
-  (sent ? entry.bytes_sent : entry.bytes_received) += bytes;
-  return true;
+  if (row != kNoRow || hierarchy_.size() >= limits_.hierarchy) return row;
+  row = static_cast<std::uint32_t>(hierarchy_.size());
+  HierarchyEntry added;
+  added.address = physical;
+  added.parent = logical;
+  hierarchy_index_.Reserve();
+  hierarchy_.Append(added);
+  hierarchy_index_.Add(hash, row);
+  return row;
 }
 
 void StatisticsTables::Reset() {

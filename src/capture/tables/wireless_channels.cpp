@@ -69,10 +69,11 @@ std::uint32_t WirelessChannelTable::RowOf(const RadioFacts& radio) {
   return latest_;
 }
 
-bool WirelessChannelTable::Count(const Packet& packet, const WirelessFacts& facts) {
+bool WirelessChannelTable::Count(const WirelessNote& note) {
+  const WirelessFacts& facts = note.facts;
   const std::uint32_t number = RowOf(facts.radio);
   if (number == kNoRow) return false;
-  const std::uint64_t bytes = packet.original_length;
+  const std::uint64_t bytes = note.bytes;
   WirelessChannelRow& row = rows_.Edit(number);
   Add(&row.entry.total, bytes);
   row.entry.crc_packets += facts.radio.bad_fcs;

@@ -3,10 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "capture/decode/packet_facts.h"
-#include "capture/source/packet.h"
 #include "capture/tables/paged_vector.h"
 #include "capture/tables/rate_lists.h"
+#include "capture/tables/wireless_note.h"
 #include "engine/wireless.h"
 
 namespace orvo {
@@ -31,7 +30,7 @@ class WirelessChannelTable {
   WirelessChannelTable(std::size_t limit, std::size_t rates) : rates_(rates), limit_(limit) {}
 
   /// Counts a frame; false when its channel, or its rate, is new and there is no room for it.
-  bool Count(const Packet& packet, const WirelessFacts& facts);
+  bool Count(const WirelessNote& note);
 
   FrozenWirelessChannels Freeze() { return {rows_.Freeze(), rates_.Freeze()}; }
 

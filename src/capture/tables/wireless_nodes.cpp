@@ -190,13 +190,13 @@ void WirelessNodeTable::TakeLeave(const Ends& ends) {
 
 // --- what frames tell ---
 
-void WirelessNodeTable::Learn(const PacketFacts& facts, const Ends& ends) {
-  switch (facts.wireless.type) {
-    case FrameType::kManagement: LearnFromManagement(facts.wireless, ends); break;
-    case FrameType::kControl: LearnFromNeighbours(facts.wireless, ends); break;
+void WirelessNodeTable::Learn(const WirelessNote& note, const Ends& ends) {
+  switch (note.facts.type) {
+    case FrameType::kManagement: LearnFromManagement(note.facts, ends); break;
+    case FrameType::kControl: LearnFromNeighbours(note.facts, ends); break;
     case FrameType::kData:
-      LearnFromData(facts.wireless, ends);
-      if (facts.eap_method != 0) LearnEap(facts.eap_method, ends);
+      LearnFromData(note.facts, ends);
+      if (note.eap_method != 0) LearnEap(note.eap_method, ends);
       break;
     default: break;
   }
@@ -323,9 +323,9 @@ void WirelessNodeTable::LearnEap(std::uint8_t method, const Ends& ends) {
 
 // --- counting ---
 
-bool WirelessNodeTable::Count(const Packet& packet, const PacketFacts& facts, AddressTable* addresses) {
+bool WirelessNodeTable::Count(const WirelessNote& note, AddressTable* addresses) {
   if (rows_.size() == 0) AddFixedRows();
-  const WirelessFacts& wireless = facts.wireless;
+  const WirelessFacts& wireless = note.facts;
   bool listed = true;
   Ends ends;
   if (wireless.transmitter.valid != 0) {
@@ -337,32 +337,34 @@ bool WirelessNodeTable::Count(const Packet& packet, const PacketFacts& facts, Ad
     listed &= ends.receiver != kNoRow;
   }
   if (wireless.delivery == Delivery::kUnicast) ends.station = ends.receiver;
-  if (ends.transmitter != kNoRow) Learn(facts, ends);
+  if (ends.transmitter != kNoRow) Learn(note, ends);
   for (std::uint32_t row : {ends.transmitter, ends.receiver}) {
     if (row == kNoRow) continue;
-    if (row == ends.transmitter) CountSent(packet, wireless, row);
-    if (row == ends.receiver) CountReceived(packet, row);
-    listed &= CountRadio(packet, wireless.radio, row, row == ends.transmitter);
+    if (row == ends.transmitter) CountSent(note, row);
+    if (row == ends.receiver) CountReceived(note, row);
+    listed &= CountRadio(note, row, row == ends.transmitter);
     if (ends.receiver == ends.transmitter) break;
   }
   return listed;
 }
 
-bool WirelessNodeTable::CountRadio(const Packet& packet, const RadioFacts& radio, std::uint32_t number, bool sent) {
+bool WirelessNodeTable::CountRadio(const WirelessNote& note, std::uint32_t number, bool sent) {
+  const RadioFacts& radio = note.facts.radio;
   WirelessNodeRow& row = rows_.Edit(number);
   std::uint16_t& channel = row.entry.current_channel;
   if (radio.channel != 0 && (sent || channel == 0)) channel = radio.channel;
   // Where one of the two is not told, the other is the best guess.
   if (channel == 0) channel = row.entry.beacon_channel;
   if (row.entry.beacon_channel == 0) row.entry.beacon_channel = channel;
-  return radio.rate == 0 || rates_.Count(&row.first_rate, radio.rate, packet.original_length);
+  return radio.rate == 0 || rates_.Count(&row.first_rate, radio.rate, note.bytes);
 }
 
-void WirelessNodeTable::CountSent(const Packet& packet, const WirelessFacts& facts, std::uint32_t number) {
+void WirelessNodeTable::CountSent(const WirelessNote& note, std::uint32_t number) {
+  const WirelessFacts& facts = note.facts;
   WirelessNodeRow& row = rows_.Edit(number);
   WirelessNodeEntry& entry = row.entry;
-  const std::uint64_t bytes = packet.original_length;
-  Widen(&entry.first_time_sent, &entry.last_time_sent, packet.time);
+  const std::uint64_t bytes = note.bytes;
+  Widen(&entry.first_time_sent, &entry.last_time_sent, note.time);
   ++entry.packets_sent;
   entry.bytes_sent += bytes;
   entry.min_size_sent = std::min(entry.min_size_sent, SizeField(bytes));
@@ -387,23 +389,23 @@ void WirelessNodeTable::CountSent(const Packet& packet, const WirelessFacts& fac
   AddLevel(facts.radio.noise, &row.has_noise, &entry.noise);
   if (entry.type == kWirelessAccessPoint && entry.association_keys[1] != kNoName) {
     WirelessNodeEntry& name = Entry(entry.association_keys[1]);
-    Widen(&name.first_time_sent, &name.last_time_sent, packet.time);
+    Widen(&name.first_time_sent, &name.last_time_sent, note.time);
     ++name.packets_sent;
     name.bytes_sent += bytes;
   }
 }
 
-void WirelessNodeTable::CountReceived(const Packet& packet, std::uint32_t row) {
+void WirelessNodeTable::CountReceived(const WirelessNote& note, std::uint32_t row) {
   WirelessNodeEntry& entry = Entry(row);
-  const std::uint64_t bytes = packet.original_length;
-  Widen(&entry.first_time_received, &entry.last_time_received, packet.time);
+  const std::uint64_t bytes = note.bytes;
+  Widen(&entry.first_time_received, &entry.last_time_received, note.time);
   ++entry.packets_received;
   entry.bytes_received += bytes;
   entry.min_size_received = std::min(entry.min_size_received, SizeField(bytes));
   entry.max_size_received = std::max(entry.max_size_received, SizeField(bytes));
   if (entry.type == kWirelessAccessPoint && entry.association_keys[1] != kNoName) {
     WirelessNodeEntry& name = Entry(entry.association_keys[1]);
-    Widen(&name.first_time_received, &name.last_time_received, packet.time);
+    Widen(&name.first_time_received, &name.last_time_received, note.time);
     ++name.packets_received;
     name.bytes_received += bytes;
   }

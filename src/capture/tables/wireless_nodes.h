@@ -6,10 +6,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "capture/decode/packet_facts.h"
-#include "capture/source/packet.h"
 #include "capture/tables/address_table.h"
 #include "capture/tables/rate_lists.h"
+#include "capture/tables/wireless_note.h"
 #include "engine/wireless.h"
 
 namespace orvo {
@@ -55,7 +54,7 @@ class WirelessNodeTable {
 
   /// Counts a readable frame; false when there was no room for one of its nodes or for its rate. The nodes' addresses
   /// go into the table of addresses.
-  bool Count(const Packet& packet, const PacketFacts& facts, AddressTable* addresses);
+  bool Count(const WirelessNote& note, AddressTable* addresses);
 
   FrozenWirelessNodes Freeze() { return {rows_.Freeze(), associations_.Freeze(), rates_.Freeze(), Counts()}; }
 
@@ -73,7 +72,7 @@ class WirelessNodeTable {
   WirelessNodeEntry& Entry(std::uint32_t row) { return rows_.Edit(row).entry; }
   bool IsAccessPoint(std::uint32_t row) const { return row != kNoRow && rows_[row].entry.type == kWirelessAccessPoint; }
 
-  void Learn(const PacketFacts& facts, const Ends& ends);
+  void Learn(const WirelessNote& note, const Ends& ends);
   void LearnFromManagement(const WirelessFacts& facts, const Ends& ends);
   void LearnFromData(const WirelessFacts& facts, const Ends& ends);
   void LearnFromNeighbours(const WirelessFacts& facts, const Ends& ends);
@@ -89,10 +88,10 @@ class WirelessNodeTable {
   void SetStrength(std::uint32_t station, bool strong);
   bool IsStrong(std::uint32_t station) const;
 
-  void CountSent(const Packet& packet, const WirelessFacts& facts, std::uint32_t row);
-  void CountReceived(const Packet& packet, std::uint32_t row);
+  void CountSent(const WirelessNote& note, std::uint32_t row);
+  void CountReceived(const WirelessNote& note, std::uint32_t row);
   /// Channel and rate; false when there was no room for the rate.
-  bool CountRadio(const Packet& packet, const RadioFacts& radio, std::uint32_t number, bool sent);
+  bool CountRadio(const WirelessNote& note, std::uint32_t number, bool sent);
   WirelessCounts Counts() const;
 
   PagedVector<WirelessNodeRow> rows_;

@@ -39,10 +39,10 @@ WirelessTables::WirelessTables(const WirelessLimits& limits, std::shared_ptr<con
       nodes_(limits.nodes, limits.rates, trust_),
       channels_(limits.channels, limits.rates) {}
 
-bool WirelessTables::Count(const Packet& packet, const PacketFacts& facts, AddressTable* addresses) {
-  seen_ |= SeenIn(facts.wireless);
-  bool listed = channels_.Count(packet, facts.wireless);
-  if (facts.wireless.is_readable) listed &= nodes_.Count(packet, facts, addresses);
+bool WirelessTables::Count(const WirelessNote& note, AddressTable* addresses) {
+  seen_ |= SeenIn(note.facts);
+  bool listed = channels_.Count(note);
+  if (note.facts.is_readable) listed &= nodes_.Count(note, addresses);
   return listed;
 }
 

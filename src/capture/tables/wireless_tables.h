@@ -29,7 +29,7 @@ class WirelessTables {
   WirelessTables(const WirelessLimits& limits, std::shared_ptr<const TrustList> trust);
 
   /// Counts a frame of a wireless link; false when a table had no room for what it tells.
-  bool Count(const Packet& packet, const PacketFacts& facts, AddressTable* addresses);
+  bool Count(const WirelessNote& note, AddressTable* addresses);
   /// Starts over, but remembers what kind of medium it was.
   void Reset();
 
