@@ -23,6 +23,8 @@ constexpr std::array kLimits{
     Limit{"conversations", &EngineOptions::max_conversations},
     Limit{"flows", &EngineOptions::max_flows},
     Limit{"names", &EngineOptions::max_names},
+    Limit{"expert-flows", &EngineOptions::max_expert_flows},
+    Limit{"expert-events", &EngineOptions::max_expert_events},
     Limit{"wireless-nodes", &EngineOptions::max_wireless_nodes},
     Limit{"wireless-channels", &EngineOptions::max_wireless_channels},
 };

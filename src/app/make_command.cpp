@@ -46,6 +46,7 @@ struct MakeOptions {
   std::string hosts;
   std::string trust;
   std::vector<std::string> limits;
+  double apdex = 0.5;
   bool live = false;
   bool no_names = false;
   bool no_progress = false;
@@ -223,6 +224,7 @@ int Make(const MakeOptions& options) {
   ComPtr<IStatsOutputPrefs> preferences = LoadPreferences(options.settings);
   const std::unique_ptr<PacketFilter> filter = MakeFilter(options.filter);
   EngineOptions engine_options{.plain_addresses = options.no_names, .vendor_folder = kVendorFolder};
+  engine_options.apdex_target = static_cast<std::uint64_t>(options.apdex * 1e9);
   ApplyLimits(options.limits, &engine_options);
   if (!options.trust.empty()) ReadTrust(options.trust, &engine_options);
   CaptureEngine engine(engine_options);
@@ -272,6 +274,10 @@ void AddMakeCommand(CLI::App& parser, Verb* verb) {
   command->add_option("--limit", options->limits, "Rows that the engine keeps, as a bound on memory: " + LimitNames())
       ->type_name("NAME=N")
       ->allow_extra_args(false);
+  command->add_option("--apdex", options->apdex, "Within how many seconds an answer satisfies")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0.000001, 86400.0))
+      ->capture_default_str();
   command->add_option("--locale", options->locale, "Locale of dates and times (default: the environment's)")
       ->type_name("NAME")
       ->check(NotEmpty());

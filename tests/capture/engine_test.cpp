@@ -213,12 +213,26 @@ TEST(Engine, AnEmptyCaptureIsAvailable) {
   EXPECT_EQ(context->GetTotalPackets(nullptr), E_POINTER);
 }
 
+TEST(Engine, OffersAnalysisTables) {
+  CaptureEngine engine;
+  ComPtr<ITableProvider> provider;
+  ASSERT_EQ(View(engine).Get(kExpertCategory)->QueryInterface(ITableProvider::kIid, provider.OutVoid()), S_OK);
+  ComPtr<ITable> table;
+  EXPECT_EQ(provider->GetTable(kTableMedia, 1, table.Out()), S_OK);
+  std::uint32_t rows = 1;
+  EXPECT_EQ(table->GetRowCount(&rows), S_OK);
+  EXPECT_EQ(rows, 0U);
+  EXPECT_EQ(provider->GetTable(kTableMedia, 2, table.Out()), E_INVALIDARG);
+  EXPECT_EQ(provider->GetTable(99, 1, table.Out()), E_INVALIDARG);
+  EXPECT_FALSE(table);
+  EXPECT_EQ(provider->GetTable(kTableMedia, 1, nullptr), E_POINTER);
+}
+
 TEST(Engine, AnswersNoCategoryThatItLacks) {
   CaptureEngine engine;
   ComPtr<IStatsContext> context = engine.Context();
   ComPtr<IUnknown> object;
-  for (const Guid& category :
-       {kWirelessNodeCategory.identifier, kWirelessChannelCategory.identifier, kExpertCategory.identifier, Guid{}}) {
+  for (const Guid& category : {kWirelessNodeCategory.identifier, kWirelessChannelCategory.identifier, Guid{}}) {
     EXPECT_EQ(context->GetCategory(category, IUnknown::kIid, object.OutVoid()), E_NOINTERFACE);
     EXPECT_FALSE(object);
   }

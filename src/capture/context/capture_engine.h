@@ -36,6 +36,16 @@ struct EngineOptions {
   std::size_t max_undecided_flows = 50'000;
   /// Names that are kept: about 150 bytes for one of usual length, 600 for the longest. The summary counts the others.
   std::size_t max_names = 1'000'000;
+  /// Whether flows and the network are watched for what is slow and what goes wrong. Without, the tables of that are
+  /// empty.
+  bool expert_analysis = true;
+  /// Flows that are over and still listed, about 170 bytes each; the one that is over for longest makes room. Its
+  /// figures stay in those of its application. Flows under way take about 280 bytes more than max_flows says.
+  std::size_t max_expert_flows = 1'000'000;
+  /// Events in the log, about 100 bytes each; the oldest makes room. All are counted.
+  std::size_t max_expert_events = 100'000;
+  /// Nanoseconds within which an answer satisfies (the target T of the Apdex Technical Specification 1.1).
+  std::uint64_t apdex_target = 500'000'000;
   /// Nodes and network names of a wireless medium, about 300 bytes each, and its channels. Packets beyond count
   /// everywhere else, and the summary says how many there were.
   std::size_t max_wireless_nodes = 100'000;

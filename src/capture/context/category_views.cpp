@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "capture/context/expert_view.h"
 #include "capture/context/traffic_views.h"
 #include "capture/context/wireless_views.h"
 #include "engine/categories.h"
@@ -240,6 +241,7 @@ constexpr std::array kCategories{
     CategoryRow{kTopTalkerCategory.identifier, false, Answer<NodeView>},
     CategoryRow{kHierarchyCategory.identifier, false, Answer<HierarchyView>},
     CategoryRow{kConversationCategory.identifier, false, Answer<ConversationView>},
+    CategoryRow{kExpertCategory.identifier, false, AnswerMade<MakeExpertStats>},
     CategoryRow{kWirelessNodeCategory.identifier, true, AnswerMade<MakeWirelessNodeStats>},
     CategoryRow{kWirelessChannelCategory.identifier, true, AnswerMade<MakeWirelessChannelStats>},
     CategoryRow{kTrafficHistoryCategory.identifier, false, AnswerMade<MakeTrafficHistory>},

@@ -40,12 +40,17 @@ DetectionLimits DetectionLimitsOf(const EngineOptions& options) {
   return limits;
 }
 
+ExpertOptions ExpertOptionsOf(const EngineOptions& options) {
+  return {std::min(options.max_expert_flows, kMostRows), options.max_expert_events, options.apdex_target / 1000};
+}
+
 }  // namespace
 
 EngineCore::EngineCore(const EngineOptions& options)
     : options_(options),
       names_(DirectoryFor(options)),
       detector_(DetectionLimitsOf(options)),
+      expert_(ExpertOptionsOf(options)),
       tables_(LimitsOf(options), TrustOf(options)),
       queue_([this](const NoteBatch& batch) { Count(batch); }) {}
 
@@ -71,6 +76,7 @@ void EngineCore::Decode(std::span<const Packet> packets, NoteBatch* batch) {
   const std::span<PacketFacts> facts(facts_.data(), packets.size());
   for (std::size_t i = 0; i < packets.size(); ++i) DecodePacket(packets[i], &facts[i]);
   detector_.Inspect(packets, facts);
+  if (options_.expert_analysis) expert_.Inspect(packets, facts);
   ProtocolTree& tree = ProtocolTree::Get();
   for (std::size_t i = 0; i < packets.size(); ++i) {
     if (names_ && MayHoldNames(facts[i])) Listen(facts[i]);
@@ -111,13 +117,16 @@ void EngineCore::Reset() {
   std::lock_guard lock(mutex_);
   ++changes_;
   tables_.Reset();
+  expert_.Reset();
 }
 
 void EngineCore::StoreSummary(std::u16string_view name) {
   if (options_.max_stored_summaries == 0) return;
   queue_.Drain();
   std::lock_guard lock(mutex_);
-  stored_.push_back(MakeSummary(tables_.Summary(), name));
+  Counters counters = tables_.Summary();
+  counters.expert = expert_.counts();
+  stored_.push_back(MakeSummary(counters, name));
   ++changes_;
   if (stored_.size() > options_.max_stored_summaries) stored_.pop_front();
 }
@@ -134,10 +143,12 @@ EpochPtr EngineCore::Freeze() {
     }
     changes = changes_;
     *tables = tables_.Freeze();
+    epoch->expert = expert_.Freeze();
     epoch->summaries.emplace_back();
     epoch->summaries.insert(epoch->summaries.end(), stored_.begin(), stored_.end());
   }
   if (names_) tables->counters.unlisted_names = names_->refused();
+  tables->counters.expert = epoch->expert.counts();
   const Counters& counters = tables->counters;
   epoch->packets = counters.total.packets;
   epoch->bytes = counters.total.bytes;

@@ -9,6 +9,7 @@
 #include <span>
 #include <vector>
 
+#include "capture/analysis/expert/expert_analysis.h"
 #include "capture/classify/application_detector.h"
 #include "capture/classify/protocol_tree.h"
 #include "capture/context/capture_engine.h"
@@ -62,6 +63,7 @@ class EngineCore {
   NoteBatch batch_;               // of packets that it counts itself
   std::vector<KnownName> heard_;  // of the packet in work
   ApplicationDetector detector_;
+  ExpertAnalysis expert_;  // has a lock of its own
 
   mutable std::mutex mutex_;  // guards what follows; held for one batch, or while pages are shared
   StatisticsTables tables_;

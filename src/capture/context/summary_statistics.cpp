@@ -139,6 +139,12 @@ constexpr std::array kStatistics{
                  kSummaryPackets, [](C c) { return Numbers{c.unlisted_wireless}; }},
     StatisticRow{"4D96B0E8-C25A-4F31-B7D4-0E8A63F15CE4"_guid, kCounts, u"Names Not Listed", kSummaryInteger,
                  [](C c) { return Numbers{c.unlisted_names}; }},
+    StatisticRow{"7B2E91C6-5D08-4A3F-9E74-31C8F0D6A25B"_guid, kCounts, u"Expert Events", kSummaryInteger,
+                 [](C c) { return Numbers{c.expert.events}; }},
+    StatisticRow{"C4F6083D-97B1-4E2A-8C55-D20E7A9B164F"_guid, kCounts, u"Expert Events Not Listed", kSummaryInteger,
+                 [](C c) { return Numbers{c.expert.unlisted_events}; }},
+    StatisticRow{"1E8D57A0-2F4C-49B6-B3E1-86A5C97D0F32"_guid, kCounts, u"Expert Flows Not Listed", kSummaryInteger,
+                 [](C c) { return Numbers{c.expert.unlisted_flows}; }},
 
     StatisticRow{"C10F7E5A-8B92-4D36-94EB-A3D5F8C617CD"_guid, kSizes, u"Smallest Packet", kSummaryInteger,
                  [](C c) {

@@ -52,7 +52,7 @@ struct PacketFacts {
     goes_on = false;
     eap_method = 0;
     is_wireless = false;
-    network = datagram = payload = {};
+    network = datagram = payload = innermost = {};
     applications = {};
     flow = {};
   }
@@ -113,9 +113,10 @@ struct PacketFacts {
   bool goes_on = false;         ///< the link has split the packet, and later frames have the rest
   std::uint8_t eap_method = 0;  ///< of a message of 802.1X (IANA EAP method types), 0 for none
   std::size_t missing = 0;      ///< bytes that were on the wire behind those captured
-  Bytes network;   ///< the outermost IP datagram from its header on, without padding, as far as it was captured
-  Bytes datagram;  ///< the same of the innermost
-  Bytes payload;   ///< what the innermost TCP, UDP or SCTP header carries, as far as it was captured; may be empty
+  Bytes network;    ///< the outermost IP datagram from its header on, without padding, as far as it was captured
+  Bytes datagram;   ///< the same of the innermost
+  Bytes payload;    ///< what the innermost TCP, UDP or SCTP header carries, as far as it was captured; may be empty
+  Bytes innermost;  ///< from the last header that was read on
   /// Identifiers of the protocols that the packet's flow was found to carry: what is spoken, then what it is spoken to
   /// (TLS, then a mail service); 0 for not known. Decoders leave them alone.
   std::array<std::uint16_t, 2> applications{};
