@@ -11,7 +11,7 @@ declare -gA _orvo_report_options=(
   [unregister]='--help'
 )
 _orvo_report_words='make settings classes register unregister --help --version'
-_orvo_report_limits='addresses= hierarchy= conversations= flows= names= expert-flows= expert-events= wireless-nodes= wireless-channels='
+_orvo_report_limits='addresses= hierarchy= conversations= flows= calls= media-streams= names= expert-flows= expert-events= wireless-nodes= wireless-channels='
 _orvo_report_formats='csv tab'
 _orvo_report_filters='arp broadcast ether host icmp icmp6 ip ip6 multicast net not port portrange tcp udp vlan'
 _orvo_report_code_pages='UTF-8 US-ASCII ISO-8859-1 ISO-8859-15 windows-1250 windows-1251 windows-1252 Shift_JIS'

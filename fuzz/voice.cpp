@@ -30,7 +30,7 @@ void TestOneInput(Input input) {
   PacketFacts facts;
   while (TakePacket(&input, &packet, kLongestStep)) {
     DecodePacket(packet, &facts);
-    analysis.Inspect(packet, facts, 0);
+    analysis.Inspect(packet, facts);
   }
   const FrozenVoice voice = analysis.Freeze();
   Require(voice.calls.size() <= kLimits.calls && voice.streams.size() <= kLimits.streams, "limits hold");

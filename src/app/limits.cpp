@@ -22,6 +22,8 @@ constexpr std::array kLimits{
     Limit{"hierarchy", &EngineOptions::max_hierarchy_rows},
     Limit{"conversations", &EngineOptions::max_conversations},
     Limit{"flows", &EngineOptions::max_flows},
+    Limit{"calls", &EngineOptions::max_calls},
+    Limit{"media-streams", &EngineOptions::max_media_streams},
     Limit{"names", &EngineOptions::max_names},
     Limit{"expert-flows", &EngineOptions::max_expert_flows},
     Limit{"expert-events", &EngineOptions::max_expert_events},

@@ -7,6 +7,7 @@
 #include <numeric>
 #include <thread>
 
+#include "capture/source/capture_file.h"
 #include "engine/categories.h"
 #include "engine/graphs.h"
 #include "platform/class_factory.h"
@@ -226,6 +227,23 @@ TEST(Engine, OffersAnalysisTables) {
   EXPECT_EQ(provider->GetTable(99, 1, table.Out()), E_INVALIDARG);
   EXPECT_FALSE(table);
   EXPECT_EQ(provider->GetTable(kTableMedia, 1, nullptr), E_POINTER);
+}
+
+TEST(Engine, CountsCallsAndTheirMedia) {
+  CaptureEngine engine;
+  SourceError error;
+  auto source = OpenCaptureFile(ORVO_SOURCE_DIR "/samples/voice-lossy.pcap", &error);
+  ASSERT_TRUE(source);
+  for (Packet packet; source->Next(&packet);) engine.Feed(packet);
+  engine.StoreSummary(u"stored");
+  const std::pair<const char*, std::uint64_t> values[] = {
+      {"Calls", 1}, {"Media Streams", 4}, {"SIP Requests", 3}, {"SIP Responses", 3}, {"RTP Packets", 1138}};
+  for (const auto& [name, value] : values) {
+    EXPECT_EQ(View(engine).Value(name).first, value) << name;
+    EXPECT_EQ(View(engine).Value(name, 1).first, value) << name;
+  }
+  EXPECT_EQ(View(engine).context->ResetStatistics(), S_OK);
+  EXPECT_EQ(View(engine).Value("Media Streams").first, 0U);
 }
 
 TEST(Engine, AnswersNoCategoryThatItLacks) {

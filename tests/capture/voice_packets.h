@@ -60,7 +60,7 @@ class VoiceBench {
     Packet packet = MakePacket(frame, kNewYear + milliseconds * 1'000'000);
     PacketFacts facts;
     DecodePacket(packet, &facts);
-    analysis_.Inspect(packet, facts, 0);
+    analysis_.Inspect(packet, facts);
   }
   void SendFile(const std::string& path) {
     SourceError error;
@@ -69,7 +69,7 @@ class VoiceBench {
     PacketFacts facts;
     for (Packet packet; source->Next(&packet);) {
       DecodePacket(packet, &facts);
-      analysis_.Inspect(packet, facts, 0);
+      analysis_.Inspect(packet, facts);
     }
   }
   /// From host 1 to host 2, by the ports of signalling.

@@ -37,7 +37,7 @@ std::int64_t RoundTrip(const RtcpReportBlock& block, std::uint64_t report_time, 
 
 VoiceAnalysis::VoiceAnalysis(const VoiceLimits& limits) : limits_(limits), calls_(limits.calls) {}
 
-void VoiceAnalysis::Inspect(const Packet& packet, const PacketFacts& facts, std::uint64_t flow) {
+void VoiceAnalysis::Inspect(const Packet& packet, const PacketFacts& facts) {
   if (!Concerns(facts) || facts.is_icmp_error) return;
   bool udp = facts.ip_protocol == kUdp;
   Bytes payload = facts.payload;
@@ -55,7 +55,7 @@ void VoiceAnalysis::Inspect(const Packet& packet, const PacketFacts& facts, std:
     arrival.original_length = packet.original_length;
     auto missing = packet.original_length - static_cast<std::uint32_t>(packet.bytes.size());
     arrival.payload_length = arrival.rtp.payload_length + missing;
-    TakeRtp(arrival, flow);
+    TakeRtp(arrival, facts.flow.serial);
   }
 }
 
@@ -225,10 +225,14 @@ MediaStream* VoiceAnalysis::Reported(IpEnds ends, std::uint32_t ssrc) {
 }
 
 FrozenVoice VoiceAnalysis::Freeze() {
-  FrozenVoice frozen{streams_.Freeze(), calls_.Freeze(), counts_};
-  frozen.counts.calls = frozen.calls.size();
-  frozen.counts.streams = frozen.streams.size();
-  return frozen;
+  return {streams_.Freeze(), calls_.Freeze(), counts()};
+}
+
+VoiceCounts VoiceAnalysis::counts() const {
+  VoiceCounts counts = counts_;
+  counts.calls = calls_.size();
+  counts.streams = streams_.size();
+  return counts;
 }
 
 void VoiceAnalysis::Reset() {

@@ -42,10 +42,11 @@ class VoiceAnalysis {
            (MayBeRtp(facts.payload) || MayBeRtcp(facts.payload) || MayBeSip(facts.payload));
   }
 
-  /// Takes a packet, in the order of the capture. `flow` is the number of its flow, 0 for none.
-  void Inspect(const Packet& packet, const PacketFacts& facts, std::uint64_t flow);
+  /// Takes a packet, in the order of the capture.
+  void Inspect(const Packet& packet, const PacketFacts& facts);
 
   FrozenVoice Freeze();
+  VoiceCounts counts() const;
   void Reset();
 
  private:

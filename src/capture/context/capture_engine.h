@@ -34,6 +34,10 @@ struct EngineOptions {
   std::size_t max_flows = 1'000'000;
   /// Flows that are looked into at once, about 1 KB each; the one that was silent for longest is judged by its ports.
   std::size_t max_undecided_flows = 50'000;
+  /// Calls (SIP) and streams of voice and video (RTP) that are listed, about 1 KB and 500 bytes each. The summary
+  /// counts the messages and packets of others.
+  std::size_t max_calls = 100'000;
+  std::size_t max_media_streams = 100'000;
   /// Names that are kept: about 150 bytes for one of usual length, 600 for the longest. The summary counts the others.
   std::size_t max_names = 1'000'000;
   /// Whether flows and the network are watched for what is slow and what goes wrong. Without, the tables of that are

@@ -51,6 +51,7 @@ EngineCore::EngineCore(const EngineOptions& options)
       names_(DirectoryFor(options)),
       detector_(DetectionLimitsOf(options)),
       expert_(ExpertOptionsOf(options)),
+      voice_({options.max_calls, options.max_media_streams}),
       tables_(LimitsOf(options), TrustOf(options)),
       queue_([this](const NoteBatch& batch) { Count(batch); }) {}
 
@@ -77,6 +78,7 @@ void EngineCore::Decode(std::span<const Packet> packets, NoteBatch* batch) {
   for (std::size_t i = 0; i < packets.size(); ++i) DecodePacket(packets[i], &facts[i]);
   detector_.Inspect(packets, facts);
   if (options_.expert_analysis) expert_.Inspect(packets, facts);
+  FollowCalls(packets, facts);
   ProtocolTree& tree = ProtocolTree::Get();
   for (std::size_t i = 0; i < packets.size(); ++i) {
     if (names_ && MayHoldNames(facts[i])) Listen(facts[i]);
@@ -85,6 +87,16 @@ void EngineCore::Decode(std::span<const Packet> packets, NoteBatch* batch) {
   }
   batch->size = packets.size();
   batch->flows = detector_.counts();
+}
+
+/// Shows the voice analysis what concerns it, while the bytes are there.
+void EngineCore::FollowCalls(std::span<const Packet> packets, std::span<const PacketFacts> facts) {
+  std::unique_lock lock(voice_mutex_, std::defer_lock);
+  for (std::size_t i = 0; i < packets.size(); ++i) {
+    if (!VoiceAnalysis::Concerns(facts[i])) continue;
+    if (!lock) lock.lock();
+    voice_.Inspect(packets[i], facts[i]);
+  }
 }
 
 void EngineCore::Count(const NoteBatch& batch) {
@@ -114,17 +126,19 @@ void EngineCore::SetDropped(std::uint64_t packets) {
 
 void EngineCore::Reset() {
   queue_.Drain();
-  std::lock_guard lock(mutex_);
+  std::scoped_lock lock(mutex_, voice_mutex_);
   ++changes_;
   tables_.Reset();
+  voice_.Reset();
   expert_.Reset();
 }
 
 void EngineCore::StoreSummary(std::u16string_view name) {
   if (options_.max_stored_summaries == 0) return;
   queue_.Drain();
-  std::lock_guard lock(mutex_);
+  std::scoped_lock lock(mutex_, voice_mutex_);
   Counters counters = tables_.Summary();
+  counters.voice = voice_.counts();
   counters.expert = expert_.counts();
   stored_.push_back(MakeSummary(counters, name));
   ++changes_;
@@ -137,16 +151,18 @@ EpochPtr EngineCore::Freeze() {
   auto tables = std::make_shared<FrozenTables>();
   std::uint64_t changes = 0;
   {
-    std::lock_guard lock(mutex_);
+    std::scoped_lock lock(mutex_, voice_mutex_);
     if (latest_changes_ == changes_) {
       if (EpochPtr latest = latest_.lock()) return latest;
     }
     changes = changes_;
     *tables = tables_.Freeze();
+    epoch->voice = voice_.Freeze();
     epoch->expert = expert_.Freeze();
     epoch->summaries.emplace_back();
     epoch->summaries.insert(epoch->summaries.end(), stored_.begin(), stored_.end());
   }
+  tables->counters.voice = epoch->voice.counts;
   if (names_) tables->counters.unlisted_names = names_->refused();
   tables->counters.expert = epoch->expert.counts();
   const Counters& counters = tables->counters;

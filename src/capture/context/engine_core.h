@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "capture/analysis/expert/expert_analysis.h"
+#include "capture/analysis/voice_analysis.h"
 #include "capture/classify/application_detector.h"
 #include "capture/classify/protocol_tree.h"
 #include "capture/context/capture_engine.h"
@@ -53,6 +54,7 @@ class EngineCore {
   static constexpr std::size_t kWorthHandingOver = 16;
 
   void Decode(std::span<const Packet> packets, NoteBatch* batch);
+  void FollowCalls(std::span<const Packet> packets, std::span<const PacketFacts> facts);
   void Count(const NoteBatch& batch);
   void Listen(const PacketFacts& facts);
 
@@ -64,6 +66,9 @@ class EngineCore {
   std::vector<KnownName> heard_;  // of the packet in work
   ApplicationDetector detector_;
   ExpertAnalysis expert_;  // has a lock of its own
+
+  std::mutex voice_mutex_;  // held for one batch, or while pages are shared
+  VoiceAnalysis voice_;
 
   mutable std::mutex mutex_;  // guards what follows; held for one batch, or while pages are shared
   StatisticsTables tables_;
