@@ -210,7 +210,8 @@ TEST_F(GraphToolTest, NamesStayInsideOfTheLegend) {
   legend_ = true;
   CZxGraphDataStorage data;
   data.SetPointCount(1);
-  for (std::uint32_t series = 0; series < 12; ++series) data.EnsureSeries(series, std::u16string(80, u'\u05D1'));
+  const std::u16string thin(100, u'i');
+  for (std::uint32_t series = 0; series < 12; ++series) data.EnsureSeries(series, u"Wrt"[series % 3] + thin);
   const Bitmap bitmap = Render(&data, kChartOverTime);
   int right = 309, bottom = 189;
   while (right > 200 && bitmap.PixelAt(right, 160) != 0xFF000000) --right;
