@@ -24,6 +24,7 @@ void CZxGraphDataStorage::RestartRing() {
 }
 
 void CZxGraphDataStorage::SetPointCount(std::uint32_t count) {
+  if (count > kMostPoints) Raise(E_OUTOFMEMORY);
   points_ = count;
   RestartRing();
   for (Series& series : series_) {

@@ -19,8 +19,9 @@ class CZxGraphDataStorage {
  public:
   /// Marks a point without data.
   static constexpr double kMissing = -1.7e308;
-  /// More series than any chart can show; asking for more is out of memory.
-  static constexpr std::uint32_t kMostSeries = 65'536;
+  /// More than any chart can show, and no more than is drawn within seconds; asking for more is out of memory.
+  static constexpr std::uint32_t kMostSeries = 4'096;
+  static constexpr std::uint32_t kMostPoints = 1'048'576;
 
   CZxGraphDataStorage() = default;
   virtual ~CZxGraphDataStorage() = default;
@@ -28,7 +29,7 @@ class CZxGraphDataStorage {
   CZxGraphDataStorage& operator=(const CZxGraphDataStorage&) = delete;
 
   /// Begins anew with `count` points: no labels, and missing values in every series that there is. The first sample
-  /// goes into the last slot.
+  /// goes into the last slot. Raises E_OUTOFMEMORY for more than kMostPoints, and then leaves all as it was.
   void SetPointCount(std::uint32_t count);
   /// Makes the series and all before it, each in its colour of the palette. A series without values yet gets the name,
   /// and 0.0 for every point. Raises E_OUTOFMEMORY.

@@ -12,6 +12,8 @@ namespace {
 
 constexpr double kPadding = 4;
 constexpr double kColumnGap = 10;
+/// Left free behind a name that is cut, of which the frame takes a part behind the last column.
+constexpr double kCutGap = 5;
 /// A column that is narrower shows nothing of a name; one that is wider is for names that are cut.
 constexpr double kNarrowestColumn = 56;
 constexpr double kWidestColumn = 240;
@@ -94,7 +96,7 @@ void Legend::Draw(Canvas* canvas, PointF corner, const Arrangement& arrangement)
     const double inset = std::round(line_ / 4);
     const double side = std::floor(line_ / 2) + 1;
     canvas->FillRectangle({x + inset, y + inset, side, side}, entries_[i].colour);
-    const TextLine name(*entries_[i].name, kLegendFont, column_width - line_ - kSmallGap);
+    const TextLine name(*entries_[i].name, kLegendFont, column_width - line_ - kCutGap);
     canvas->DrawText(name, {x + line_, base}, kTextColour);
   }
 }

@@ -28,6 +28,32 @@ std::u16string ShortNumber(double value) {
   return WidenAscii(text);
 }
 
+/// Points from left to right, to be joined. Of many that fall into one column of pixels the first, the lowest and the
+/// highest, and the last are kept, which look the same: joining hundreds of thousands takes minutes.
+class Trace {
+ public:
+  void Add(PointF point) {
+    if (points_.empty() || std::floor(point.x) != std::floor(points_[column_].x)) column_ = points_.size();
+    if (points_.size() - column_ < kMostInColumn) {
+      points_.push_back(point);
+      return;
+    }
+    PointF* later = &points_[column_ + 1];
+    const auto [low, high] = std::minmax({later[0].y, later[1].y, later[2].y, point.y});
+    later[0].y = low;
+    later[1].y = high;
+    later[2] = point;
+  }
+  void Clear() { points_.clear(); }
+  const std::vector<PointF>& points() const { return points_; }
+
+ private:
+  static constexpr std::size_t kMostInColumn = 4;
+
+  std::vector<PointF> points_;
+  std::size_t column_ = 0;  ///< where the latest column begins
+};
+
 class LineChart {
  public:
   LineChart(const ChartOptions& options, bool point_labels_on, const RectF& area)
@@ -129,11 +155,12 @@ class LineChart {
 
   /// The stretches of points that have values, each a line of its own.
   void DrawSeries(Canvas* canvas, std::uint32_t series) const {
-    std::vector<PointF> line;
+    Trace trace;
     const Argb colour = data_.SeriesColour(series);
     auto finish = [&] {
+      const std::vector<PointF>& line = trace.points();
       if (!line.empty()) canvas->DrawLines(line, {colour, line.size() == 1 ? kDotWidth : kSeriesLineWidth});
-      line.clear();
+      trace.Clear();
     };
     for (std::uint32_t point = 0; point < data_.SeriesValueCount(series); ++point) {
       const double value = data_.GetValue(series, point);
@@ -141,7 +168,7 @@ class LineChart {
         finish();
         continue;
       }
-      line.push_back({plot_.x + point * Spacing(), HeightOf(value)});
+      trace.Add({plot_.x + point * Spacing(), HeightOf(value)});
     }
     finish();
   }

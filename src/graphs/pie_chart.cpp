@@ -131,10 +131,6 @@ class PieChart {
     }
   }
 
-  PointF OnRay(double angle, double distance) const {
-    return {shape_.centre.x + distance * std::cos(angle), shape_.centre.y + distance * std::sin(angle)};
-  }
-
   void DrawLabels(Canvas* canvas) const {
     std::vector<PieLabelWish> wishes;
     for (const PieSlice& slice : slices_) wishes.push_back({slice.middle(), slice.share});
@@ -142,10 +138,8 @@ class PieChart {
     for (const PieLabelPlace& place : PlacePieLabels(wishes, shape_)) {
       const SliceLabel& label = labels_[place.label];
       if (place.moved) {
-        const double angle = slices_[place.label].middle();
-        const PointF line[] = {OnRay(angle, shape_.radius + 1),
-                               OnRay(angle, shape_.radius + kLabelGap / 2),
-                               {place.x + (place.on_right ? -2.5 : 2.5), place.y}};
+        const PointF end{place.x + (place.on_right ? -2.5 : 2.5), place.y};
+        const std::vector<PointF> line = LeaderLine(shape_, slices_[place.label].middle(), end);
         canvas->DrawLines(line, {kAxisColour, 0.75});
       }
       double x = place.on_right ? place.x : place.x - label.width;

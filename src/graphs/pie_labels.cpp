@@ -2,10 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <ranges>
 
 namespace orvo {
 namespace {
+
+/// Arcs are drawn as straight lines of this many radians, which is not seen.
+constexpr double kArcStep = 0.05;
 
 /// Neighbours that touched, moved together: they stand one below the other, as near to where they want to as may be.
 struct Cluster {
@@ -80,6 +84,26 @@ std::vector<PieLabelPlace> PlacePieLabels(const std::vector<PieLabelWish>& wishe
   std::vector<PieLabelPlace> all;
   for (bool on_right : {true, false}) PlaceSide(wishes, pie, on_right, &all);
   return all;
+}
+
+std::vector<PointF> LeaderLine(const PieShape& pie, double angle, PointF end) {
+  const double circle = pie.radius + pie.gap / 2;
+  auto on_ray = [&](double at, double distance) -> PointF {
+    return {pie.centre.x + distance * std::cos(at), pie.centre.y + distance * std::sin(at)};
+  };
+  const double dx = end.x - pie.centre.x;
+  const double dy = end.y - pie.centre.y;
+  // From the end, a straight line touches the circle this far from the ray to the end.
+  const double in_sight = std::acos(circle / std::max(std::hypot(dx, dy), circle));
+  const double turn = std::remainder(std::atan2(dy, dx) - angle, 2 * std::numbers::pi);
+  const double round = std::max(std::abs(turn) - in_sight, 0.0);
+  const double steps = std::ceil(round / kArcStep);
+  std::vector<PointF> line{on_ray(angle, pie.radius + 1), on_ray(angle, circle)};
+  for (double step = 1; step <= steps; ++step) {
+    line.push_back(on_ray(angle + std::copysign(round * step / steps, turn), circle));
+  }
+  line.push_back(end);
+  return line;
 }
 
 }  // namespace orvo

@@ -38,4 +38,8 @@ struct PieLabelPlace {
 /// Labels that have no room are left out.
 std::vector<PieLabelPlace> PlacePieLabels(const std::vector<PieLabelWish>& wishes, const PieShape& pie);
 
+/// The line from a slice, whose middle is at `angle`, to where its label ends, which is outside of the circle: round
+/// the circle to where the end is in sight, so that no other slice is crossed.
+std::vector<PointF> LeaderLine(const PieShape& pie, double angle, PointF end);
+
 }  // namespace orvo

@@ -59,6 +59,14 @@ struct TalkerTable {
     return record;
   }
 
+  /// Of a node that had one before, and may have lost it in a live capture.
+  const AddressRecord& AddressOf(std::uint32_t number) const {
+    const NodeEntry* entry = Entry(number);
+    const AddressRecord* record = entry ? Address(*entry) : nullptr;
+    if (!record) Raise(E_FAIL);
+    return *record;
+  }
+
   TalkerRanking Rank(std::uint8_t address_type) const {
     std::uint32_t count = 0;
     Check(nodes->GetCount(&count));
@@ -105,7 +113,7 @@ Status ReportUtil::TopTalkersChart(IStatsContext* context, const char16_t* file,
     if (!ranking.found()) ranking = table.Rank(PhysicalTypeOf(medium_type, medium_subtype));
     std::u16string name;
     for (auto talker = ranking.top().rbegin(); talker != ranking.top().rend(); ++talker) {
-      FormatAddress(*table.Address(*table.Entry(talker->second)), true, &name);
+      FormatAddress(table.AddressOf(talker->second), true, &name);
       add(name, talker->first);
     }
     if (ranking.others() != 0) add(TextOf(kStrOthers), ranking.others());

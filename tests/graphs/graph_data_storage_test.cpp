@@ -103,7 +103,15 @@ TEST(GraphDataStorageTest, WhatDoesNotExistIsIgnoredOrEmpty) {
 TEST(GraphDataStorageTest, CallerErrorsAreRaised) {
   CZxGraphDataStorage data;
   EXPECT_EQ(Guard([&] { (void)data.SeriesName(0); }), E_INVALIDARG);
-  EXPECT_EQ(Guard([&] { data.EnsureSeries(0xFFFFFFFF, u""); }), E_OUTOFMEMORY);
+  data.SetPointCount(2);
+  for (std::uint32_t series : {CZxGraphDataStorage::kMostSeries, 0xFFFFFFFFU}) {
+    EXPECT_EQ(Guard([&] { data.EnsureSeries(series, u""); }), E_OUTOFMEMORY);
+  }
+  EXPECT_EQ(data.SeriesCount(), 0U);
+  data.EnsureSeries(0, u"rate");
+  EXPECT_EQ(Guard([&] { data.SetPointCount(0xFFFFFFFF); }), E_OUTOFMEMORY);
+  EXPECT_THAT(PointsOf(data, 0), ElementsAre(0, 0));
+  EXPECT_EQ(data.GetPointLabel(1), u"");
 }
 
 }  // namespace

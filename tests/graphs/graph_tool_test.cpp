@@ -154,6 +154,15 @@ TEST_F(GraphToolTest, LinesFollowTheirValues) {
   EXPECT_EQ(Count(bitmap, {60, 30, 240, 120}, kGreen), 0);
 }
 
+TEST_F(GraphToolTest, SeriesOfManyPointsAreDrawnSoonAndInFull) {
+  CZxGraphDataStorage data;
+  std::vector<double> points(1'000'000);
+  for (std::size_t i = 0; i < points.size(); ++i) points[i] = i % 1000 == 500 ? 10 : i % 2 == 0 ? 1 : 2;
+  Fill(&data, 0, points);
+  const Bitmap bitmap = Render(&data, kChartOverTime);
+  EXPECT_GT(Count(bitmap, {60, 40, 230, 100}, kBlue), 20'000) << "every column has a peak";
+}
+
 TEST_F(GraphToolTest, MissingValuesAreLeftOut) {
   CZxGraphDataStorage data;
   std::vector<double> points(100, 5);
@@ -195,6 +204,20 @@ TEST_F(GraphToolTest, TheLegendStandsInABlackBox) {
   EXPECT_GT(longest, 40);
   EXPECT_LT(longest, 290);
   EXPECT_GT(Count(bitmap, {0, 165, 310, 20}, kBlue), 25) << "the mark of the series";
+}
+
+TEST_F(GraphToolTest, NamesStayInsideOfTheLegend) {
+  legend_ = true;
+  CZxGraphDataStorage data;
+  data.SetPointCount(1);
+  const std::u16string thin(100, u'i');
+  for (std::uint32_t series = 0; series < 12; ++series) data.EnsureSeries(series, u"Wrt"[series % 3] + thin);
+  const Bitmap bitmap = Render(&data, kChartOverTime);
+  int right = 309, bottom = 189;
+  while (right > 200 && bitmap.PixelAt(right, 160) != 0xFF000000) --right;
+  while (bottom > 160 && bitmap.PixelAt(right, bottom) != 0xFF000000) --bottom;
+  ASSERT_GT(bottom, 165);
+  EXPECT_EQ(Count(bitmap, {right - 1.0, bottom - 30.0, 1, 30}, kWhite, 0), 30) << "beside the frame";
 }
 
 TEST_F(GraphToolTest, NothingReachesTheEdgeOfThePicture) {

@@ -84,6 +84,25 @@ TEST(PieLabelsTest, NeitherTouchEachOtherNorTheCircleNorLeaveThePicture) {
   }
 }
 
+TEST(PieLabelsTest, LinesToLabelsGoRoundThePie) {
+  const PieShape pie{.centre = {400, 300}, .radius = 230, .gap = 7, .line_height = 13, .top = 40, .bottom = 560};
+  const std::vector<double> shares{0.991, 0.001, 0.001, 0.001, 0.001, 0.001, 0.001, 0.001, 0.001, 0.001};
+  const std::vector<PieLabelWish> wishes = WishesFor(shares);
+  for (const PieLabelPlace& place : PlacePieLabels(wishes, pie)) {
+    const PointF end{place.x, place.y};
+    const std::vector<PointF> line = LeaderLine(pie, wishes[place.label].angle, end);
+    EXPECT_NEAR(std::hypot(line[0].x - 400, line[0].y - 300), 231, 1e-9);
+    EXPECT_EQ(line.back().x, end.x);
+    EXPECT_EQ(line.back().y, end.y);
+    for (std::size_t i = 1; i < line.size(); ++i) {
+      for (double t = 0; t <= 1; t += 0.125) {
+        const double x = std::lerp(line[i - 1].x, line[i].x, t), y = std::lerp(line[i - 1].y, line[i].y, t);
+        EXPECT_GE(std::hypot(x - 400, y - 300), 230.9) << place.label << ": piece " << i << " crosses the circle";
+      }
+    }
+  }
+}
+
 TEST(PieLabelsTest, TheSmallestSharesGiveWay) {
   const PieShape pie{.centre = {100, 50}, .radius = 30, .gap = 5, .line_height = 10, .top = 35, .bottom = 65};
   std::vector<double> kept;

@@ -116,6 +116,13 @@ TEST_F(ReportChartsTest, FailuresOfTheEngineEndTheChart) {
   EXPECT_EQ(Draw(1, Path().c_str()), E_NOINTERFACE);
 }
 
+TEST_F(ReportChartsTest, NodesThatGoWhileTheyAreDrawnEndTheChart) {
+  // 30 nodes are looked at to rank them, then the first again to name it.
+  engine_.Fail("IAddressTable::GetRecord", 31, S_FALSE);
+  EXPECT_EQ(Draw(1, Path().c_str()), E_FAIL);
+  EXPECT_THAT(folder_.Names(), testing::IsEmpty());
+}
+
 TEST_F(ReportChartsTest, BadArgumentsLeaveNoFile) {
   for (int chart = 0; chart < 4; ++chart) {
     EXPECT_EQ(Draw(chart, nullptr), E_INVALIDARG);
