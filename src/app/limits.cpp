@@ -27,6 +27,8 @@ constexpr std::array kLimits{
     Limit{"names", &EngineOptions::max_names},
     Limit{"expert-flows", &EngineOptions::max_expert_flows},
     Limit{"expert-events", &EngineOptions::max_expert_events},
+    Limit{"wireless-nodes", &EngineOptions::max_wireless_nodes},
+    Limit{"wireless-channels", &EngineOptions::max_wireless_channels},
 };
 constexpr std::size_t kLargest = 1'000'000'000;
 

@@ -44,6 +44,7 @@ struct MakeOptions {
   std::string locale;
   std::string code_page;
   std::string hosts;
+  std::string trust;
   std::vector<std::string> limits;
   double apdex = 0.5;
   bool live = false;
@@ -104,6 +105,17 @@ std::unique_ptr<PacketFilter> MakeFilter(const std::string& expression) {
 void LearnHosts(const MakeOptions& options, CaptureEngine& engine) {
   engine.LearnHosts(kSystemHosts);
   if (!options.hosts.empty()) Require(engine.LearnHosts(options.hosts), options.hosts);
+}
+
+/// What the user thinks of nodes of a wireless medium.
+void ReadTrust(const std::string& path, EngineOptions* options) {
+  std::string bad_line;
+  const Status status = ReadTrustFile(path, &options->trusted_addresses, &bad_line);
+  if (!bad_line.empty()) {
+    throw CommandError(kUsage, fmt::format("--trust {}: \"{}\" must read ADDRESS known or ADDRESS trusted", path,
+                                           Printable(bad_line)));
+  }
+  Require(status, path);
 }
 
 using Sources = std::vector<std::unique_ptr<PacketSource>>;
@@ -214,6 +226,7 @@ int Make(const MakeOptions& options) {
   EngineOptions engine_options{.plain_addresses = options.no_names, .vendor_folder = kVendorFolder};
   engine_options.apdex_target = static_cast<std::uint64_t>(options.apdex * 1e9);
   ApplyLimits(options.limits, &engine_options);
+  if (!options.trust.empty()) ReadTrust(options.trust, &engine_options);
   CaptureEngine engine(engine_options);
   LearnHosts(options, engine);
   Require(engine.RegisterClasses(), "the capture engine");
@@ -253,6 +266,9 @@ void AddMakeCommand(CLI::App& parser, Verb* verb) {
   command->add_flag("--live", options->live, "Report straight from the live statistics, marked with the current time");
   command->add_flag("--no-names", options->no_names, "Write plain addresses instead of names");
   command->add_option("--hosts", options->hosts, "Names of addresses, in the form of /etc/hosts, before all others")
+      ->type_name("FILE")
+      ->check(NotEmpty());
+  command->add_option("--trust", options->trust, "Wireless nodes: on each line an address, and known or trusted")
       ->type_name("FILE")
       ->check(NotEmpty());
   command->add_option("--limit", options->limits, "Rows that the engine keeps, as a bound on memory: " + LimitNames())

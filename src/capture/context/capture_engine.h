@@ -6,7 +6,9 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "capture/names/trust_file.h"
 #include "capture/source/packet.h"
 #include "engine/context.h"
 #include "engine/graphs.h"
@@ -48,6 +50,12 @@ struct EngineOptions {
   std::size_t max_expert_events = 100'000;
   /// Nanoseconds within which an answer satisfies (the target T of the Apdex Technical Specification 1.1).
   std::uint64_t apdex_target = 500'000'000;
+  /// Nodes and network names of a wireless medium, about 300 bytes each, and its channels. Packets beyond count
+  /// everywhere else, and the summary says how many there were.
+  std::size_t max_wireless_nodes = 100'000;
+  std::size_t max_wireless_channels = 1'000;
+  /// What is said of physical addresses of a wireless medium; of several about one address the last counts.
+  std::vector<TrustedAddress> trusted_addresses{};
   /// Summaries stored by name; storing one more drops the oldest.
   std::size_t max_stored_summaries = 100;
 };

@@ -16,7 +16,17 @@ constexpr std::size_t kMostRows = 4'000'000'000;
 
 TableLimits LimitsOf(const EngineOptions& options) {
   return {std::min(options.max_addresses, kMostRows), std::min(options.max_hierarchy_rows, kMostRows),
-          std::min(options.max_conversations, kMostRows)};
+          std::min(options.max_conversations, kMostRows),
+          WirelessLimits{.nodes = options.max_wireless_nodes, .channels = options.max_wireless_channels}};
+}
+
+std::shared_ptr<const TrustList> TrustOf(const EngineOptions& options) {
+  if (options.trusted_addresses.empty()) return nullptr;
+  auto trust = std::make_shared<TrustList>();
+  for (const TrustedAddress& one : options.trusted_addresses) {
+    trust->insert_or_assign(one.address, static_cast<std::uint8_t>(one.trust));
+  }
+  return trust;
 }
 
 std::shared_ptr<NameDirectory> DirectoryFor(const EngineOptions& options) {
@@ -42,7 +52,7 @@ EngineCore::EngineCore(const EngineOptions& options)
       detector_(DetectionLimitsOf(options)),
       expert_(ExpertOptionsOf(options)),
       voice_({options.max_calls, options.max_media_streams}),
-      tables_(LimitsOf(options)),
+      tables_(LimitsOf(options), TrustOf(options)),
       queue_([this](const NoteBatch& batch) { Count(batch); }) {}
 
 void EngineCore::Feed(std::span<const Packet> packets) {
@@ -73,6 +83,7 @@ void EngineCore::Decode(std::span<const Packet> packets, NoteBatch* batch) {
   for (std::size_t i = 0; i < packets.size(); ++i) {
     if (names_ && MayHoldNames(facts[i])) Listen(facts[i]);
     batch->notes[i] = PacketNote(packets[i], facts[i], tree.Classify(facts[i]));
+    if (facts[i].is_wireless) batch->AddWireless(i, facts[i]);
   }
   batch->size = packets.size();
   batch->flows = detector_.counts();
@@ -162,6 +173,8 @@ EpochPtr EngineCore::Freeze() {
   epoch->catalogue = LiveCatalogue();
   epoch->summaries.front() = MakeSummary(counters, kPresentName);
   epoch->protocols = tables->protocols;
+  epoch->wireless = tables->wireless;
+  if (epoch->wireless) epoch->medium_subtype = epoch->wireless->subtype;
   epoch->tables = std::move(tables);
   std::lock_guard lock(mutex_);
   latest_ = epoch;

@@ -53,8 +53,9 @@ struct Epoch {
   std::shared_ptr<const SummaryCatalogue> catalogue;
   std::vector<std::shared_ptr<const SummaryRecord>> summaries;  ///< the present state, then those stored, oldest first
   FrozenTable<ProtocolEntry> protocols;
-  FrozenExpert expert;                         ///< empty in a loaded snapshot, as the next
-  FrozenVoice voice;                           ///< empty in a loaded snapshot
+  std::shared_ptr<const FrozenWireless> wireless;  ///< null for a wired medium
+  FrozenExpert expert;                             ///< empty in a loaded snapshot, as the next
+  FrozenVoice voice;                               ///< empty in a loaded snapshot
   std::shared_ptr<const FrozenTables> tables;  ///< everything else; null in a loaded snapshot, which does not hold it
 };
 

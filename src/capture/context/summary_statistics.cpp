@@ -136,6 +136,8 @@ constexpr std::array kStatistics{
                  kSummaryPackets, [](C c) { return Numbers{c.unlisted_conversations}; }},
     StatisticRow{"A8E4D17F-30C6-4B92-8D5E-71F2C9A06BD3"_guid, kCounts, u"Packets of Hierarchy Rows Not Listed",
                  kSummaryPackets, [](C c) { return Numbers{c.unlisted_hierarchy}; }},
+    StatisticRow{"7E21C5B8-94D3-4A0F-B6E2-15F8A9C3D07E"_guid, kCounts, u"Packets of Wireless Rows Not Listed",
+                 kSummaryPackets, [](C c) { return Numbers{c.unlisted_wireless}; }},
     StatisticRow{"4D96B0E8-C25A-4F31-B7D4-0E8A63F15CE4"_guid, kCounts, u"Names Not Listed", kSummaryInteger,
                  [](C c) { return Numbers{c.unlisted_names}; }},
     StatisticRow{"7B2E91C6-5D08-4A3F-9E74-31C8F0D6A25B"_guid, kCounts, u"Expert Events", kSummaryInteger,

@@ -70,6 +70,7 @@ struct Counters {
   std::uint64_t unlisted_addresses = 0;      ///< packets with an address that the full address table did not take in
   std::uint64_t unlisted_conversations = 0;  ///< packets of a conversation that the full table lacks
   std::uint64_t unlisted_hierarchy = 0;      ///< packets of a hierarchy row that the full table lacks
+  std::uint64_t unlisted_wireless = 0;       ///< wireless packets of a node, channel or rate that a full table lacks
   std::uint64_t unlisted_names = 0;          ///< names that the full directory refused
   FlowCounts flows;
   VoiceCounts voice;
