@@ -9,6 +9,7 @@
 #include "capture/analysis/expert/event_log.h"
 #include "capture/analysis/expert/flow_expert.h"
 #include "capture/analysis/expert/network_watch.h"
+#include "capture/analysis/expert/wireless_watch.h"
 #include "capture/decode/packet_facts.h"
 #include "capture/source/packet.h"
 #include "capture/tables/counters.h"
@@ -56,6 +57,7 @@ class ExpertAnalysis {
   std::mutex mutex_;  // guards what follows; held for one call
   FlowExpert flows_;
   NetworkWatch network_;
+  WirelessWatch wireless_;
   EventLog log_;
 };
 
