@@ -10,6 +10,7 @@
 #include "capture/source/capture_file.h"
 #include "engine/categories.h"
 #include "engine/graphs.h"
+#include "engine/tables.h"
 #include "platform/class_factory.h"
 #include "platform/object.h"
 #include "tests/capture/engine_fixture.h"
@@ -457,6 +458,24 @@ TEST(EngineThreads, ReadAndFeedAtTheSameTime) {
   EXPECT_EQ(engine.packets(), 1500U);
 }
 
+/// Of all flows that the expert analysis lists.
+std::uint64_t PacketsOfFlows(const View& view) {
+  constexpr std::uint32_t kPackets = 10;
+  ComPtr<ITableProvider> provider;
+  ComPtr<ITable> flows;
+  EXPECT_EQ(Query(view.Get(kExpertCategory).get(), &provider), S_OK);
+  EXPECT_EQ(provider->GetTable(kTableFlows, 1, flows.Out()), S_OK);
+  std::uint32_t count = 0;
+  EXPECT_EQ(flows->GetRowCount(&count), S_OK);
+  std::uint64_t packets = 0;
+  std::u16string text;
+  for (std::uint32_t row = 0; row < count; ++row) {
+    EXPECT_EQ(flows->GetCell(row, kPackets, &text), S_OK);
+    packets += std::stoull(Ascii(text));
+  }
+  return packets;
+}
+
 // Batches of all sizes, some counted by the feeding thread and some by the engine's own, while others read, reset and
 // store summaries.
 TEST(EngineThreads, CountWhatWasFedBeforeTheyAnswer) {
@@ -486,6 +505,7 @@ TEST(EngineThreads, CountWhatWasFedBeforeTheyAnswer) {
       }
       view.context->GetTotalPackets(&total);
       EXPECT_EQ(sent, 2 * total) << "every packet has a physical and a logical sender";
+      EXPECT_EQ(PacketsOfFlows(view), total) << "analyses tell of the same packets as tables";
       engine->StoreSummary(u"now");
     }
   });

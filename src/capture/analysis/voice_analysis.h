@@ -29,7 +29,7 @@ struct FrozenVoice {
 /// payload type with advancing sequence numbers and timestamps; then those count, too. Candidates stand in a table of
 /// fixed size, where a newcomer takes the place of the one that was silent for longest.
 ///
-/// Belongs to one thread; Freeze is called by that thread, or under its lock.
+/// Belongs to one thread; others may call it while that thread is stopped.
 class VoiceAnalysis {
  public:
   static constexpr int kProof = 5;

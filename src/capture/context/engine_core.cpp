@@ -61,6 +61,7 @@ void EngineCore::Feed(std::span<const Packet> packets) {
   while (!packets.empty()) {
     const std::span<const Packet> some = packets.first(std::min(packets.size(), NoteBatch::kMost));
     packets = packets.subspan(some.size());
+    const FeedGate::Pass pass(gate_);
     NoteBatch& batch = hand_over ? queue_.Fill() : batch_;
     Decode(some, &batch);
     if (hand_over) {
@@ -78,7 +79,9 @@ void EngineCore::Decode(std::span<const Packet> packets, NoteBatch* batch) {
   for (std::size_t i = 0; i < packets.size(); ++i) DecodePacket(packets[i], &facts[i]);
   detector_.Inspect(packets, facts);
   if (options_.expert_analysis) expert_.Inspect(packets, facts);
-  FollowCalls(packets, facts);
+  for (std::size_t i = 0; i < packets.size(); ++i) {
+    if (VoiceAnalysis::Concerns(facts[i])) voice_.Inspect(packets[i], facts[i]);
+  }
   ProtocolTree& tree = ProtocolTree::Get();
   for (std::size_t i = 0; i < packets.size(); ++i) {
     if (names_ && MayHoldNames(facts[i])) Listen(facts[i]);
@@ -87,16 +90,6 @@ void EngineCore::Decode(std::span<const Packet> packets, NoteBatch* batch) {
   }
   batch->size = packets.size();
   batch->flows = detector_.counts();
-}
-
-/// Shows the voice analysis what concerns it, while the bytes are there.
-void EngineCore::FollowCalls(std::span<const Packet> packets, std::span<const PacketFacts> facts) {
-  std::unique_lock lock(voice_mutex_, std::defer_lock);
-  for (std::size_t i = 0; i < packets.size(); ++i) {
-    if (!VoiceAnalysis::Concerns(facts[i])) continue;
-    if (!lock) lock.lock();
-    voice_.Inspect(packets[i], facts[i]);
-  }
 }
 
 void EngineCore::Count(const NoteBatch& batch) {
@@ -125,8 +118,9 @@ void EngineCore::SetDropped(std::uint64_t packets) {
 }
 
 void EngineCore::Reset() {
+  const FeedGate::Stop stop(gate_);
   queue_.Drain();
-  std::scoped_lock lock(mutex_, voice_mutex_);
+  std::lock_guard lock(mutex_);
   ++changes_;
   tables_.Reset();
   voice_.Reset();
@@ -135,8 +129,9 @@ void EngineCore::Reset() {
 
 void EngineCore::StoreSummary(std::u16string_view name) {
   if (options_.max_stored_summaries == 0) return;
+  const FeedGate::Stop stop(gate_);
   queue_.Drain();
-  std::scoped_lock lock(mutex_, voice_mutex_);
+  std::lock_guard lock(mutex_);
   Counters counters = tables_.Summary();
   counters.voice = voice_.counts();
   counters.expert = expert_.counts();
@@ -146,12 +141,14 @@ void EngineCore::StoreSummary(std::u16string_view name) {
 }
 
 EpochPtr EngineCore::Freeze() {
-  queue_.Drain();
   auto epoch = std::make_shared<Epoch>();
   auto tables = std::make_shared<FrozenTables>();
   std::uint64_t changes = 0;
   {
-    std::scoped_lock lock(mutex_, voice_mutex_);
+    // Tables and analyses are to tell of the same packets.
+    const FeedGate::Stop stop(gate_);
+    queue_.Drain();
+    std::lock_guard lock(mutex_);
     if (latest_changes_ == changes_) {
       if (EpochPtr latest = latest_.lock()) return latest;
     }

@@ -15,6 +15,7 @@
 #include "capture/classify/protocol_tree.h"
 #include "capture/context/capture_engine.h"
 #include "capture/context/category_views.h"
+#include "capture/context/feed_gate.h"
 #include "capture/context/note_queue.h"
 #include "capture/decode/protocol_registry.h"
 #include "capture/names/name_directory.h"
@@ -54,20 +55,18 @@ class EngineCore {
   static constexpr std::size_t kWorthHandingOver = 16;
 
   void Decode(std::span<const Packet> packets, NoteBatch* batch);
-  void FollowCalls(std::span<const Packet> packets, std::span<const PacketFacts> facts);
   void Count(const NoteBatch& batch);
   void Listen(const PacketFacts& facts);
 
   const EngineOptions options_;
   const std::shared_ptr<NameDirectory> names_;
-  // The feeding thread's:
+  FeedGate gate_;
+  // The feeding thread's, within a pass of the gate:
   std::array<PacketFacts, NoteBatch::kMost> facts_;
   NoteBatch batch_;               // of packets that it counts itself
   std::vector<KnownName> heard_;  // of the packet in work
   ApplicationDetector detector_;
-  ExpertAnalysis expert_;  // has a lock of its own
-
-  std::mutex voice_mutex_;  // held for one batch, or while pages are shared
+  ExpertAnalysis expert_;
   VoiceAnalysis voice_;
 
   mutable std::mutex mutex_;  // guards what follows; held for one batch, or while pages are shared

@@ -8,7 +8,6 @@ ExpertAnalysis::ExpertAnalysis(const ExpertOptions& options)
     : options_(options), flows_(options.flows, options.apdex_target), log_(options.events) {}
 
 void ExpertAnalysis::Inspect(std::span<const Packet> packets, std::span<const PacketFacts> facts) {
-  std::lock_guard lock(mutex_);
   if (packets.size() > 1) flows_.Prepare(facts);
   for (std::size_t i = 0; i < packets.size(); ++i) {
     flows_.Inspect(packets[i], facts[i], &log_);
@@ -18,17 +17,14 @@ void ExpertAnalysis::Inspect(std::span<const Packet> packets, std::span<const Pa
 }
 
 FrozenExpert ExpertAnalysis::Freeze() {
-  std::lock_guard lock(mutex_);
   return {flows_.Freeze(), log_.Freeze()};
 }
 
 ExpertCounts ExpertAnalysis::counts() {
-  std::lock_guard lock(mutex_);
   return {log_.total(), flows_.dropped(), log_.fallen_out()};
 }
 
 void ExpertAnalysis::Reset() {
-  std::lock_guard lock(mutex_);
   flows_.Reset();
   log_ = EventLog(options_.events);
 }

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <mutex>
 #include <span>
 #include <vector>
 
@@ -37,7 +36,7 @@ struct FrozenExpert {
 
 /// Watches packets for what is slow and what goes wrong.
 ///
-/// One thread inspects; all else may be called from any thread meanwhile, and waits no longer than for some packets.
+/// Belongs to one thread; others may call it while that thread is stopped.
 /// Memory: a row and a track, about 280 bytes together, for each flow that the flow table knows, and what ExpertOptions
 /// allows.
 class ExpertAnalysis {
@@ -54,7 +53,6 @@ class ExpertAnalysis {
 
  private:
   const ExpertOptions options_;
-  std::mutex mutex_;  // guards what follows; held for one call
   FlowExpert flows_;
   NetworkWatch network_;
   WirelessWatch wireless_;
