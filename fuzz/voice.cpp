@@ -1,5 +1,7 @@
 // Calls and their streams: SIP and SDP, RTP and RTCP.
 
+#include <utility>
+
 #include "capture/analysis/voice_analysis.h"
 #include "capture/context/media_table.h"
 #include "capture/decode/protocol_registry.h"
@@ -10,16 +12,6 @@ namespace {
 
 constexpr unsigned kLongestStep = 36;  // a minute
 constexpr VoiceLimits kLimits{3, 5};
-
-/// The input format of packet_input.h: a link type, a step of time, bytes cut off, a length, the bytes.
-std::string AsInput(const Packet& packet) {
-  constexpr char kMillisecond = 20;
-  const auto place = std::ranges::find(LinkTypes(), packet.link_type) - LinkTypes().begin();
-  std::string input{static_cast<char>(place), kMillisecond, '\0'};
-  input += static_cast<char>(packet.bytes.size() & 0xFF);
-  input += static_cast<char>(packet.bytes.size() >> 8);
-  return input.append(AsText(packet.bytes));
-}
 
 }  // namespace
 
@@ -69,7 +61,7 @@ void MakeSeeds(const SeedSink& add) {
     for (Packet packet; taken < kPackets * kMostSeeds && source->Next(&packet);) {
       DecodePacket(packet, &facts);
       if (!VoiceAnalysis::Concerns(facts)) continue;
-      seed += AsInput(packet);
+      AppendPacket(packet.link_type, AsText(packet.bytes), 0, &seed);
       if (++taken % kPackets == 0) add(std::exchange(seed, {}));
     }
     if (!seed.empty()) add(seed);

@@ -1,13 +1,17 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "capture/source/capture_file.h"
 #include "capture/source/link_type.h"
 #include "capture/source/packet.h"
+#include "fuzz/support/radio_headers.h"
 #include "fuzz/support/target.h"
 #include "platform/clock.h"
 
@@ -47,13 +51,25 @@ inline bool TakePacket(Input* input, Packet* packet, unsigned longest_step = 63)
   return true;
 }
 
-/// Gives the first packets of every sample, a few at a time, long ones cut off.
+/// Adds a packet to an input.
+inline void AppendPacket(std::uint32_t link_type, std::string_view bytes, std::size_t missing, std::string* input) {
+  constexpr char kMillisecond = 20;
+  constexpr std::size_t kMostMissing = 255;
+  *input += static_cast<char>(std::ranges::find(LinkTypes(), link_type) - LinkTypes().begin());
+  *input += kMillisecond;
+  *input += static_cast<char>(std::min(missing, kMostMissing));
+  *input += static_cast<char>(bytes.size() & 0xFF);
+  *input += static_cast<char>(bytes.size() >> 8);
+  *input += bytes;
+}
+
+/// Gives the first packets of every sample, a few at a time, long ones cut off. Those of the air come on every link
+/// that has them.
 template <class Add>
 void MakePacketSeeds(Add add) {
   constexpr std::size_t kPackets = 8;
   constexpr std::size_t kLongest = 400;
   constexpr int kMostSeeds = 24;
-  constexpr char kMillisecond = 20;
   for (const std::string& path : Samples()) {
     SourceError error;
     std::unique_ptr<PacketSource> source = OpenCaptureFile(path, &error);
@@ -62,17 +78,22 @@ void MakePacketSeeds(Add add) {
     bool more = source->Next(&packet);
     for (int number = 0; more && number < kMostSeeds; ++number) {
       std::string seed;
+      std::array<std::string, kOtherRadios> on_other_links;
       for (std::size_t i = 0; more && i < kPackets; ++i, more = source->Next(&packet)) {
-        const auto place = std::ranges::find(LinkTypes(), packet.link_type) - LinkTypes().begin();
         const Input bytes = packet.bytes.first(std::min(packet.bytes.size(), kLongest));
-        seed += static_cast<char>(place);
-        seed += kMillisecond;
-        seed += static_cast<char>(std::min<std::size_t>(packet.original_length - bytes.size(), 255));
-        seed += static_cast<char>(bytes.size() & 0xFF);
-        seed += static_cast<char>(bytes.size() >> 8);
-        seed += AsText(bytes);
+        const std::size_t missing = packet.original_length - bytes.size();
+        AppendPacket(packet.link_type, AsText(bytes), missing, &seed);
+        packet.bytes = bytes;
+        const std::optional<Bytes> frame = FrameBehindRadiotap(packet);
+        for (std::size_t other = 0; frame && other < kOtherRadios; ++other) {
+          const RadioHeader& header = RadioHeaders()[other];
+          AppendPacket(header.link_type, header.bytes + std::string(AsText(*frame)), missing, &on_other_links[other]);
+        }
       }
       add(seed);
+      for (const std::string& other : on_other_links) {
+        if (!other.empty()) add(other);
+      }
     }
   }
 }

@@ -154,6 +154,8 @@ std::string ThresholdText(const ExpertEventType& type) {
     case EventMeasure::kDelay: return "over " + number + " ms";
     case EventMeasure::kBitsPerSecond: return "below " + number + " bit/s";
     case EventMeasure::kPerSecond: return "over " + number + " per second";
+    case EventMeasure::kPercent: return "over " + number + " %";
+    case EventMeasure::kMinusDbm: return "below -" + number + " dBm";
     case EventMeasure::kInARow: return number + " in a row";
     default: return number;
   }

@@ -213,6 +213,26 @@ TEST(VoiceAnalysis, TakesUnannouncedStreamsForOneOnlyWhenTheyProveIt) {
   EXPECT_EQ(bench.Freeze().streams.size(), 0U);
 }
 
+TEST(VoiceAnalysis, DoesNotTakeSilenceForLongPackets) {
+  VoiceBench bench;
+  bench.SendSip(Sip(kInvite, "INVITE", Sdp(2, 6000, "0 13")), 0);
+  for (unsigned i = 0; i < 20; ++i) {
+    // Half a minute of silence after every packet but the first few, announced by comfort noise.
+    const unsigned spoken = i < 5 ? i * 160 : i * 240'000;
+    bench.Send(1, 4000, 2, 6000, Rtp{.sequence = 2 * i, .timestamp = spoken, .type = 0}.Bytes(), spoken / 8);
+    bench.Send(1, 4000, 2, 6000, Rtp{.sequence = 2 * i + 1, .timestamp = spoken + 160, .type = 13}.Bytes(),
+               spoken / 8 + 20);
+  }
+  EXPECT_EQ(Cell(bench.Freeze(), 0, "PACKET_INTERVAL"), "") << "no two packets of voice in a row";
+  for (unsigned i = 0; i < 3; ++i) {
+    const unsigned spoken = 6'000'000 + i * 160;
+    bench.Send(1, 4000, 2, 6000, Rtp{.sequence = 40 + i, .timestamp = spoken, .type = 0}.Bytes(), spoken / 8);
+  }
+  const FrozenVoice voice = bench.Freeze();
+  EXPECT_EQ(Cell(voice, 0, "PACKET_INTERVAL"), "20.0");
+  EXPECT_EQ(Cell(voice, 0, "R_CONVERSATIONAL"), "91.3");
+}
+
 TEST(VoiceAnalysis, CountsWhatTheNetworkDoesToAStream) {
   VoiceBench bench;
   bench.SendSip(Sip(kInvite, "INVITE", Sdp(2, 6000, "0 8 101", "a=rtpmap:101 telephone-event/8000\r\n")), 0);

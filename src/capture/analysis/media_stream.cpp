@@ -44,6 +44,8 @@ void MediaStream::Take(const RtpArrival& arrival) {
   // The timestamp of a telephone event is that of its beginning, in all of its packets.
   if (IsTelephoneEvent(encoding)) return;
   if (!IsComfortNoise(encoding)) {
+    if (has_media && rtp.payload_type == payload_type) NoteStep(rtp);
+    if (verdict != kLate) media_sequence = rtp.sequence;
     payload_changes += has_media && rtp.payload_type != payload_type ? 1 : 0;
     payload_type = rtp.payload_type;
     has_media = true;
@@ -83,11 +85,18 @@ std::uint64_t MediaStream::events() const {
   return sequence.losses().gaps + late + duplicates + restarts + payload_changes;
 }
 
+/// Takes a packet of media of the same type as the one before.
+void MediaStream::NoteStep(const RtpHeader& rtp) {
+  const std::uint32_t step = rtp.timestamp - last_timestamp;
+  const bool is_next = rtp.sequence == static_cast<std::uint16_t>(media_sequence + 1);
+  // Packets of one picture have one timestamp, and pictures may be sent in another order than they are shown in.
+  if (!is_next || step == 0 || step > INT32_MAX) return;
+  least_step = least_step == 0 ? step : std::min(least_step, step);
+}
+
 double MediaStream::packet_interval() const {
-  std::uint64_t expected = sequence.losses().expected;
   std::uint32_t clock = clock_rate();
-  if (clock == 0 || expected < 2 || restarts != 0) return 0;
-  return static_cast<std::uint32_t>(last_timestamp - first_timestamp) * 1e3 / clock / static_cast<double>(expected - 1);
+  return clock == 0 ? 0 : least_step * 1e3 / clock;
 }
 
 double MediaStream::one_way_delay() const {

@@ -58,7 +58,8 @@ struct MediaStream {
   std::uint32_t clock_rate() const { return ClockRateOf(payload_type); }
   /// Gaps, late packets, copies, restarts and changes of the payload type.
   std::uint64_t events() const;
-  /// How far the stream's media reach, by timestamps, per packet in milliseconds; 0 when that cannot be told.
+  /// How much of the media one packet holds, in milliseconds; 0 when that cannot be told. Senders that are silent for a
+  /// while skip timestamps but no sequence numbers, so that the least step between neighbours tells.
   double packet_interval() const;
   /// Half the sum of the round trips to both ends, in milliseconds; negative when RTCP gave none.
   double one_way_delay() const;
@@ -85,7 +86,9 @@ struct MediaStream {
   JitterEstimate jitter;
   std::uint32_t first_timestamp = 0;
   std::uint32_t last_timestamp = 0;
-  std::uint8_t payload_type = 0;  ///< of the voice or video, not of what stands in for it
+  std::uint32_t least_step = 0;      ///< of the timestamps of two packets of media in a row, 0 for none yet
+  std::uint16_t media_sequence = 0;  ///< of the last packet of media that was not late
+  std::uint8_t payload_type = 0;     ///< of the voice or video, not of what stands in for it
   std::uint8_t hops_left = 0;
   std::uint8_t traffic_class = 0;
   bool has_media = false;  ///< `payload_type` has been set by a packet of media
@@ -104,6 +107,7 @@ struct MediaStream {
  private:
   std::uint32_t ClockRateOf(std::uint8_t type) const;
   std::string_view EncodingOf(std::uint8_t type) const;
+  void NoteStep(const RtpHeader& rtp);
 };
 
 }  // namespace orvo

@@ -134,8 +134,10 @@ std::string PartyOf(const osip_from_t* party) {
 }
 
 bool HasTag(osip_to_t* to) {
+  // The library asks for a name that it could change, which a literal is not.
+  char name[] = "tag";
   osip_generic_param_t* tag = nullptr;
-  return to && osip_to_get_tag(to, &tag) == 0 && tag;
+  return to && osip_generic_param_get_byname(&to->gen_params, name, &tag) == 0 && tag;
 }
 
 std::string CallIdOf(const osip_call_id_t* call_id) {

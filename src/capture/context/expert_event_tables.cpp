@@ -76,6 +76,8 @@ std::u16string DetailCell(const EventRecord& row) {
       return u"type " + CountCell(row.value >> 8) + u" code " + CountCell(row.value & 0xFF);
     case EventMeasure::kBitsPerSecond: return CountCell(row.value) + u" bit/s";
     case EventMeasure::kPerSecond: return u"more than " + CountCell(row.value - 1) + u" per second";
+    case EventMeasure::kPercent: return CountCell(row.value) + u" %";
+    case EventMeasure::kMinusDbm: return u"-" + CountCell(row.value) + u" dBm";
     case EventMeasure::kInARow: return CountCell(row.value) + u" in a row";
     case EventMeasure::kDelay:
     case EventMeasure::kNothing: break;

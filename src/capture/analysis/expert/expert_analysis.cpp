@@ -12,6 +12,7 @@ void ExpertAnalysis::Inspect(std::span<const Packet> packets, std::span<const Pa
   for (std::size_t i = 0; i < packets.size(); ++i) {
     flows_.Inspect(packets[i], facts[i], &log_);
     network_.Inspect(packets[i], facts[i], &log_);
+    wireless_.Inspect(packets[i], facts[i], &log_);
   }
 }
 

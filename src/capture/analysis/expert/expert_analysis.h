@@ -8,6 +8,7 @@
 #include "capture/analysis/expert/event_log.h"
 #include "capture/analysis/expert/flow_expert.h"
 #include "capture/analysis/expert/network_watch.h"
+#include "capture/analysis/expert/wireless_watch.h"
 #include "capture/decode/packet_facts.h"
 #include "capture/source/packet.h"
 #include "capture/tables/counters.h"
@@ -54,6 +55,7 @@ class ExpertAnalysis {
   const ExpertOptions options_;
   FlowExpert flows_;
   NetworkWatch network_;
+  WirelessWatch wireless_;
   EventLog log_;
 };
 

@@ -16,6 +16,8 @@ enum class EventMeasure : std::uint8_t {
   kDelay,          ///< milliseconds
   kBitsPerSecond,  ///< a threshold is what the rate falls below
   kPerSecond,
+  kPercent,
+  kMinusDbm,  ///< a level that many dBm below zero; a threshold is what it falls below
   kInARow,
   kStatusCode,   ///< of HTTP
   kRcode,        ///< of DNS (RFC 1035 section 4.1.1, IANA DNS RCODEs)
@@ -26,6 +28,9 @@ enum class EventMeasure : std::uint8_t {
 enum class ExpertEvent : std::uint8_t {
   kArpConflict,
   kBroadcastStorm,
+  kWirelessRetries,
+  kWirelessWeakSignal,
+  kDeauthenticationFlood,
   kDuplicateAddress,
   kIpFragment,
   kIcmpUnreachable,
@@ -81,6 +86,16 @@ inline constexpr std::array kTypes{
     ExpertEventType{kBroadcastStorm, "BROADCAST_STORM", "Broadcast Storm", kDataLink, kSevere, kPerSecond, 1000,
                     "More broadcast frames within one second than a segment can do with.",
                     "Look for a loop between switches and for a station that sends without end."},
+    ExpertEventType{kWirelessRetries, "WIRELESS_RETRIES", "Wireless Retries", kDataLink, kMinor, kPercent, 20,
+                    "Of 50 data frames from one sender many were repeats of frames that nobody had acknowledged.",
+                    "Look for interference and for a crowded channel; move the two nearer to each other."},
+    ExpertEventType{kWirelessWeakSignal, "WIRELESS_WEAK_SIGNAL", "Wireless Weak Signal", kDataLink, kMinor, kMinusDbm,
+                    75, "50 data frames from one sender were weak on average where the capture was made.",
+                    "Harmless when the capture was made far from both; else move the sender or add an access point."},
+    ExpertEventType{kDeauthenticationFlood, "DEAUTHENTICATION_FLOOD", "Deauthentication Flood", kDataLink, kSevere,
+                    kPerSecond, 10, "Many frames within one second that take stations from one network.",
+                    "Look for an attacker and let the network protect its management frames; else see whether the "
+                    "access point keeps starting anew."},
     ExpertEventType{kDuplicateAddress, "DUPLICATE_ADDRESS", "Duplicate Network Address", kNetwork, kSevere, kNothing, 0,
                     "Two physical addresses claim one IP address by turns.",
                     "Find both stations by their physical addresses and give one of them another IP address."},

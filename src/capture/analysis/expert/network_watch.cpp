@@ -44,7 +44,9 @@ NetworkWatch::NetworkWatch()
       icmpv6_(ProtocolRegistry::Get().FindName("ICMPv6")) {}
 
 void NetworkWatch::Inspect(const Packet& packet, const PacketFacts& facts, EventLog* log) {
-  if (facts.delivery() == Delivery::kBroadcast) CountBroadcast(packet, facts, log);
+  // Beacons and probes of the air go to everybody, too, but no further than the air.
+  const bool is_data = !facts.is_wireless || facts.wireless.type == FrameType::kData;
+  if (is_data && facts.delivery() == Delivery::kBroadcast) CountBroadcast(packet, facts, log);
   if (facts.is_fragment) Report(ExpertEvent::kIpFragment, 0, packet, facts, log);
   if (facts.chain_length == 0) return;
   std::uint16_t innermost = facts.chain[facts.chain_length - 1U];
