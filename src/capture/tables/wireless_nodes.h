@@ -88,7 +88,7 @@ class WirelessNodeTable {
   void SetStrength(std::uint32_t station, bool strong);
   bool IsStrong(std::uint32_t station) const;
 
-  void CountSent(const WirelessNote& note, std::uint32_t row);
+  void CountSent(const WirelessNote& note, std::uint32_t number);
   void CountReceived(const WirelessNote& note, std::uint32_t row);
   /// Channel and rate; false when there was no room for the rate.
   bool CountRadio(const WirelessNote& note, std::uint32_t number, bool sent);
