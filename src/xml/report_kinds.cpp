@@ -1,0 +1,117 @@
+#include "xml/report_kinds.h"
+
+#include <iterator>
+
+#include "platform/error.h"
+#include "prefs/switch_ids.h"
+#include "xml/category_documents.h"
+
+namespace orvo {
+namespace {
+
+/// The nodes, and with them the documents that belong to them. A switch that cannot be read ends the report.
+bool WriteNodeGroup(XmlReport& report) {
+  WrittenSections& written = report.memory.written;
+  if (!report.IsOn(kSwitchOutputNodeStats)) {
+    written.hierarchy = false;
+    written.nodes = false;
+    return false;
+  }
+  return WriteNodeDocument(report);
+}
+
+constexpr ReportStep kNodes{WriteNodeGroup, &WrittenSections::nodes};
+constexpr ReportStep kNodesUnmarked{WriteNodeGroup, nullptr};
+constexpr ReportStep kProtocols{WriteProtocolDocument, &WrittenSections::protocols};
+
+constexpr ReportStep kAdditionalNodeSteps[] = {kNodesUnmarked};
+constexpr ReportStep kExecutiveSummarySteps[] = {kNodes, kProtocols};
+constexpr ReportStep kFullSteps[] = {kNodes, kProtocols};
+
+/// The switch of no report, which preferences may nevertheless be asked for.
+constexpr std::uint32_t kSwitchWithoutMeaning = 123;
+
+constexpr std::uint32_t kAdditionalNodeOff[] = {kSwitchExpertApplications, kSwitchOutputNodeHierarchy,
+                                                kSwitchOutputVoIPOnly};
+constexpr std::uint32_t kExpertSummaryOff[] = {kSwitchOutputNodeStats, kSwitchOutputProtocolStats,
+                                               kSwitchOutputWLANStats, kSwitchOutputVoIPOnly, kSwitchWithoutMeaning};
+constexpr std::uint32_t kExecutiveSummaryOff[] = {kSwitchOutputNodeHierarchy, kSwitchOutputVoIPOnly};
+
+constexpr ReportKind kFull{
+    .is_special = false, .restarts_index = false, .has_one_node_type = false, .switched_off = {}, .steps = kFullSteps};
+constexpr ReportKind kConversationsOnly{
+    .is_special = true, .restarts_index = true, .has_one_node_type = false, .switched_off = {}, .steps = {}};
+constexpr ReportKind kAdditionalNode{.is_special = true,
+                                     .restarts_index = true,
+                                     .has_one_node_type = true,
+                                     .switched_off = kAdditionalNodeOff,
+                                     .steps = kAdditionalNodeSteps};
+constexpr ReportKind kExpertSummary{.is_special = true,
+                                    .restarts_index = false,
+                                    .has_one_node_type = false,
+                                    .switched_off = kExpertSummaryOff,
+                                    .steps = {}};
+constexpr ReportKind kExecutiveSummary{.is_special = true,
+                                       .restarts_index = false,
+                                       .has_one_node_type = true,
+                                       .switched_off = kExecutiveSummaryOff,
+                                       .steps = kExecutiveSummarySteps};
+
+/// The switches of the kinds in the order in which they are read, and how much each counts against the others.
+struct KindSwitch {
+  std::uint32_t identifier;
+  int rank;  ///< the lowest wins
+  const ReportKind& kind;
+};
+
+constexpr KindSwitch kKindSwitches[] = {
+    {kSwitchOutputAdditionalNode, 2, kAdditionalNode},
+    {kSwitchOutputConversationsOnly, 1, kConversationsOnly},
+    {kSwitchOutputExecutiveSummary, 4, kExecutiveSummary},
+    {kSwitchOutputExpertSummary, 3, kExpertSummary},
+};
+
+/// Leaves the one type of node that says most about the medium.
+void SelectNodeType(XmlReport& report) {
+  std::uint32_t subtype = kSubtypeWired;
+  Check(report.job.live->GetMediumSubtype(&subtype));
+  const bool wireless = IsWirelessSubtype(subtype);
+  Check(report.preferences.SetPreference(kSwitchNodeTypePhysical, wireless ? 1 : 0));
+  Check(report.preferences.SetPreference(kSwitchNodeTypeIP, wireless ? 0 : 1));
+  for (std::uint32_t other : {kSwitchNodeTypeIPv6, kSwitchNodeTypeDEC, kSwitchNodeTypeApple, kSwitchNodeTypeIPX}) {
+    Check(report.preferences.SetPreference(other, 0));
+  }
+}
+
+bool IsDue(const XmlReport& report, StepTime time) {
+  switch (time) {
+    case StepTime::kAlways: return true;
+    case StepTime::kWithGraphs: return report.job.graphs != nullptr;
+    case StepTime::kLiveWithGraphs: return report.job.graphs != nullptr && report.job.from_live;
+    case StepTime::kAfterWireless: return report.memory.written.wireless;
+  }
+  return false;
+}
+
+}  // namespace
+
+const ReportKind& ChooseKind(IStatsOutputPrefs& preferences) {
+  const KindSwitch* chosen = nullptr;
+  for (const KindSwitch& one : kKindSwitches) {
+    if (IsOn(preferences, one.identifier) && (!chosen || one.rank < chosen->rank)) chosen = &one;
+  }
+  return chosen ? chosen->kind : kFull;
+}
+
+void WriteKind(XmlReport& report, const ReportKind& kind) {
+  if (kind.restarts_index) report.memory.index_kept = false;
+  for (std::uint32_t identifier : kind.switched_off) Check(report.preferences.SetPreference(identifier, 0));
+  if (kind.has_one_node_type) SelectNodeType(report);
+  for (const ReportStep& step : kind.steps) {
+    if (!IsDue(report, step.time)) continue;
+    const bool written = step.write(report);
+    if (step.written) report.memory.written.*step.written = written;
+  }
+}
+
+}  // namespace orvo
