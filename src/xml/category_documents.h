@@ -18,5 +18,13 @@ bool WriteProtocolDocument(XmlReport& report);
 bool WriteConversationDocument(XmlReport& report);
 /// "HierarchicalNodeStatistics.xml", written anew. True also when there was nothing to write.
 bool WriteHierarchyDocument(XmlReport& report);
+/// "WirelessNodeStatistics" of the index, and "WirelessNodeStatistics.xml".
+bool WriteWirelessNodeDocument(XmlReport& report);
+/// "WirelessChannelStatistics" of the index.
+bool WriteWirelessChannelDocument(XmlReport& report);
+/// "ExpertStatistics" of the index, and "ExpertLog.xml", written anew. Marks flows, applications and event log.
+bool WriteExpertDocuments(XmlReport& report);
+/// "VoIPStatistics" of the index; none for a capture without calls.
+bool WriteMediaDocument(XmlReport& report);
 
 }  // namespace orvo

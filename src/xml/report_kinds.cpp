@@ -17,15 +17,28 @@ bool WriteNodeGroup(XmlReport& report) {
     written.nodes = false;
     return false;
   }
-  return WriteNodeDocument(report);
+  const bool has_nodes = WriteNodeDocument(report);
+  written.hierarchy = has_nodes && WriteHierarchyDocument(report);
+  written.node_conversations = has_nodes && WriteConversationDocument(report);
+  return has_nodes;
+}
+
+/// The nodes where conversations are a section of their own.
+bool WriteNodesBesideConversations(XmlReport& report) {
+  const bool has_nodes = WriteNodeGroup(report);
+  report.memory.written.node_conversations = false;
+  return has_nodes;
 }
 
 constexpr ReportStep kNodes{WriteNodeGroup, &WrittenSections::nodes};
 constexpr ReportStep kNodesUnmarked{WriteNodeGroup, nullptr};
+constexpr ReportStep kNodesBesideConversations{WriteNodesBesideConversations, &WrittenSections::nodes};
 constexpr ReportStep kProtocols{WriteProtocolDocument, &WrittenSections::protocols};
+constexpr ReportStep kConversations{WriteConversationDocument, &WrittenSections::conversations};
 
-constexpr ReportStep kAdditionalNodeSteps[] = {kNodesUnmarked};
-constexpr ReportStep kExecutiveSummarySteps[] = {kNodes, kProtocols};
+constexpr ReportStep kConversationsOnlySteps[] = {kConversations};
+constexpr ReportStep kAdditionalNodeSteps[] = {kNodesUnmarked, kConversations};
+constexpr ReportStep kExecutiveSummarySteps[] = {kNodesBesideConversations, kConversations, kProtocols};
 constexpr ReportStep kFullSteps[] = {kNodes, kProtocols};
 
 /// The switch of no report, which preferences may nevertheless be asked for.
@@ -39,8 +52,11 @@ constexpr std::uint32_t kExecutiveSummaryOff[] = {kSwitchOutputNodeHierarchy, kS
 
 constexpr ReportKind kFull{
     .is_special = false, .restarts_index = false, .has_one_node_type = false, .switched_off = {}, .steps = kFullSteps};
-constexpr ReportKind kConversationsOnly{
-    .is_special = true, .restarts_index = true, .has_one_node_type = false, .switched_off = {}, .steps = {}};
+constexpr ReportKind kConversationsOnly{.is_special = true,
+                                        .restarts_index = true,
+                                        .has_one_node_type = false,
+                                        .switched_off = {},
+                                        .steps = kConversationsOnlySteps};
 constexpr ReportKind kAdditionalNode{.is_special = true,
                                      .restarts_index = true,
                                      .has_one_node_type = true,
