@@ -36,10 +36,18 @@ constexpr ReportStep kNodesBesideConversations{WriteNodesBesideConversations, &W
 constexpr ReportStep kProtocols{WriteProtocolDocument, &WrittenSections::protocols};
 constexpr ReportStep kConversations{WriteConversationDocument, &WrittenSections::conversations};
 
+constexpr ReportStep kExpert{WriteExpertDocuments, &WrittenSections::expert};
+constexpr ReportStep kExpertUnmarked{WriteExpertDocuments, nullptr};
+constexpr ReportStep kMedia{WriteMediaDocument, &WrittenSections::media};
+constexpr ReportStep kWireless{WriteWirelessNodeDocument, &WrittenSections::wireless};
+constexpr ReportStep kChannels{WriteWirelessChannelDocument, &WrittenSections::channels, StepTime::kAfterWireless};
+
 constexpr ReportStep kConversationsOnlySteps[] = {kConversations};
-constexpr ReportStep kAdditionalNodeSteps[] = {kNodesUnmarked, kConversations};
-constexpr ReportStep kExecutiveSummarySteps[] = {kNodesBesideConversations, kConversations, kProtocols};
-constexpr ReportStep kFullSteps[] = {kNodes, kProtocols};
+constexpr ReportStep kAdditionalNodeSteps[] = {kNodesUnmarked, kConversations, kExpertUnmarked};
+constexpr ReportStep kExpertSummarySteps[] = {kExpert};
+constexpr ReportStep kExecutiveSummarySteps[] = {
+    kNodesBesideConversations, kConversations, kProtocols, kExpert, kWireless, kChannels};
+constexpr ReportStep kFullSteps[] = {kNodes, kProtocols, kExpert, kMedia, kWireless, kChannels};
 
 /// The switch of no report, which preferences may nevertheless be asked for.
 constexpr std::uint32_t kSwitchWithoutMeaning = 123;
@@ -66,7 +74,7 @@ constexpr ReportKind kExpertSummary{.is_special = true,
                                     .restarts_index = false,
                                     .has_one_node_type = false,
                                     .switched_off = kExpertSummaryOff,
-                                    .steps = {}};
+                                    .steps = kExpertSummarySteps};
 constexpr ReportKind kExecutiveSummary{.is_special = true,
                                        .restarts_index = false,
                                        .has_one_node_type = true,
