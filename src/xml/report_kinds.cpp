@@ -5,6 +5,7 @@
 #include "platform/error.h"
 #include "prefs/switch_ids.h"
 #include "xml/category_documents.h"
+#include "xml/graph_documents.h"
 
 namespace orvo {
 namespace {
@@ -42,12 +43,15 @@ constexpr ReportStep kMedia{WriteMediaDocument, &WrittenSections::media};
 constexpr ReportStep kWireless{WriteWirelessNodeDocument, &WrittenSections::wireless};
 constexpr ReportStep kChannels{WriteWirelessChannelDocument, &WrittenSections::channels, StepTime::kAfterWireless};
 
-constexpr ReportStep kConversationsOnlySteps[] = {kConversations};
-constexpr ReportStep kAdditionalNodeSteps[] = {kNodesUnmarked, kConversations, kExpertUnmarked};
-constexpr ReportStep kExpertSummarySteps[] = {kExpert};
+constexpr ReportStep kGraphs{WriteGraphCollection, &WrittenSections::graphs, StepTime::kWithGraphs};
+constexpr ReportStep kLiveGraphs{WriteGraphCollection, &WrittenSections::graphs, StepTime::kLiveWithGraphs};
+
+constexpr ReportStep kConversationsOnlySteps[] = {kConversations, kLiveGraphs};
+constexpr ReportStep kAdditionalNodeSteps[] = {kNodesUnmarked, kConversations, kExpertUnmarked, kLiveGraphs};
+constexpr ReportStep kExpertSummarySteps[] = {kExpert, kGraphs};
 constexpr ReportStep kExecutiveSummarySteps[] = {
-    kNodesBesideConversations, kConversations, kProtocols, kExpert, kWireless, kChannels};
-constexpr ReportStep kFullSteps[] = {kNodes, kProtocols, kExpert, kMedia, kWireless, kChannels};
+    kNodesBesideConversations, kConversations, kProtocols, kExpert, kWireless, kChannels, kGraphs};
+constexpr ReportStep kFullSteps[] = {kNodes, kProtocols, kExpert, kMedia, kWireless, kChannels, kGraphs};
 
 /// The switch of no report, which preferences may nevertheless be asked for.
 constexpr std::uint32_t kSwitchWithoutMeaning = 123;
@@ -58,28 +62,41 @@ constexpr std::uint32_t kExpertSummaryOff[] = {kSwitchOutputNodeStats, kSwitchOu
                                                kSwitchOutputWLANStats, kSwitchOutputVoIPOnly, kSwitchWithoutMeaning};
 constexpr std::uint32_t kExecutiveSummaryOff[] = {kSwitchOutputNodeHierarchy, kSwitchOutputVoIPOnly};
 
-constexpr ReportKind kFull{
-    .is_special = false, .restarts_index = false, .has_one_node_type = false, .switched_off = {}, .steps = kFullSteps};
+constexpr ReportKind kFull{.is_special = false,
+                           .restarts_index = false,
+                           .has_one_node_type = false,
+                           .switched_off = {},
+                           .steps = kFullSteps,
+                           .assets = &kFullAssets,
+                           .menus = MenuSet::kGeneral};
 constexpr ReportKind kConversationsOnly{.is_special = true,
                                         .restarts_index = true,
                                         .has_one_node_type = false,
                                         .switched_off = {},
-                                        .steps = kConversationsOnlySteps};
+                                        .steps = kConversationsOnlySteps,
+                                        .assets = &kConversationsOnlyAssets,
+                                        .menus = MenuSet::kConversations};
 constexpr ReportKind kAdditionalNode{.is_special = true,
                                      .restarts_index = true,
                                      .has_one_node_type = true,
                                      .switched_off = kAdditionalNodeOff,
-                                     .steps = kAdditionalNodeSteps};
+                                     .steps = kAdditionalNodeSteps,
+                                     .assets = &kAdditionalNodeAssets,
+                                     .menus = MenuSet::kAdditionalNode};
 constexpr ReportKind kExpertSummary{.is_special = true,
                                     .restarts_index = false,
                                     .has_one_node_type = false,
                                     .switched_off = kExpertSummaryOff,
-                                    .steps = kExpertSummarySteps};
+                                    .steps = kExpertSummarySteps,
+                                    .assets = &kExpertSummaryAssets,
+                                    .menus = MenuSet::kGeneral};
 constexpr ReportKind kExecutiveSummary{.is_special = true,
                                        .restarts_index = false,
                                        .has_one_node_type = true,
                                        .switched_off = kExecutiveSummaryOff,
-                                       .steps = kExecutiveSummarySteps};
+                                       .steps = kExecutiveSummarySteps,
+                                       .assets = &kExecutiveSummaryAssets,
+                                       .menus = MenuSet::kGeneral};
 
 /// The switches of the kinds in the order in which they are read, and how much each counts against the others.
 struct KindSwitch {
@@ -136,6 +153,9 @@ void WriteKind(XmlReport& report, const ReportKind& kind) {
     const bool written = step.write(report);
     if (step.written) report.memory.written.*step.written = written;
   }
+  // A full report that goes on from an earlier one finds the files there.
+  if (kind.is_special || report.job.from_live || !report.memory.index_kept) CopyAssets(report, *kind.assets);
+  WriteMenuPages(report, kind.menus);
 }
 
 }  // namespace orvo

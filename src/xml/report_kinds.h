@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <span>
 
+#include "xml/menu_pages.h"
+#include "xml/report_assets.h"
 #include "xml/xml_report.h"
 
 namespace orvo {
@@ -29,13 +31,15 @@ struct ReportKind {
   bool has_one_node_type;  ///< the one that suits the medium
   std::span<const std::uint32_t> switched_off;
   std::span<const ReportStep> steps;
+  const ReportAssets* assets;
+  MenuSet menus;
 };
 
 /// The kind that the switches ask for. Raises the status of a switch that cannot be read.
 const ReportKind& ChooseKind(IStatsOutputPrefs& preferences);
 
-/// Makes the kind's changes to the preferences and takes its steps. Raises what ends the report; a writer that fails
-/// ends alone.
+/// Makes the kind's changes to the preferences, takes its steps, and adds what shows the report in a browser. Raises
+/// what ends the report; a writer that fails ends alone.
 void WriteKind(XmlReport& report, const ReportKind& kind);
 
 }  // namespace orvo

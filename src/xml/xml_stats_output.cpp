@@ -2,6 +2,7 @@
 
 #include "platform/error.h"
 #include "xml/category_documents.h"
+#include "xml/graph_documents.h"
 #include "xml/report_document.h"
 #include "xml/report_kinds.h"
 
@@ -63,6 +64,7 @@ void XMLStatsOutput::WriteReport(const ReportJob& job) {
   OpenIndex(report);
   WriteKind(report, kind);
   WriteSummaryDocument(report);
+  WriteReportGraphs(report);
   SaveDocument(report, kIndexFile, report.index, report.index_rows);
 }
 
