@@ -4,14 +4,14 @@
 
 # What may follow each word: its options.
 declare -gA _orvo_report_options=(
-  [make]='--out --format --report --templates --filter --settings --set --live --no-names --hosts --limit --locale --code-page --no-progress --help'
+  [make]='--out --format --report --templates --filter --settings --set --live --no-names --hosts --trust --limit --apdex --locale --code-page --no-progress --help'
   [settings]='--settings --set --help'
   [classes]='--help'
   [register]='--help'
   [unregister]='--help'
 )
 _orvo_report_words='make settings classes register unregister --help --version'
-_orvo_report_limits='addresses= hierarchy= conversations= flows= names='
+_orvo_report_limits='addresses= hierarchy= conversations= flows= calls= media-streams= names= expert-flows= expert-events= wireless-nodes= wireless-channels='
 _orvo_report_formats='csv tab xml'
 _orvo_report_reports='full executive-summary expert-summary additional-node conversations'
 _orvo_report_filters='arp broadcast ether host icmp icmp6 ip ip6 multicast net not port portrange tcp udp vlan'
@@ -33,7 +33,7 @@ _orvo_report_value() {
   local option=$1 current=$2
   case $option in
     --out | --templates) _orvo_report_paths -d "$current" ;;
-    --settings | --hosts) _orvo_report_paths -f "$current" ;;
+    --settings | --hosts | --trust) _orvo_report_paths -f "$current" ;;
     --format)
       # Formats are joined by commas: offer the next one behind those that are there.
       local done_part=

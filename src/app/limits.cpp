@@ -22,7 +22,13 @@ constexpr std::array kLimits{
     Limit{"hierarchy", &EngineOptions::max_hierarchy_rows},
     Limit{"conversations", &EngineOptions::max_conversations},
     Limit{"flows", &EngineOptions::max_flows},
+    Limit{"calls", &EngineOptions::max_calls},
+    Limit{"media-streams", &EngineOptions::max_media_streams},
     Limit{"names", &EngineOptions::max_names},
+    Limit{"expert-flows", &EngineOptions::max_expert_flows},
+    Limit{"expert-events", &EngineOptions::max_expert_events},
+    Limit{"wireless-nodes", &EngineOptions::max_wireless_nodes},
+    Limit{"wireless-channels", &EngineOptions::max_wireless_channels},
 };
 constexpr std::size_t kLargest = 1'000'000'000;
 

@@ -49,7 +49,9 @@ struct MakeOptions {
   std::string locale;
   std::string code_page;
   std::string hosts;
+  std::string trust;
   std::vector<std::string> limits;
+  double apdex = 0.5;
   bool live = false;
   bool no_names = false;
   bool no_progress = false;
@@ -117,6 +119,17 @@ std::unique_ptr<PacketFilter> MakeFilter(const std::string& expression) {
 void LearnHosts(const MakeOptions& options, CaptureEngine& engine) {
   engine.LearnHosts(kSystemHosts);
   if (!options.hosts.empty()) Require(engine.LearnHosts(options.hosts), options.hosts);
+}
+
+/// What the user thinks of nodes of a wireless medium.
+void ReadTrust(const std::string& path, EngineOptions* options) {
+  std::string bad_line;
+  const Status status = ReadTrustFile(path, &options->trusted_addresses, &bad_line);
+  if (!bad_line.empty()) {
+    throw CommandError(kUsage, fmt::format("--trust {}: \"{}\" must read ADDRESS known or ADDRESS trusted", path,
+                                           Printable(bad_line)));
+  }
+  Require(status, path);
 }
 
 using Sources = std::vector<std::unique_ptr<PacketSource>>;
@@ -241,7 +254,9 @@ int Make(const MakeOptions& options) {
   std::vector<Target> targets = ChooseTargets(options);
   const std::unique_ptr<PacketFilter> filter = MakeFilter(options.filter);
   EngineOptions engine_options{.plain_addresses = options.no_names, .vendor_folder = kVendorFolder};
+  engine_options.apdex_target = static_cast<std::uint64_t>(options.apdex * 1e9);
   ApplyLimits(options.limits, &engine_options);
+  if (!options.trust.empty()) ReadTrust(options.trust, &engine_options);
   CaptureEngine engine(engine_options);
   LearnHosts(options, engine);
   Require(engine.RegisterClasses(), "the capture engine");
@@ -291,9 +306,16 @@ void AddMakeCommand(CLI::App& parser, Verb* verb) {
   command->add_option("--hosts", options->hosts, "Names of addresses, in the form of /etc/hosts, before all others")
       ->type_name("FILE")
       ->check(NotEmpty());
+  command->add_option("--trust", options->trust, "Wireless nodes: on each line an address, and known or trusted")
+      ->type_name("FILE")
+      ->check(NotEmpty());
   command->add_option("--limit", options->limits, "Rows that the engine keeps, as a bound on memory: " + LimitNames())
       ->type_name("NAME=N")
       ->allow_extra_args(false);
+  command->add_option("--apdex", options->apdex, "Within how many seconds an answer satisfies")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0.000001, 86400.0))
+      ->capture_default_str();
   command->add_option("--locale", options->locale, "Locale of dates and times (default: the environment's)")
       ->type_name("NAME")
       ->check(NotEmpty());

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <ranges>
 
 namespace orvo {
 namespace {
@@ -39,9 +40,7 @@ void SpreadOut(std::vector<PieLabelPlace>* places, const PieShape& pie) {
   double least = pie.top + line / 2;
   for (PieLabelPlace& place : *places) least = (place.y = std::max(place.y, least)) + line;
   double most = pie.bottom - line / 2;
-  for (auto place = places->rbegin(); place != places->rend(); ++place) {
-    most = (place->y = std::min(place->y, most)) - line;
-  }
+  for (PieLabelPlace& place : std::views::reverse(*places)) most = (place.y = std::min(place.y, most)) - line;
 }
 
 /// How far from the vertical through the centre a line of text at that height has to stay.

@@ -101,7 +101,9 @@ struct LocaleData {
   std::array<std::u16string, 100> pairs;  // every number of two digits, for the times of many rows
   std::vector<TimePiece> time;
   std::unique_ptr<icu::SimpleDateFormat> date;
-  mutable std::mutex date_lock;  // a format object serves one thread at a time
+  mutable std::mutex date_lock;           // guards what follows too: a format object serves one thread at a time
+  mutable std::array<int, 3> last_day{};  // year, month and day that were formatted last; many rows are of one day
+  mutable std::u16string last_date;
 };
 
 void ReadSymbols(const icu::Locale& locale, LocaleData* data) {
@@ -356,6 +358,11 @@ Status FormatShortDate(const CalendarTime& date, std::u16string* out) {
     const LocaleData& data = UserLocale();
     if (!data.date) Raise(E_FAIL);
     std::lock_guard lock(data.date_lock);
+    const std::array<int, 3> day{date.year, date.month, date.day};
+    if (data.last_day == day) {
+      *out = data.last_date;
+      return;
+    }
     UErrorCode error = U_ZERO_ERROR;
     icu::GregorianCalendar calendar(*icu::TimeZone::getGMT(), icu::Locale::getRoot(), error);
     calendar.clear();
@@ -365,6 +372,8 @@ Status FormatShortDate(const CalendarTime& date, std::u16string* out) {
     icu::UnicodeString text;
     data.date->format(instant, text);
     *out = TextOf(text);
+    data.last_date = *out;
+    data.last_day = day;
   });
 }
 

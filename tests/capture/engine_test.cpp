@@ -7,8 +7,10 @@
 #include <numeric>
 #include <thread>
 
+#include "capture/source/capture_file.h"
 #include "engine/categories.h"
 #include "engine/graphs.h"
+#include "engine/tables.h"
 #include "platform/class_factory.h"
 #include "platform/object.h"
 #include "tests/capture/engine_fixture.h"
@@ -213,12 +215,43 @@ TEST(Engine, AnEmptyCaptureIsAvailable) {
   EXPECT_EQ(context->GetTotalPackets(nullptr), E_POINTER);
 }
 
+TEST(Engine, OffersAnalysisTables) {
+  CaptureEngine engine;
+  ComPtr<ITableProvider> provider;
+  ASSERT_EQ(View(engine).Get(kExpertCategory)->QueryInterface(ITableProvider::kIid, provider.OutVoid()), S_OK);
+  ComPtr<ITable> table;
+  EXPECT_EQ(provider->GetTable(kTableMedia, 1, table.Out()), S_OK);
+  std::uint32_t rows = 1;
+  EXPECT_EQ(table->GetRowCount(&rows), S_OK);
+  EXPECT_EQ(rows, 0U);
+  EXPECT_EQ(provider->GetTable(kTableMedia, 2, table.Out()), E_INVALIDARG);
+  EXPECT_EQ(provider->GetTable(99, 1, table.Out()), E_INVALIDARG);
+  EXPECT_FALSE(table);
+  EXPECT_EQ(provider->GetTable(kTableMedia, 1, nullptr), E_POINTER);
+}
+
+TEST(Engine, CountsCallsAndTheirMedia) {
+  CaptureEngine engine;
+  SourceError error;
+  auto source = OpenCaptureFile(ORVO_SOURCE_DIR "/samples/voice-lossy.pcap", &error);
+  ASSERT_TRUE(source);
+  for (Packet packet; source->Next(&packet);) engine.Feed(packet);
+  engine.StoreSummary(u"stored");
+  const std::pair<const char*, std::uint64_t> values[] = {
+      {"Calls", 1}, {"Media Streams", 4}, {"SIP Requests", 3}, {"SIP Responses", 3}, {"RTP Packets", 1138}};
+  for (const auto& [name, value] : values) {
+    EXPECT_EQ(View(engine).Value(name).first, value) << name;
+    EXPECT_EQ(View(engine).Value(name, 1).first, value) << name;
+  }
+  EXPECT_EQ(View(engine).context->ResetStatistics(), S_OK);
+  EXPECT_EQ(View(engine).Value("Media Streams").first, 0U);
+}
+
 TEST(Engine, AnswersNoCategoryThatItLacks) {
   CaptureEngine engine;
   ComPtr<IStatsContext> context = engine.Context();
   ComPtr<IUnknown> object;
-  for (const Guid& category :
-       {kWirelessNodeCategory.identifier, kWirelessChannelCategory.identifier, kExpertCategory.identifier, Guid{}}) {
+  for (const Guid& category : {kWirelessNodeCategory.identifier, kWirelessChannelCategory.identifier, Guid{}}) {
     EXPECT_EQ(context->GetCategory(category, IUnknown::kIid, object.OutVoid()), E_NOINTERFACE);
     EXPECT_FALSE(object);
   }
@@ -425,6 +458,24 @@ TEST(EngineThreads, ReadAndFeedAtTheSameTime) {
   EXPECT_EQ(engine.packets(), 1500U);
 }
 
+/// Of all flows that the expert analysis lists.
+std::uint64_t PacketsOfFlows(const View& view) {
+  constexpr std::uint32_t kPackets = 10;
+  ComPtr<ITableProvider> provider;
+  ComPtr<ITable> flows;
+  EXPECT_EQ(Query(view.Get(kExpertCategory).get(), &provider), S_OK);
+  EXPECT_EQ(provider->GetTable(kTableFlows, 1, flows.Out()), S_OK);
+  std::uint32_t count = 0;
+  EXPECT_EQ(flows->GetRowCount(&count), S_OK);
+  std::uint64_t packets = 0;
+  std::u16string text;
+  for (std::uint32_t row = 0; row < count; ++row) {
+    EXPECT_EQ(flows->GetCell(row, kPackets, &text), S_OK);
+    packets += std::stoull(Ascii(text));
+  }
+  return packets;
+}
+
 // Batches of all sizes, some counted by the feeding thread and some by the engine's own, while others read, reset and
 // store summaries.
 TEST(EngineThreads, CountWhatWasFedBeforeTheyAnswer) {
@@ -454,6 +505,7 @@ TEST(EngineThreads, CountWhatWasFedBeforeTheyAnswer) {
       }
       view.context->GetTotalPackets(&total);
       EXPECT_EQ(sent, 2 * total) << "every packet has a physical and a logical sender";
+      EXPECT_EQ(PacketsOfFlows(view), total) << "analyses tell of the same packets as tables";
       engine->StoreSummary(u"now");
     }
   });

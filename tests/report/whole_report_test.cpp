@@ -62,6 +62,8 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(Sample{"office", "office.pcapng", {}},
                     Sample{"office-german", "office.pcapng", {"--format", "tab", "--locale", "de_DE"}},
                     Sample{"ipv6", "ipv6.pcap", {}}, Sample{"links", "links.pcapng", {}},
+                    Sample{"wireless", "wireless.pcap", {"--set", "OutputNodeHierarchy=0"}},
+                    Sample{"voice", "voice-lossy.pcap", {}},
                     Sample{"nanoseconds", "nanoseconds.pcap", {"--set", "OutputNodeHierarchy=0"}}),
     [](const auto& sample) {
       std::string name = sample.param.name;

@@ -64,7 +64,7 @@ struct Flow {
   bool ended = false;
   std::array<bool, 2> finished{};  ///< which ends have sent a FIN
 };
-static_assert(sizeof(Flow) <= 80);
+static_assert(sizeof(Flow) <= 88);
 
 /// The flows under way, at most `limit` of them, about 100 bytes each.
 ///

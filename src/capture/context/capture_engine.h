@@ -6,7 +6,9 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "capture/names/trust_file.h"
 #include "capture/source/packet.h"
 #include "engine/context.h"
 #include "engine/graphs.h"
@@ -32,8 +34,28 @@ struct EngineOptions {
   std::size_t max_flows = 1'000'000;
   /// Flows that are looked into at once, about 1 KB each; the one that was silent for longest is judged by its ports.
   std::size_t max_undecided_flows = 50'000;
+  /// Calls (SIP) and streams of voice and video (RTP) that are listed, about 1 KB and 500 bytes each. The summary
+  /// counts the messages and packets of others.
+  std::size_t max_calls = 100'000;
+  std::size_t max_media_streams = 100'000;
   /// Names that are kept: about 150 bytes for one of usual length, 600 for the longest. The summary counts the others.
   std::size_t max_names = 1'000'000;
+  /// Whether flows and the network are watched for what is slow and what goes wrong. Without, the tables of that are
+  /// empty.
+  bool expert_analysis = true;
+  /// Flows that are over and still listed, about 170 bytes each; the one that is over for longest makes room. Its
+  /// figures stay in those of its application. Flows under way take about 280 bytes more than max_flows says.
+  std::size_t max_expert_flows = 1'000'000;
+  /// Events in the log, about 100 bytes each; the oldest makes room. All are counted.
+  std::size_t max_expert_events = 100'000;
+  /// Nanoseconds within which an answer satisfies (the target T of the Apdex Technical Specification 1.1).
+  std::uint64_t apdex_target = 500'000'000;
+  /// Nodes and network names of a wireless medium, about 300 bytes each, and its channels. Packets beyond count
+  /// everywhere else, and the summary says how many there were.
+  std::size_t max_wireless_nodes = 100'000;
+  std::size_t max_wireless_channels = 1'000;
+  /// What is said of physical addresses of a wireless medium; of several about one address the last counts.
+  std::vector<TrustedAddress> trusted_addresses{};
   /// Summaries stored by name; storing one more drops the oldest.
   std::size_t max_stored_summaries = 100;
 };

@@ -4,7 +4,9 @@
 #include <array>
 #include <utility>
 
+#include "capture/context/expert_view.h"
 #include "capture/context/traffic_views.h"
+#include "capture/context/wireless_views.h"
 #include "engine/categories.h"
 #include "platform/error.h"
 #include "platform/object.h"
@@ -219,9 +221,11 @@ Status Answer(const EpochPtr& epoch, const Guid& iid, void** out) {
   return MakeObject<View>(epoch)->QueryInterface(iid, out);
 }
 
+/// For makers that give null where the capture has nothing of the kind.
 template <ComPtr<IUnknown> (*make)(const EpochPtr& epoch)>
 Status AnswerMade(const EpochPtr& epoch, const Guid& iid, void** out) {
-  return make(epoch)->QueryInterface(iid, out);
+  const ComPtr<IUnknown> made = make(epoch);
+  return made ? made->QueryInterface(iid, out) : E_NOINTERFACE;
 }
 
 struct CategoryRow {
@@ -237,6 +241,9 @@ constexpr std::array kCategories{
     CategoryRow{kTopTalkerCategory.identifier, false, Answer<NodeView>},
     CategoryRow{kHierarchyCategory.identifier, false, Answer<HierarchyView>},
     CategoryRow{kConversationCategory.identifier, false, Answer<ConversationView>},
+    CategoryRow{kExpertCategory.identifier, false, AnswerMade<MakeExpertStats>},
+    CategoryRow{kWirelessNodeCategory.identifier, true, AnswerMade<MakeWirelessNodeStats>},
+    CategoryRow{kWirelessChannelCategory.identifier, true, AnswerMade<MakeWirelessChannelStats>},
     CategoryRow{kTrafficHistoryCategory.identifier, false, AnswerMade<MakeTrafficHistory>},
     CategoryRow{kSizeCategory.identifier, false, AnswerMade<MakeSizeStats>},
 };

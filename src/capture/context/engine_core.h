@@ -9,10 +9,13 @@
 #include <span>
 #include <vector>
 
+#include "capture/analysis/expert/expert_analysis.h"
+#include "capture/analysis/voice_analysis.h"
 #include "capture/classify/application_detector.h"
 #include "capture/classify/protocol_tree.h"
 #include "capture/context/capture_engine.h"
 #include "capture/context/category_views.h"
+#include "capture/context/feed_gate.h"
 #include "capture/context/note_queue.h"
 #include "capture/decode/protocol_registry.h"
 #include "capture/names/name_directory.h"
@@ -57,11 +60,14 @@ class EngineCore {
 
   const EngineOptions options_;
   const std::shared_ptr<NameDirectory> names_;
-  // The feeding thread's:
+  FeedGate gate_;
+  // The feeding thread's, within a pass of the gate:
   std::array<PacketFacts, NoteBatch::kMost> facts_;
   NoteBatch batch_;               // of packets that it counts itself
   std::vector<KnownName> heard_;  // of the packet in work
   ApplicationDetector detector_;
+  ExpertAnalysis expert_;
+  VoiceAnalysis voice_;
 
   mutable std::mutex mutex_;  // guards what follows; held for one batch, or while pages are shared
   StatisticsTables tables_;

@@ -6,6 +6,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "capture/analysis/expert/expert_analysis.h"
+#include "capture/analysis/voice_analysis.h"
 #include "capture/tables/statistics_tables.h"
 #include "engine/context.h"
 #include "engine/summary.h"
@@ -51,6 +53,9 @@ struct Epoch {
   std::shared_ptr<const SummaryCatalogue> catalogue;
   std::vector<std::shared_ptr<const SummaryRecord>> summaries;  ///< the present state, then those stored, oldest first
   FrozenTable<ProtocolEntry> protocols;
+  std::shared_ptr<const FrozenWireless> wireless;  ///< null for a wired medium
+  FrozenExpert expert;                             ///< empty in a loaded snapshot, as the next
+  FrozenVoice voice;                               ///< empty in a loaded snapshot
   std::shared_ptr<const FrozenTables> tables;  ///< everything else; null in a loaded snapshot, which does not hold it
 };
 

@@ -22,9 +22,18 @@ struct NoteBatch {
 
   std::span<const PacketNote> packets() const { return {notes.data(), size}; }
 
+  /// For the note at that place, which is there, when its packet is wireless.
+  void AddWireless(std::size_t place, const PacketFacts& facts) {
+    if (!wireless) wireless = std::make_unique<std::array<WirelessNote, kMost>>();
+    PacketNote& note = notes[place];
+    (*wireless)[place] = {note.time, note.bytes, facts.eap_method, facts.wireless};
+    note.wireless = &(*wireless)[place];
+  }
+
   std::size_t size = 0;
   FlowCounts flows;
   std::array<PacketNote, kMost> notes;
+  std::unique_ptr<std::array<WirelessNote, kMost>> wireless;  ///< made with the first wireless packet
 };
 
 /// Hands batches to a thread of its own, which counts them in the order in which they came. One thread fills; any

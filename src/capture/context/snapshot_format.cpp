@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <array>
-#include <concepts>
 #include <cstring>
 #include <string>
 #include <string_view>
 
+#include "capture/context/snapshot_bytes.h"
+#include "capture/context/snapshot_wireless.h"
 #include "platform/error.h"
 
 namespace orvo {
@@ -29,6 +30,7 @@ constexpr std::uint32_t kCaptureTag = Tag("CAPT");
 constexpr std::uint32_t kStatisticsTag = Tag("STAT");
 constexpr std::uint32_t kSummariesTag = Tag("SUMM");
 constexpr std::uint32_t kProtocolsTag = Tag("PROT");
+constexpr std::uint32_t kWirelessTag = Tag("WLAN");  // for a wireless medium only
 
 constexpr std::size_t kStatisticLength = 16 + 4 + 4;  // without its name
 constexpr std::size_t kGroupLength = 16 + 4;
@@ -51,89 +53,8 @@ std::uint32_t Checksum(std::string_view bytes) {
   return ~crc;
 }
 
-class Writer {
- public:
-  template <std::unsigned_integral T>
-  void Number(T value) {
-    for (std::size_t i = 0; i < sizeof(T); ++i) bytes_.push_back(static_cast<char>(value >> (8 * i)));
-  }
-  void Identifier(const Guid& guid) {
-    Number(guid.data1);
-    Number(guid.data2);
-    Number(guid.data3);
-    for (std::uint8_t byte : guid.data4) Number(byte);
-  }
-  void Text(std::u16string_view text) {
-    Number(static_cast<std::uint32_t>(text.size()));
-    for (char16_t unit : text) Number(static_cast<std::uint16_t>(unit));
-  }
-  template <class Body>
-  void Section(std::uint32_t tag, Body body) {
-    Number(tag);
-    std::size_t at = bytes_.size();
-    Number(std::uint32_t{0});
-    body();
-    PutAt(at, static_cast<std::uint32_t>(bytes_.size() - at - 4));
-  }
-  void Raw(std::string_view raw) { bytes_ += raw; }
-
-  template <std::unsigned_integral T>
-  void PutAt(std::size_t at, T value) {
-    for (std::size_t i = 0; i < sizeof(T); ++i) bytes_[at + i] = static_cast<char>(value >> (8 * i));
-  }
-  const std::string& bytes() const { return bytes_; }
-
- private:
-  std::string bytes_;
-};
-
-/// Takes values from the front of untrusted bytes; raises E_FAIL when there are too few.
-class Reader {
- public:
-  explicit Reader(std::string_view bytes) : bytes_(bytes) {}
-
-  std::string_view Take(std::size_t count) {
-    if (count > bytes_.size()) Raise(E_FAIL);
-    std::string_view taken = bytes_.substr(0, count);
-    bytes_.remove_prefix(count);
-    return taken;
-  }
-  template <std::unsigned_integral T>
-  T Number() {
-    T value = 0;
-    std::string_view taken = Take(sizeof(T));
-    for (std::size_t i = sizeof(T); i-- > 0;) {
-      value = static_cast<T>((std::uint64_t{value} << 8) | static_cast<unsigned char>(taken[i]));
-    }
-    return value;
-  }
-  Guid Identifier() {
-    Guid guid;
-    guid.data1 = Number<std::uint32_t>();
-    guid.data2 = Number<std::uint16_t>();
-    guid.data3 = Number<std::uint16_t>();
-    for (std::uint8_t& byte : guid.data4) byte = Number<std::uint8_t>();
-    return guid;
-  }
-  /// A number of things of at least `length` bytes each, all of which can be there.
-  std::uint32_t Count(std::size_t length) {
-    auto count = Number<std::uint32_t>();
-    if (count > bytes_.size() / length) Raise(E_FAIL);
-    return count;
-  }
-  std::u16string Text() {
-    std::u16string text(Count(2), u'\0');
-    for (char16_t& unit : text) unit = Number<std::uint16_t>();
-    return text;
-  }
-  bool AtEnd() const { return bytes_.empty(); }
-
- private:
-  std::string_view bytes_;
-};
-
 std::string Serialise(const Epoch& epoch) {
-  Writer out;
+  SnapshotWriter out;
   out.Raw(kMagic);
   out.Number(kVersion);
   out.Number(std::uint32_t{0});
@@ -175,12 +96,13 @@ std::string Serialise(const Epoch& epoch) {
       out.Number(epoch.protocols[i].bytes);
     }
   });
+  if (epoch.wireless) out.Section(kWirelessTag, [&] { WriteWireless(*epoch.wireless, out); });
   out.PutAt(kChecksumStart, std::uint64_t{out.bytes().size() - kHeaderLength});
   out.PutAt(kMagic.size() + 4, Checksum(std::string_view(out.bytes()).substr(kChecksumStart)));
   return out.bytes();
 }
 
-void ReadCapture(Reader in, Epoch* epoch) {
+void ReadCapture(SnapshotReader in, Epoch* epoch) {
   epoch->medium_type = in.Number<std::uint32_t>();
   epoch->medium_subtype = in.Number<std::uint32_t>();
   for (auto* value : {&epoch->packets, &epoch->bytes, &epoch->start, &epoch->duration}) {
@@ -189,7 +111,7 @@ void ReadCapture(Reader in, Epoch* epoch) {
   if (!in.AtEnd()) Raise(E_FAIL);
 }
 
-std::shared_ptr<const SummaryCatalogue> ReadCatalogue(Reader in) {
+std::shared_ptr<const SummaryCatalogue> ReadCatalogue(SnapshotReader in) {
   auto catalogue = std::make_shared<SummaryCatalogue>();
   catalogue->groups.resize(in.Count(kGroupLength));
   for (auto& group : catalogue->groups) {
@@ -207,7 +129,7 @@ std::shared_ptr<const SummaryCatalogue> ReadCatalogue(Reader in) {
   return catalogue;
 }
 
-void ReadSummaries(Reader in, Epoch* epoch) {
+void ReadSummaries(SnapshotReader in, Epoch* epoch) {
   std::size_t values = epoch->catalogue->statistics.size();
   std::uint32_t count = in.Count(4 + values * kValueLength);
   if (count == 0) Raise(E_FAIL);
@@ -226,7 +148,7 @@ void ReadSummaries(Reader in, Epoch* epoch) {
   if (!in.AtEnd()) Raise(E_FAIL);
 }
 
-FrozenTable<ProtocolEntry> ReadProtocols(Reader in) {
+FrozenTable<ProtocolEntry> ReadProtocols(SnapshotReader in) {
   PagedVector<ProtocolEntry> protocols;
   std::uint32_t count = in.Count(kProtocolLength);
   for (std::uint32_t i = 0; i < count; ++i) {
@@ -240,13 +162,16 @@ FrozenTable<ProtocolEntry> ReadProtocols(Reader in) {
   return protocols.Freeze();
 }
 
-/// The sections that a snapshot must have, once each, in whatever order; those with other tags are passed over.
+/// The sections of a snapshot, at most once each and in whatever order; it must have the first four. Those with other
+/// tags are passed over.
 struct Sections {
-  std::array<std::uint32_t, 4> tags{kCaptureTag, kStatisticsTag, kSummariesTag, kProtocolsTag};
-  std::array<std::string_view, 4> bodies;
+  static constexpr std::size_t kNeeded = 4;
+  std::array<std::uint32_t, 5> tags{kCaptureTag, kStatisticsTag, kSummariesTag, kProtocolsTag, kWirelessTag};
+  std::array<std::string_view, 5> bodies;
+  bool has_wireless = false;
 
-  explicit Sections(Reader in) {
-    std::array<bool, 4> seen{};
+  explicit Sections(SnapshotReader in) {
+    std::array<bool, 5> seen{};
     while (!in.AtEnd()) {
       auto tag = in.Number<std::uint32_t>();
       std::string_view body = in.Take(in.Number<std::uint32_t>());
@@ -256,7 +181,8 @@ struct Sections {
       seen[place] = true;
       bodies[place] = body;
     }
-    if (std::find(seen.begin(), seen.end(), false) != seen.end()) Raise(E_FAIL);
+    if (std::find(seen.begin(), seen.begin() + kNeeded, false) != seen.begin() + kNeeded) Raise(E_FAIL);
+    has_wireless = seen[kNeeded];
   }
 };
 
@@ -290,7 +216,7 @@ void WriteSnapshot(const Epoch& epoch, IStream* stream) {
 EpochPtr ReadSnapshot(IStream* stream) {
   std::string bytes;
   ReadExactly(stream, kHeaderLength, &bytes);
-  Reader header(bytes);
+  SnapshotReader header(bytes);
   if (header.Take(kMagic.size()) != kMagic) Raise(E_FAIL);
   if (header.Number<std::uint32_t>() != kVersion) Raise(E_FAIL);
   auto checksum = header.Number<std::uint32_t>();
@@ -300,12 +226,13 @@ EpochPtr ReadSnapshot(IStream* stream) {
   std::string_view all = bytes;
   if (Checksum(all.substr(kChecksumStart)) != checksum) Raise(E_FAIL);
 
-  Sections sections{Reader(all.substr(kHeaderLength))};
+  Sections sections{SnapshotReader(all.substr(kHeaderLength))};
   auto epoch = std::make_shared<Epoch>();
-  ReadCapture(Reader(sections.bodies[0]), epoch.get());
-  epoch->catalogue = ReadCatalogue(Reader(sections.bodies[1]));
-  ReadSummaries(Reader(sections.bodies[2]), epoch.get());
-  epoch->protocols = ReadProtocols(Reader(sections.bodies[3]));
+  ReadCapture(SnapshotReader(sections.bodies[0]), epoch.get());
+  epoch->catalogue = ReadCatalogue(SnapshotReader(sections.bodies[1]));
+  ReadSummaries(SnapshotReader(sections.bodies[2]), epoch.get());
+  epoch->protocols = ReadProtocols(SnapshotReader(sections.bodies[3]));
+  if (sections.has_wireless) epoch->wireless = ReadWireless(SnapshotReader(sections.bodies[4]));
   return epoch;
 }
 

@@ -19,7 +19,7 @@ bool SummaryCatalogue::Index() {
 
 namespace {
 
-enum GroupPosition : std::uint32_t { kGeneral, kNetwork, kErrors, kTcp, kCounts, kSizes };
+enum GroupPosition : std::uint32_t { kGeneral, kNetwork, kErrors, kTcp, kCounts, kSizes, kVoice };
 
 struct GroupRow {
   Guid identifier;
@@ -33,6 +33,7 @@ constexpr std::array kGroups{
     GroupRow{"0E57A9D2-7C18-4FB3-8D26-E1B96F40A534"_guid, u"TCP"},
     GroupRow{"9B14D6E8-F03A-4C79-A5D7-3E82C1F7B645"_guid, u"Counts"},
     GroupRow{"42F8C05B-8E6D-4A12-B39C-7D05A8E4C756"_guid, u"Packet Sizes"},
+    GroupRow{"3C1D7A90-52E4-4B6F-9A08-61F2B7C4D967"_guid, u"Voice and Video"},
 };
 
 /// The numbers of a value; `known` is false when this capture has none.
@@ -135,8 +136,16 @@ constexpr std::array kStatistics{
                  kSummaryPackets, [](C c) { return Numbers{c.unlisted_conversations}; }},
     StatisticRow{"A8E4D17F-30C6-4B92-8D5E-71F2C9A06BD3"_guid, kCounts, u"Packets of Hierarchy Rows Not Listed",
                  kSummaryPackets, [](C c) { return Numbers{c.unlisted_hierarchy}; }},
+    StatisticRow{"7E21C5B8-94D3-4A0F-B6E2-15F8A9C3D07E"_guid, kCounts, u"Packets of Wireless Rows Not Listed",
+                 kSummaryPackets, [](C c) { return Numbers{c.unlisted_wireless}; }},
     StatisticRow{"4D96B0E8-C25A-4F31-B7D4-0E8A63F15CE4"_guid, kCounts, u"Names Not Listed", kSummaryInteger,
                  [](C c) { return Numbers{c.unlisted_names}; }},
+    StatisticRow{"7B2E91C6-5D08-4A3F-9E74-31C8F0D6A25B"_guid, kCounts, u"Expert Events", kSummaryInteger,
+                 [](C c) { return Numbers{c.expert.events}; }},
+    StatisticRow{"C4F6083D-97B1-4E2A-8C55-D20E7A9B164F"_guid, kCounts, u"Expert Events Not Listed", kSummaryInteger,
+                 [](C c) { return Numbers{c.expert.unlisted_events}; }},
+    StatisticRow{"1E8D57A0-2F4C-49B6-B3E1-86A5C97D0F32"_guid, kCounts, u"Expert Flows Not Listed", kSummaryInteger,
+                 [](C c) { return Numbers{c.expert.unlisted_flows}; }},
 
     StatisticRow{"C10F7E5A-8B92-4D36-94EB-A3D5F8C617CD"_guid, kSizes, u"Smallest Packet", kSummaryInteger,
                  [](C c) {
@@ -161,6 +170,23 @@ constexpr std::array kStatistics{
                  [](C c) { return Numbers{PacketsBetween(c.sizes, 1023, 1517)}; }},
     StatisticRow{"39C54A8F-B7E0-4D2C-9E16-D7A8F0B94F45"_guid, kSizes, u"1518 Bytes or More", kSummaryPackets,
                  [](C c) { return Numbers{PacketsBetween(c.sizes, 1517, UINT64_MAX)}; }},
+
+    StatisticRow{"A7E2B914-6C3D-4F50-8B17-D94C20E6F178"_guid, kVoice, u"Calls", kSummaryInteger,
+                 [](C c) { return Numbers{c.voice.calls}; }},
+    StatisticRow{"0D58C6F3-B941-4E2A-A7C5-3F186B9DE289"_guid, kVoice, u"Media Streams", kSummaryInteger,
+                 [](C c) { return Numbers{c.voice.streams}; }},
+    StatisticRow{"F19B47D2-83AE-4605-BD6C-72C0E5A1F39A"_guid, kVoice, u"SIP Requests", kSummaryPackets,
+                 [](C c) { return Numbers{c.voice.sip_requests}; }},
+    StatisticRow{"68C4A03E-D7F5-4B19-92E8-B5D31C7F64AB"_guid, kVoice, u"SIP Responses", kSummaryPackets,
+                 [](C c) { return Numbers{c.voice.sip_responses}; }},
+    StatisticRow{"B3F07E59-1A8C-42D6-8E94-C6A5D20B75BC"_guid, kVoice, u"RTP Packets", kSummaryPackets,
+                 [](C c) { return Numbers{c.voice.rtp_packets}; }},
+    StatisticRow{"5E92D1C8-F46B-4A37-B0F3-18D7E96CA6CD"_guid, kVoice, u"RTCP Packets", kSummaryPackets,
+                 [](C c) { return Numbers{c.voice.rtcp_packets}; }},
+    StatisticRow{"C84B6A27-0E9D-4F13-A5B8-E72D94F1B7DE"_guid, kVoice, u"SIP Messages of Calls Not Listed",
+                 kSummaryPackets, [](C c) { return Numbers{c.voice.unlisted_sip_messages}; }},
+    StatisticRow{"2A75F3E0-9C16-4D8B-87D4-5B0E6A38C8EF"_guid, kVoice, u"RTP Packets of Streams Not Listed",
+                 kSummaryPackets, [](C c) { return Numbers{c.voice.unlisted_rtp_packets}; }},
 };
 
 }  // namespace

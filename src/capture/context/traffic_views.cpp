@@ -39,8 +39,8 @@ class HistoryView final : public Object<ITrafficHistory> {
 
 class SizeView final : public Object<ISizeStats> {
  public:
-  explicit SizeView(const SizeCounts& counts)
-      : scheme_(ChooseSizeScheme(counts)), buckets_(SizeBuckets(counts, scheme_)) {}
+  SizeView(const SizeCounts& counts, bool is_wireless)
+      : scheme_(is_wireless ? kSizesWireless : ChooseSizeScheme(counts)), buckets_(SizeBuckets(counts, scheme_)) {}
 
   Status GetScheme(std::uint32_t* scheme) override {
     if (!scheme) return E_POINTER;
@@ -66,7 +66,8 @@ ComPtr<IUnknown> MakeTrafficHistory(const EpochPtr& epoch) {
 }
 
 ComPtr<IUnknown> MakeSizeStats(const EpochPtr& epoch) {
-  return ComPtr<IUnknown>(MakeObject<SizeView>(epoch->tables->counters.sizes).get());
+  return ComPtr<IUnknown>(
+      MakeObject<SizeView>(epoch->tables->counters.sizes, IsWirelessSubtype(epoch->medium_subtype)).get());
 }
 
 }  // namespace orvo

@@ -10,14 +10,6 @@ namespace {
 constexpr std::size_t kHeaderLength = 14;
 constexpr std::uint8_t kAddressLength = 6;
 
-Delivery DeliveryTo(const AddressRecord& destination) {
-  if ((destination.bytes[0] & 1) == 0) return Delivery::kUnicast;
-  for (std::size_t i = 0; i < kAddressLength; ++i) {
-    if (destination.bytes[i] != 0xFF) return Delivery::kMulticast;
-  }
-  return Delivery::kBroadcast;
-}
-
 Payload DecodeEthernet(Bytes bytes, PacketFacts& facts) {
   if (bytes.size() < kHeaderLength) {
     facts.MarkShort();
@@ -26,7 +18,7 @@ Payload DecodeEthernet(Bytes bytes, PacketFacts& facts) {
   if (AddressPair* pair = facts.AddPhysicalPair()) {
     SetAddress<kAddressLength>(&pair->destination, kAddressPhysical, bytes.data());
     SetAddress<kAddressLength>(&pair->source, kAddressPhysical, bytes.data() + kAddressLength);
-    pair->delivery = DeliveryTo(pair->destination);
+    pair->delivery = DeliveryToPhysical(pair->destination);
   }
   return BehindTypeOrLength(Read16(bytes, kHeaderLength - 2), bytes.subspan(kHeaderLength), facts);
 }

@@ -7,13 +7,11 @@
 #include <cstring>
 #include <tuple>
 
+#include "capture/decode/wireless_facts.h"
 #include "capture/source/packet.h"
 #include "engine/address.h"
 
 namespace orvo {
-
-/// To whom a frame or datagram is addressed.
-enum class Delivery : std::uint8_t { kUnicast, kBroadcast, kMulticast };
 
 /// The two ends that one header names. Both addresses are of one type; an end that the header leaves out is an empty
 /// record.
@@ -49,8 +47,12 @@ struct PacketFacts {
     ip_protocol = 0;
     source_port = destination_port = 0;
     has_network_pair = has_ports = is_fragment = is_icmp_error = malformed = false;
-    cut_off = captured < original;
-    network = datagram = payload = {};
+    missing = original - std::min(captured, original);
+    cut_off = missing != 0;
+    goes_on = false;
+    eap_method = 0;
+    is_wireless = false;
+    network = datagram = payload = innermost = {};
     applications = {};
     flow = {};
   }
@@ -79,8 +81,16 @@ struct PacketFacts {
   /// To whom the frame itself is addressed, whatever it carries.
   Delivery delivery() const { return pair_count != 0 ? pairs[0].delivery : Delivery::kUnicast; }
 
-  /// A header that does not fit into the bytes left: the frame's fault, unless the capture dropped its tail.
-  void MarkShort() { malformed = malformed || !cut_off; }
+  /// A header that does not fit into the bytes left: the frame's fault, unless the capture dropped its tail or another
+  /// frame has the rest.
+  void MarkShort() { malformed = malformed || !(cut_off || goes_on); }
+
+  /// For the first header of a wireless link.
+  WirelessFacts& BeginWireless() {
+    if (!is_wireless) wireless = {};
+    is_wireless = true;
+    return wireless;
+  }
 
   /// The frame's if it has one, then the network header's; those beyond the count are left over from earlier packets.
   std::array<AddressPair, kMaxPairs> pairs;
@@ -96,16 +106,22 @@ struct PacketFacts {
   bool has_network_pair = false;
   bool has_ports = false;  ///< only the first fragment of a datagram has them; `ip_protocol` says whose they are
   bool is_fragment = false;
-  bool is_icmp_error = false;  ///< an error message of ICMP or ICMPv6
-  bool malformed = false;      ///< a header contradicts itself or the frame's length
-  bool cut_off = false;        ///< less was captured than was on the wire
-  Bytes network;   ///< the outermost IP datagram from its header on, without padding, as far as it was captured
-  Bytes datagram;  ///< the same of the innermost
-  Bytes payload;   ///< what the innermost TCP, UDP or SCTP header carries, as far as it was captured; may be empty
+  bool is_icmp_error = false;   ///< an error message of ICMP or ICMPv6
+  bool malformed = false;       ///< a header contradicts itself or the frame's length
+  bool cut_off = false;         ///< less was captured than was on the wire
+  bool is_wireless = false;     ///< a frame of 802.11, or a radio's header in front of one
+  bool goes_on = false;         ///< the link has split the packet, and later frames have the rest
+  std::uint8_t eap_method = 0;  ///< of a message of 802.1X (IANA EAP method types), 0 for none
+  std::size_t missing = 0;      ///< bytes that were on the wire behind those captured
+  Bytes network;    ///< the outermost IP datagram from its header on, without padding, as far as it was captured
+  Bytes datagram;   ///< the same of the innermost
+  Bytes payload;    ///< what the innermost TCP, UDP or SCTP header carries, as far as it was captured; may be empty
+  Bytes innermost;  ///< from the last header that was read on
   /// Identifiers of the protocols that the packet's flow was found to carry: what is spoken, then what it is spoken to
   /// (TLS, then a mail service); 0 for not known. Decoders leave them alone.
   std::array<std::uint16_t, 2> applications{};
-  FlowMark flow;  ///< which flow the packet is of; decoders leave it alone
+  FlowMark flow;           ///< which flow the packet is of; decoders leave it alone
+  WirelessFacts wireless;  ///< set for a wireless frame only
 
  private:
   AddressPair* ClearedPair() {

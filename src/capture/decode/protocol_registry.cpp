@@ -79,6 +79,7 @@ void DecodePacket(const Packet& packet, PacketFacts* facts) {
     const Protocol& protocol = registry.protocol(identifier);
     if (protocol.in_chain) facts->chain[facts->chain_length++] = identifier;
     if (!protocol.decode || !next.has_header) return;
+    facts->innermost = next.bytes;
     next = protocol.decode(next.bytes, *facts);
   }
 }

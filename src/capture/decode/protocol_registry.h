@@ -14,6 +14,8 @@ namespace orvo {
 enum class Layer : std::uint8_t {
   kNone,
   kLink,            ///< link type of a packet
+  kWireless,        ///< 0: a frame of IEEE 802.11 behind a radio's header
+  kWirelessType,    ///< type and subtype of a frame of IEEE 802.11
   kEtherType,       ///< IEEE 802 EtherType
   kEthernetLength,  ///< 0: an IEEE 802.3 frame with a length in the EtherType's place
   kLlc,             ///< 0: an IEEE 802.2 header on a link other than Ethernet

@@ -30,6 +30,25 @@ struct FlowCounts {
   }
 };
 
+/// Calls and their media.
+struct VoiceCounts {
+  std::uint64_t calls = 0;
+  std::uint64_t streams = 0;
+  std::uint64_t sip_requests = 0;  ///< with those that could not be read
+  std::uint64_t sip_responses = 0;
+  std::uint64_t rtp_packets = 0;
+  std::uint64_t rtcp_packets = 0;           ///< that are about one of the streams
+  std::uint64_t unlisted_sip_messages = 0;  ///< of calls or media that the full tables did not take in
+  std::uint64_t unlisted_rtp_packets = 0;   ///< of streams that the full table did not take in
+};
+
+/// What the expert analysis has found but does not list.
+struct ExpertCounts {
+  std::uint64_t events = 0;           ///< all, listed or not
+  std::uint64_t unlisted_flows = 0;   ///< over for so long that others took their rows
+  std::uint64_t unlisted_events = 0;  ///< that the log had no room for any more
+};
+
 /// Everything that is counted once for the whole capture. Times are nanoseconds since 1601-01-01 UTC, 0 for never.
 struct Counters {
   Traffic total;
@@ -51,8 +70,11 @@ struct Counters {
   std::uint64_t unlisted_addresses = 0;      ///< packets with an address that the full address table did not take in
   std::uint64_t unlisted_conversations = 0;  ///< packets of a conversation that the full table lacks
   std::uint64_t unlisted_hierarchy = 0;      ///< packets of a hierarchy row that the full table lacks
+  std::uint64_t unlisted_wireless = 0;       ///< wireless packets of a node, channel or rate that a full table lacks
   std::uint64_t unlisted_names = 0;          ///< names that the full directory refused
   FlowCounts flows;
+  VoiceCounts voice;
+  ExpertCounts expert;
   std::uint64_t shortest = 0;  ///< 0 while there are no packets
   std::uint64_t longest = 0;
   SizeCounts sizes{};

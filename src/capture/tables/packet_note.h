@@ -5,6 +5,7 @@
 
 #include "capture/decode/packet_facts.h"
 #include "capture/source/packet.h"
+#include "capture/tables/wireless_note.h"
 
 namespace orvo {
 
@@ -44,7 +45,8 @@ struct PacketNote {
   bool is_icmp_error = false;
   bool malformed = false;
   bool cut_off = false;
-  bool flow_names_network = false;  ///< the flow's ends are those of the outermost datagram: there is no tunnel
+  bool flow_names_network = false;         ///< the flow's ends are those of the outermost datagram: there is no tunnel
+  const WirelessNote* wireless = nullptr;  ///< of a wireless frame; kept by whoever keeps this
   std::array<AddressPair, PacketFacts::kMaxPairs> pairs;  ///< those beyond the count are left over
 };
 

@@ -8,7 +8,16 @@ namespace {
 // The last length of each bucket but the last.
 constexpr std::array<std::uint64_t, 5> kEthernetBounds{64, 255, 511, 1023, 1517};
 constexpr std::array<std::uint64_t, 10> kJumboBounds{64, 255, 511, 1023, 1518, 2047, 4095, 8191, 9017, 9022};
+constexpr std::array<std::uint64_t, 6> kWirelessBounds{63, 255, 511, 1023, 2047, 2346};
 constexpr std::uint64_t kLongestUsualFrame = 1518;
+
+std::span<const std::uint64_t> BoundsOf(SizeScheme scheme) {
+  switch (scheme) {
+    case kSizesJumbo: return kJumboBounds;
+    case kSizesWireless: return kWirelessBounds;
+    default: return kEthernetBounds;
+  }
+}
 
 }  // namespace
 
@@ -23,8 +32,7 @@ SizeScheme ChooseSizeScheme(const SizeCounts& counts) {
 }
 
 std::vector<std::uint64_t> SizeBuckets(const SizeCounts& counts, SizeScheme scheme) {
-  const std::span<const std::uint64_t> bounds =
-      scheme == kSizesJumbo ? std::span<const std::uint64_t>(kJumboBounds) : kEthernetBounds;
+  const std::span<const std::uint64_t> bounds = BoundsOf(scheme);
   std::vector<std::uint64_t> buckets;
   std::uint64_t above = 0;
   for (std::uint64_t bound : bounds) {

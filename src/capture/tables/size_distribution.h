@@ -12,8 +12,8 @@ namespace orvo {
 
 /// Frames are counted in the finest buckets that any scheme asks for; each ends with one of these lengths, the last
 /// bucket takes everything longer. The scheme is chosen when the counts are looked at.
-inline constexpr std::array<std::uint64_t, 12> kSizeBounds{64,   127,  255,  511,  1023, 1517,
-                                                           1518, 2047, 4095, 8191, 9017, 9022};
+inline constexpr std::array<std::uint64_t, 14> kSizeBounds{63,   64,   127,  255,  511,  1023, 1517,
+                                                           1518, 2047, 2346, 4095, 8191, 9017, 9022};
 using SizeCounts = std::array<std::uint64_t, kSizeBounds.size() + 1>;
 
 constexpr std::size_t SizeBucket(std::uint64_t length) {
@@ -28,8 +28,8 @@ std::uint64_t PacketsBetween(const SizeCounts& counts, std::uint64_t above, std:
 /// The scheme for a wired capture: jumbo as soon as one frame was longer than 1518 bytes, Ethernet otherwise.
 SizeScheme ChooseSizeScheme(const SizeCounts& counts);
 
-/// The buckets of kSizesEthernet or kSizesJumbo. Neither names one for 128 to 255 bytes; frames of those lengths are
-/// counted in the bucket below, so that every packet is in one.
+/// The buckets of kSizesEthernet, kSizesJumbo or kSizesWireless. None names one for 128 to 255 bytes; frames of those
+/// lengths are counted in the bucket below, so that every packet is in one.
 std::vector<std::uint64_t> SizeBuckets(const SizeCounts& counts, SizeScheme scheme);
 
 }  // namespace orvo

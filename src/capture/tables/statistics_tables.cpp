@@ -28,11 +28,12 @@ void PrefetchRow(const Table& table, std::uint32_t row) {
 
 }  // namespace
 
-StatisticsTables::StatisticsTables(const TableLimits& limits)
+StatisticsTables::StatisticsTables(const TableLimits& limits, const std::shared_ptr<const TrustList>& trust)
     : limits_(limits),
       addresses_(limits.addresses),
       protocol_rows_(std::size_t{std::numeric_limits<std::uint16_t>::max()} + 1, kNoRow),
-      conversations_(limits.conversations) {}
+      conversations_(limits.conversations),
+      wireless_(limits.wireless, trust) {}
 
 void StatisticsTables::Count(std::span<const PacketNote> packets) {
   // Some packets run ahead, so that what they need is on its way when it is their turn.
@@ -65,6 +66,7 @@ void StatisticsTables::Prefetch(const PacketNote& packet) {
 
 void StatisticsTables::Count(const PacketNote& packet) {
   CountTotals(packet);
+  if (packet.wireless) counters_.unlisted_wireless += !wireless_.Count(*packet.wireless, &addresses_);
   const std::uint32_t protocol_row = CountProtocol(packet.protocol, packet.bytes);
   const std::uint32_t protocol_key = protocols_[protocol_row].key;
   history_.Add(packet.time, packet.bytes);
@@ -252,6 +254,8 @@ std::uint32_t StatisticsTables::HierarchyRow(std::uint32_t physical, std::uint32
 void StatisticsTables::Reset() {
   StatisticsTables fresh(limits_);
   std::swap(fresh.addresses_, addresses_);
+  wireless_.Reset();
+  std::swap(fresh.wireless_, wireless_);
   fresh.counters_.dropped = counters_.dropped;
   fresh.flows_ = fresh.flows_at_reset_ = flows_;
   *this = std::move(fresh);
@@ -268,8 +272,8 @@ Counters StatisticsTables::Summary() const {
 }
 
 FrozenTables StatisticsTables::Freeze() {
-  return {Summary(),           addresses_.Freeze(),     node_rows_.Freeze(), nodes_.Freeze(), hierarchy_.Freeze(),
-          protocols_.Freeze(), conversations_.Freeze(), history_.Freeze(),   graphs_.Freeze()};
+  return {Summary(),           addresses_.Freeze(),     node_rows_.Freeze(), nodes_.Freeze(),  hierarchy_.Freeze(),
+          protocols_.Freeze(), conversations_.Freeze(), history_.Freeze(),   graphs_.Freeze(), wireless_.Freeze()};
 }
 
 }  // namespace orvo

@@ -14,6 +14,7 @@
 #include "capture/tables/route_table.h"
 #include "capture/tables/row_index.h"
 #include "capture/tables/traffic_history.h"
+#include "capture/tables/wireless_tables.h"
 #include "engine/nodes.h"
 #include "engine/protocols.h"
 
@@ -24,6 +25,7 @@ struct TableLimits {
   std::size_t addresses = 2'000'000;
   std::size_t hierarchy = 4'000'000;
   std::size_t conversations = 4'000'000;
+  WirelessLimits wireless{};
 };
 
 /// All tables as of one moment.
@@ -37,13 +39,14 @@ struct FrozenTables {
   FrozenConversations conversations;
   FrozenHistory history;
   FrozenGraphs graphs;
+  std::shared_ptr<const FrozenWireless> wireless;  ///< null for a wired medium
 };
 
 /// The statistics of a capture. One thread writes; freezing needs the same exclusion as writing, reading what was
 /// frozen needs none.
 class StatisticsTables {
  public:
-  explicit StatisticsTables(const TableLimits& limits);
+  explicit StatisticsTables(const TableLimits& limits, const std::shared_ptr<const TrustList>& trust = nullptr);
 
   /// Counts packets; the more at a time, the faster it goes, up to some hundred.
   void Count(std::span<const PacketNote> packets);
@@ -95,6 +98,7 @@ class StatisticsTables {
   RouteTable routes_;
   TrafficHistory history_;
   GraphSamples graphs_;
+  WirelessTables wireless_;
 };
 
 }  // namespace orvo
