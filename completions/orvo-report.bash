@@ -4,7 +4,7 @@
 
 # What may follow each word: its options.
 declare -gA _orvo_report_options=(
-  [make]='--out --format --filter --settings --set --live --no-names --hosts --trust --limit --apdex --locale --code-page --no-progress --help'
+  [make]='--out --format --report --templates --filter --settings --set --live --no-names --hosts --trust --limit --apdex --locale --code-page --no-progress --help'
   [settings]='--settings --set --help'
   [classes]='--help'
   [register]='--help'
@@ -12,7 +12,8 @@ declare -gA _orvo_report_options=(
 )
 _orvo_report_words='make settings classes register unregister --help --version'
 _orvo_report_limits='addresses= hierarchy= conversations= flows= calls= media-streams= names= expert-flows= expert-events= wireless-nodes= wireless-channels='
-_orvo_report_formats='csv tab'
+_orvo_report_formats='csv tab xml'
+_orvo_report_reports='full executive-summary expert-summary additional-node conversations'
 _orvo_report_filters='arp broadcast ether host icmp icmp6 ip ip6 multicast net not port portrange tcp udp vlan'
 _orvo_report_code_pages='UTF-8 US-ASCII ISO-8859-1 ISO-8859-15 windows-1250 windows-1251 windows-1252 Shift_JIS'
 
@@ -31,7 +32,7 @@ _orvo_report_paths() {
 _orvo_report_value() {
   local option=$1 current=$2
   case $option in
-    --out) _orvo_report_paths -d "$current" ;;
+    --out | --templates) _orvo_report_paths -d "$current" ;;
     --settings | --hosts | --trust) _orvo_report_paths -f "$current" ;;
     --format)
       # Formats are joined by commas: offer the next one behind those that are there.
@@ -43,6 +44,7 @@ _orvo_report_value() {
       done
       _orvo_report_offer "${words[*]}" "$current"
       ;;
+    --report) _orvo_report_offer "$_orvo_report_reports" "$current" ;;
     --set)
       # The command knows its switches: they are the attributes of the document that it prints.
       local switches

@@ -13,6 +13,7 @@ namespace {
 constexpr Format kFormats[] = {
     {"csv", kCsvStatsOutputClass, u".csv", u","},
     {"tab", kCsvStatsOutputClass, u".txt", u"\t"},
+    {"xml", kXmlStatsOutputClass, u".xml", u","},
 };
 
 const Format* FindFormat(std::string_view name) {

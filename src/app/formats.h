@@ -20,7 +20,7 @@ struct Format {
 /// is none.
 std::vector<const Format*> ParseFormats(std::string_view list);
 
-/// "csv, tab": the names that ParseFormats knows.
+/// "csv, tab, ...": the names that ParseFormats knows.
 std::string FormatNames();
 
 }  // namespace orvo::app

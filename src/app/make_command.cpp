@@ -1,8 +1,10 @@
 #include <fmt/core.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
+#include <limits>
 #include <map>
 #include <memory>
 #include <span>
@@ -16,6 +18,7 @@
 #include "app/options.h"
 #include "app/progress.h"
 #include "app/report_files.h"
+#include "app/report_kinds.h"
 #include "app/settings.h"
 #include "capture/context/capture_engine.h"
 #include "capture/source/capture_file.h"
@@ -40,6 +43,8 @@ struct MakeOptions {
   std::string out;
   std::string filter;
   std::string formats = "csv";
+  std::string report;
+  std::string templates;
   SettingsOptions settings;
   std::string locale;
   std::string code_page;
@@ -62,10 +67,12 @@ void ApplyLocale(const MakeOptions& options) {
   }
 }
 
-/// A format, and the folder that its report goes into.
+/// A format, what its report is to contain, and the folder that it goes into. A report may change its preferences, so
+/// that each has its own.
 struct Target {
   const Format* format;
-  fs::path folder;
+  ComPtr<IStatsOutputPrefs> preferences;
+  fs::path folder{};
 };
 
 /// Makes a folder with its parents and gives it in full. Ends the command when no file can be made in it.
@@ -81,15 +88,22 @@ fs::path MakeFolder(const fs::path& path) {
   return folder;
 }
 
+std::vector<Target> ChooseTargets(const MakeOptions& options) {
+  std::vector<Target> targets;
+  for (const Format* format : ParseFormats(options.formats)) {
+    targets.push_back({.format = format, .preferences = LoadPreferences(options.settings)});
+    ChooseReport(options.report, *targets.back().preferences);
+  }
+  return targets;
+}
+
 /// The folder of each format: the one that was named, or, since several formats would mix their files there, one for
 /// each below it.
-std::vector<Target> MakeTargets(const MakeOptions& options) {
-  const std::vector<const Format*> formats = ParseFormats(options.formats);
+void MakeFolders(const MakeOptions& options, std::vector<Target>* targets) {
   const fs::path out(options.out);
-  std::vector<Target> targets;
-  for (const Format* format : formats)
-    targets.push_back({format, MakeFolder(formats.size() == 1 ? out : out / format->name)});
-  return targets;
+  for (Target& target : *targets) {
+    target.folder = MakeFolder(targets->size() == 1 ? out : out / target.format->name);
+  }
 }
 
 /// The filter that was asked for, or none.
@@ -197,18 +211,35 @@ bool PrintFiles(const ReportFiles& files) {
   return failed.empty();
 }
 
+/// The length of the capture in whole seconds, a part of one counting as a second: a report of it covers it all.
+std::uint32_t SecondsOf(IStatsContext& context) {
+  constexpr std::uint64_t kNanosecondsPerSecond = 1'000'000'000;
+  std::uint64_t duration = 0;
+  Require(context.GetDuration(&duration), "the capture's duration");
+  const std::uint64_t seconds = duration / kNanosecondsPerSecond + (duration % kNanosecondsPerSecond != 0 ? 1 : 0);
+  return static_cast<std::uint32_t>(std::min<std::uint64_t>(seconds, std::numeric_limits<std::uint32_t>::max()));
+}
+
+/// The folder of templates in full, in the form of the component's paths and with a separator at its end; empty when
+/// none was named.
+std::u16string TemplateFolder(const MakeOptions& options) {
+  if (options.templates.empty()) return {};
+  return PathFromSystem((fs::absolute(options.templates) / "").string());
+}
+
 /// Writes one report in one format. False when one of its files failed.
-bool WriteReport(const MakeOptions& options, const Target& target, CaptureEngine& engine,
-                 IStatsOutputPrefs& preferences) {
+bool WriteReport(const MakeOptions& options, const Target& target, CaptureEngine& engine) {
   const Format& format = *target.format;
   auto files = MakeObject<ReportFiles>();
   engine.SetObserver(files.get());
   auto method = CreateComponent<IStatsOutputMethod>(format.method, fmt::format("the report library ({})", format.name));
-  Require(method->SetFormat(Bstr(format.extension).get(), Bstr(format.separator).get(), &preferences, nullptr),
+  Require(method->SetFormat(Bstr(format.extension).get(), Bstr(format.separator).get(), target.preferences.get(),
+                            Bstr(TemplateFolder(options)).get()),
           format.name);
 
   const Bstr report_folder(PathFromSystem(target.folder.string() + "/"));
   ComPtr<IStatsContext> context = engine.Context();
+  Require(method->SetInterval(SecondsOf(*context)), format.name);
   ComPtr<IGraphCollection> graphs = engine.Graphs();
   Status status = options.live ? method->OutputLive(context.get(), report_folder.get(), graphs.get())
                                : method->Output(report_folder.get(), context.get(), graphs.get());
@@ -220,8 +251,7 @@ bool WriteReport(const MakeOptions& options, const Target& target, CaptureEngine
 int Make(const MakeOptions& options) {
   // Whatever can be wrong with the words and folders is found before the long work begins.
   ApplyLocale(options);
-  (void)ParseFormats(options.formats);
-  ComPtr<IStatsOutputPrefs> preferences = LoadPreferences(options.settings);
+  std::vector<Target> targets = ChooseTargets(options);
   const std::unique_ptr<PacketFilter> filter = MakeFilter(options.filter);
   EngineOptions engine_options{.plain_addresses = options.no_names, .vendor_folder = kVendorFolder};
   engine_options.apdex_target = static_cast<std::uint64_t>(options.apdex * 1e9);
@@ -231,11 +261,11 @@ int Make(const MakeOptions& options) {
   LearnHosts(options, engine);
   Require(engine.RegisterClasses(), "the capture engine");
   const Sources sources = OpenCaptures(options.captures);
-  const std::vector<Target> targets = MakeTargets(options);
+  MakeFolders(options, &targets);
 
   ReadCaptures(options, sources, filter.get(), engine);
   bool all_written = true;
-  for (const Target& target : targets) all_written &= WriteReport(options, target, engine, *preferences);
+  for (const Target& target : targets) all_written &= WriteReport(options, target, engine);
   return all_written ? kDone : kFailed;
 }
 
@@ -251,13 +281,21 @@ void AddMakeCommand(CLI::App& parser, Verb* verb) {
       ->type_name("")
       ->check(NotEmpty());
   command
-      ->add_option("--out", options->out, "Folder of the report, made when missing; rows are appended to files there")
+      ->add_option("--out", options->out, "Folder of the report, made when missing; a report that is there is added to")
       ->required()
       ->type_name("DIR")
       ->check(NotEmpty());
   command->add_option("--format", options->formats, "Report forms, joined by commas: " + FormatNames())
       ->type_name("LIST")
       ->capture_default_str();
+  command->add_option("--report", options->report, "What the xml form contains: " + ReportNames())
+      ->type_name("KIND")
+      ->check(NotEmpty());
+  command
+      ->add_option("--templates", options->templates,
+                   "Folder with StatMap.xml, and Reports, whose pages and pictures the xml form copies")
+      ->type_name("DIR")
+      ->check(NotEmpty());
   command
       ->add_option("--filter", options->filter, "Count only packets that this expression holds for, see pcap-filter(7)")
       ->type_name("EXPR")

@@ -99,6 +99,13 @@ void XmlElement::RemoveChild(XmlElement child) {
   pugi::xml_node(node_).remove_child(pugi::xml_node(child.node_));
 }
 
+XmlElement XmlElement::AddCopy(XmlElement element) {
+  if (!node_ || !element) return {};
+  pugi::xml_node copy = pugi::xml_node(node_).append_copy(pugi::xml_node(element.node_));
+  CheckMade(copy);
+  return XmlElement(copy.internal_object());
+}
+
 struct XmlTree::Impl {
   pugi::xml_document document;
 };
@@ -131,6 +138,10 @@ XmlElement XmlTree::Root() const {
 XmlElement XmlTree::AddRoot(std::string_view name) {
   if (Root()) Raise(E_FAIL);
   return XmlElement(AppendElement(impl_->document, name).internal_object());
+}
+
+void XmlTree::RemoveRoot() {
+  impl_->document.remove_child(DocumentElement(impl_->document));
 }
 
 }  // namespace orvo

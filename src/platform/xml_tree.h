@@ -42,6 +42,9 @@ class ORVO_PLATFORM_API XmlElement {
   void SetAttribute(std::string_view name, std::u16string_view value);
   void AddComment(std::u16string_view text);
   void RemoveChild(XmlElement child);
+  /// Adds a deep copy of an element of this or another tree at the end; nothing for an empty handle. Raises
+  /// E_OUTOFMEMORY.
+  XmlElement AddCopy(XmlElement element);
 
  private:
   pugi::xml_node_struct* node_ = nullptr;
@@ -69,6 +72,8 @@ class ORVO_PLATFORM_API XmlTree {
   XmlElement Root() const;
   /// Makes the document element of an empty tree; raises E_FAIL when there is one already.
   XmlElement AddRoot(std::string_view name);
+  /// Takes the document element away, with everything in it; what stands beside it stays.
+  void RemoveRoot();
 
  private:
   struct Impl;

@@ -61,6 +61,23 @@ TEST(XmlTreeTest, AnEmptyHandleAnswersEverything) {
   EXPECT_FALSE(none.AddElement("a", u"text"));
 }
 
+TEST(XmlTreeTest, ElementsAreCopiedFromTreeToTreeAndRootsReplaced) {
+  XmlTree source;
+  EXPECT_EQ(source.LoadText("<!--kept--><a><b c='1'>text<d/></b></a>"), S_OK);
+  XmlTree target;
+  XmlElement root = target.AddRoot("root");
+  EXPECT_FALSE(root.AddCopy(XmlElement()));
+  EXPECT_EQ(root.AddCopy(source.Root().FirstChild("b")).Name(), u"b");
+  source.RemoveRoot();
+  EXPECT_FALSE(source.Root());
+  source.RemoveRoot();  // nothing is left to remove
+  source.AddRoot("e");
+  EXPECT_EQ(source.ToText(), kDeclaration + "<!--kept-->\n<e />\n");
+  EXPECT_EQ(root.FirstChild("b").Attribute("c"), u"1");
+  EXPECT_EQ(root.FirstChild("b").Text(), u"text");
+  EXPECT_TRUE(root.FirstChild("b").FirstChild("d"));
+}
+
 TEST(XmlTreeTest, ForbiddenCharactersAreReplacedWhereTheyAreSet) {
   XmlTree tree;
   XmlElement root = tree.AddRoot("a");

@@ -56,6 +56,7 @@ TEST(CommandTest, WrongUsageIsOneLineAndStatusTwo) {
       {{"make", "", "--out", folder.Path()}, "CAPTURE: must not be empty"},
       {{"make", kSample, "--out", folder.Path(), "--format", "csv,doc"}, "--format doc: there is no such format"},
       {{"make", kSample, "--out", folder.Path(), "--format", ""}, "--format"},
+      {{"make", kSample, "--out", folder.Path(), "--report", "short"}, "--report short: there is no such report"},
       {{"make", kSample, "--out", folder.Path(), "--filter", ""}, "--filter: must not be empty"},
       {{"make", kSample, "--out", folder.Path(), "--filter", "tcp prot 80"}, "--filter tcp prot 80: "},
       {{"make", kSample, "--out", folder.Path(), "--filter", "wlan host 10.0.0.1"}, "--filter wlan host 10.0.0.1: "},
@@ -155,6 +156,25 @@ TEST(CommandTest, PrintsTheFilesThatItWrote) {
   const std::vector<std::string> lines = Lines(folder.Read("a/b/csv/Node Statistics-IP.csv"));
   EXPECT_EQ(std::ranges::count_if(lines, [](const std::string& line) { return line.starts_with("Time Saved"); }), 1);
   EXPECT_EQ(lines.size() % 2, 1U) << "the second report adds as many rows as the first";
+}
+
+TEST(CommandTest, AnXmlReportTakesItsKindAndTemplates) {
+  TemporaryFolder folder;
+  std::filesystem::create_directories(folder.Path("templates/Reports"));
+  folder.Write("templates/Reports/Report.htm", "the page");
+  const CommandResult full = RunCommand(
+      {"make", kSample, "--out", folder.Path("full"), "--format", "xml", "--templates", folder.Path("templates")});
+  EXPECT_EQ(full.exit_status, 0) << full.messages;
+  EXPECT_EQ(folder.Read("full/Report.htm"), "the page");
+  EXPECT_TRUE(folder.Has("full/ProtocolsMenu.htm"));
+  EXPECT_THAT(full.output, HasSubstr(folder.Path("full/StatsReport.xml") + " ("));
+
+  // The kind changes the preferences of the report that it is for, and of no other.
+  const CommandResult both =
+      RunCommand({"make", kSample, "--out", folder.Path("both"), "--format", "xml,csv", "--report", "expert-summary"});
+  EXPECT_EQ(both.exit_status, 0) << both.messages;
+  EXPECT_FALSE(folder.Has("both/xml/ProtocolsMenu.htm"));
+  EXPECT_TRUE(folder.Has("both/csv/Node Statistics-IP.csv"));
 }
 
 TEST(CommandTest, AFilterLeavesOutWhatItDoesNotHoldFor) {

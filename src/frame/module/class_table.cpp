@@ -6,6 +6,7 @@
 #include "frame/stats_output_method.h"
 #include "prefs/stats_output_prefs.h"
 #include "text/csv_stats_output.h"
+#include "xml/xml_stats_output.h"
 
 namespace orvo {
 namespace {
@@ -15,6 +16,8 @@ constexpr ModuleClass kClasses[] = {
     {kCsvStatsOutputClass, "OrvoReports.1", "OrvoReports", "CSVStatsOutput Class", 102, CreateCsvStatsOutput},
     {kStatsOutputPrefsClass, "OrvoReports.StatsOutputPrefs.1", "OrvoReports.StatsOutputPrefs", "StatsOutputPrefs Class",
      104, CreateStatsOutputPrefs},
+    {kXmlStatsOutputClass, "OrvoReports.XMLStatsOutput.1", "OrvoReports.XMLStatsOutput", "XMLStatsOutput Class", 105,
+     CreateXmlStatsOutput},
 };
 static_assert(std::ranges::is_sorted(kClasses, {}, &ModuleClass::script));
 

@@ -1,0 +1,197 @@
+// The graphs of the report and those of the engine: pictures, documents that grow, names from outside.
+
+#include "xml/graph_documents.h"
+
+#include <gmock/gmock.h>
+
+#include "platform/object.h"
+#include "tests/xml/xml_report_fixture.h"
+
+namespace orvo::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+TEST(PictureName, StaysOneNameWhateverTheGraphIsCalled) {
+  const std::pair<std::u16string, std::u16string> names[] = {
+      {u"a b/c:d", u"a_b-c-d_3.png"},
+      {u"..\\..\\x", u"..-..-x_3.png"},
+      {u"", u"_3.png"},
+      {std::u16string(u"a\0\n\xD800", 4) + u"b", u"a---b_3.png"},
+      {u"Größe \U0001F4C8", u"Größe_\U0001F4C8_3.png"},
+      {std::u16string(1000, u'x'), std::u16string(230, u'x') + u"_3.png"},
+      {std::u16string(1000, u'ß'), std::u16string(115, u'ß') + u"_3.png"},
+  };
+  for (const auto& [graph, picture] : names) EXPECT_EQ(PictureName(graph, 3), picture);
+}
+
+/// The width and height of a PNG file, from its first chunk.
+std::pair<int, int> SizeOf(const std::string& png) {
+  auto number = [&](std::size_t at) {
+    return static_cast<std::uint8_t>(png.at(at + 2)) * 256 + static_cast<std::uint8_t>(png.at(at + 3));
+  };
+  return {number(16), number(20)};
+}
+
+class GraphDocumentsTest : public XmlReportTest {
+ protected:
+  GraphDocumentsTest() {
+    for (std::uint32_t other : {kSwitchOutputNodeStats, kSwitchOutputProtocolStats}) Switch(other, 0);
+    engine.live.missing = {kSummaryCategory.identifier};
+    engine.live.history = {1, 2, 3};
+    engine.live.history_start = Moment(-3);
+    engine.live.size_buckets = {1, 2, 3, 4, 5, 6};
+    AddGraph(u"Rate / s");
+    AddGraph(u"Size");
+  }
+  void AddGraph(const std::u16string& name) {
+    engine.live.graphs.push_back({.name = name,
+                                  .title = u"Title",
+                                  .interval = 1,
+                                  .start = Moment(-3),
+                                  .series = {{u"one", {1, 2, 3}}, {u"two", {3, 2, 1}}}});
+  }
+};
+
+TEST_F(GraphDocumentsTest, ReportGraphs) {
+  ASSERT_EQ(Output(), S_OK);
+  ASSERT_EQ(Output(), S_OK);
+  EXPECT_EQ(folder.Read("StatsReport.xml"), R"(<?xml version="1.0" encoding="utf-8"?>
+<StatsReport>
+  <Graphs>
+    <TrafficGraph src=".\Graphs\TrafficGraph.png" />
+    <TopTalkersGraph src=".\Graphs\TopTalkers.png" />
+    <SizeGraph src=".\Graphs\SizeDistribution.png" />
+  </Graphs>
+</StatsReport>
+)");
+  EXPECT_EQ(SizeOf(folder.Read("Graphs/TrafficGraph.png")), std::pair(600, 200));
+  EXPECT_EQ(SizeOf(folder.Read("Graphs/TopTalkers.png")), std::pair(420, 220));
+  EXPECT_EQ(SizeOf(folder.Read("Graphs/SizeDistribution.png")), std::pair(310, 190));
+  EXPECT_FALSE(folder.Has("Graphs.xml")) << "no collection was given";
+}
+
+TEST_F(GraphDocumentsTest, AFailureKeepsThePicturesBefore) {
+  engine.live.missing.push_back(kTrafficHistoryCategory.identifier);
+  engine.Fail("ISizeStats::GetBuckets", 1, E_FAIL);
+  ASSERT_EQ(Output(), S_OK);
+  EXPECT_THAT(Children("StatsReport.xml", {"Graphs"}), ElementsAre("TopTalkersGraph"));
+  Switch(kSwitchOutputGraphs, 0);
+  engine.live.graphs.clear();
+  ASSERT_EQ(Output(engine.Graphs().get()), S_OK);
+  EXPECT_FALSE(folder.Has("Graphs.xml"));
+}
+
+TEST_F(GraphDocumentsTest, TheCollectionGrowsFromReportToReport) {
+  ASSERT_EQ(Output(engine.Graphs().get()), S_OK);
+  EXPECT_EQ(SizeOf(folder.Read("Graphs/Rate_-_s_1.png")), std::pair(744, 556));
+  engine.Fail("IGraphSeries::GetSamples", 3, E_FAIL);  // of the second graph
+  ASSERT_EQ(Output(engine.Graphs().get()), S_OK);
+  EXPECT_EQ(FileStatus("Graphs.xml"), E_FAIL);
+  AddGraph(u"Late");
+  ASSERT_EQ(Output(engine.Graphs().get()), S_OK);
+  EXPECT_EQ(folder.Read("Graphs.xml"), R"(<?xml version="1.0" encoding="utf-8"?>
+<GraphCollection>
+  <Graph Name="Rate / s">
+    <Image src=".\Graphs\Rate_-_s_1.png" />
+    <Image src=".\Graphs\Rate_-_s_2.png" />
+  </Graph>
+  <Graph Name="Size">
+    <Image src=".\Graphs\Size_1.png" />
+    <Image src=".\Graphs\Size_2.png" />
+  </Graph>
+  <Graph Name="Late">
+    <Image src=".\Graphs\Late_2.png" />
+  </Graph>
+</GraphCollection>
+)") << "the report that failed has used up no number";
+  Switch(kSwitchOutputExpertSummary, 1);
+  ASSERT_EQ(Output(engine.Graphs().get()), S_OK);
+  EXPECT_THAT(Children("Graphs.xml", {"Graph"}), ElementsAre("Image")) << "begun anew";
+  folder.Write("Graphs.xml", "<GraphCollection><Graph Name=");
+  ASSERT_EQ(Output(engine.Graphs().get()), S_OK);
+  EXPECT_THAT(folder.Read("Graphs.xml"), HasSubstr("Late_4.png"));
+}
+
+TEST_F(GraphDocumentsTest, OtherKindsShowTheCollectionOfLiveReportsOnly) {
+  Switch(kSwitchOutputConversationsOnly, 1);
+  ASSERT_EQ(Output(engine.Graphs().get()), S_OK);
+  EXPECT_FALSE(folder.Has("Graphs.xml"));
+  ASSERT_EQ(OutputLive(engine.Graphs().get()), S_OK);
+  EXPECT_TRUE(folder.Has("Graphs.xml"));
+}
+
+/// One graph of many samples that remembers what it is asked for.
+class WatchedGraph final : public Object<IGraphCollection, IGraph, IGraphSeries> {
+ public:
+  Status GetCount(std::uint32_t* count) override {
+    *count = 1;
+    return S_OK;
+  }
+  Status GetGraph(std::uint32_t /*index*/, IGraph** graph) override {
+    AddRef();
+    *graph = this;
+    return S_OK;
+  }
+  Status GetName(std::u16string* name) override {
+    *name = u"G";
+    return S_OK;
+  }
+  Status GetTitle(std::u16string* title) override {
+    *title = u"T";
+    return S_OK;
+  }
+  Status GetInterval(std::uint32_t* seconds) override {
+    *seconds = 1;
+    return S_OK;
+  }
+  Status GetSampleCount(std::uint32_t* count) override {
+    *count = 10000;
+    return S_OK;
+  }
+  Status GetSeries(IGraphSeries** series) override {
+    AddRef();
+    *series = this;
+    return S_OK;
+  }
+  Status GetName(std::uint32_t /*series*/, std::u16string* name) override { return GetName(name); }
+  Status GetSamples(std::uint32_t /*series*/, std::uint64_t from, std::uint32_t every, std::uint32_t* count,
+                    double* values, std::uint64_t* times) override {
+    start = from;
+    step = every;
+    capacity = *count;
+    for (std::uint32_t i = 0; i < *count; ++i) {
+      values[i] = i;
+      times[i] = from + i;
+    }
+    return S_OK;
+  }
+
+  std::uint64_t start = 0;
+  std::uint32_t step = 0;
+  std::uint32_t capacity = 0;
+};
+
+TEST_F(GraphDocumentsTest, TheSpanFollowsTheIntervalUnlessNothingIsCaptured) {
+  auto graph = MakeObject<WatchedGraph>();
+  const struct {
+    std::uint32_t interval;
+    std::int64_t seconds;
+    std::uint32_t step;
+  } cases[] = {{0, 3600, 12}, {3600, 3600, 12}, {7200, 7200, 24}, {4'000'000'000, 4'000'000'000, 33}};
+  for (const auto& one : cases) {
+    method->SetInterval(one.interval);
+    ASSERT_EQ(Output(graph.get()), S_OK);
+    EXPECT_EQ(graph->start, Moment(-one.seconds));
+    EXPECT_EQ(graph->step, one.step);
+    EXPECT_GE(graph->capacity, 300U);
+    EXPECT_LT(graph->capacity, 600U);
+  }
+  ASSERT_EQ(OutputLive(graph.get()), S_OK);  // without a site
+  EXPECT_EQ(graph->start, 0U);
+  EXPECT_EQ(graph->step, 33U);
+}
+
+}  // namespace
+}  // namespace orvo::test

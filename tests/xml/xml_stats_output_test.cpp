@@ -1,0 +1,131 @@
+// What the output method does around its writers: index, kinds of reports, flags, failures.
+
+#include <gmock/gmock.h>
+
+#include "platform/object.h"
+#include "tests/xml/xml_report_fixture.h"
+
+namespace orvo::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class XmlStatsOutputTest : public XmlReportTest {};
+
+/// Preferences that remember what is read and changed, and fail for one switch.
+class WatchedPreferences final : public Object<IStatsOutputPrefs> {
+ public:
+  Status GetPreference(std::uint32_t identifier, std::int32_t* value) override {
+    read.push_back(identifier);
+    if (identifier == failing) return DISP_E_OVERFLOW;
+    *value = std::ranges::find(on, identifier) != on.end();
+    return S_OK;
+  }
+  Status SetPreference(std::uint32_t identifier, std::int32_t value) override {
+    changed.emplace_back(identifier, value);
+    return S_OK;
+  }
+  Status SetDefaults() override { return S_OK; }
+
+  std::vector<std::uint32_t> read;
+  std::vector<std::uint32_t> on;
+  std::vector<std::pair<std::uint32_t, std::int32_t>> changed;
+  std::uint32_t failing = 4711;
+};
+
+TEST_F(XmlStatsOutputTest, TheFirstReportMakesAnIndexTheSecondExtendsIt) {
+  Switch(kSwitchOutputNodeStats, 0);
+  Switch(kSwitchOutputProtocolStats, 0);
+  Switch(kSwitchOutputGraphs, 0);
+  engine.live.missing = {kSummaryCategory.identifier};
+  ASSERT_EQ(Output(), S_OK);
+  EXPECT_EQ(folder.Read("StatsReport.xml"), std::string(kDeclaration) + "<StatsReport />\n");
+  folder.Write("StatsReport.xml", "<StatsReport><Foreign/></StatsReport>");
+  ASSERT_EQ(Output(), S_OK);
+  EXPECT_THAT(Sections(), ElementsAre("Foreign"));
+
+  const std::string too_deep = [] {
+    std::string text;
+    for (int i = 0; i < 300; ++i) text += "<a>";
+    for (int i = 0; i < 300; ++i) text += "</a>";
+    return "<StatsReport>" + text + "</StatsReport>";
+  }();
+  for (const std::string& broken :
+       {std::string("<StatsReport><Cut"), std::string(), too_deep, std::string("<Other><Foreign/></Other>"),
+        std::string("<!DOCTYPE a [<!ENTITY b '&b;'>]><StatsReport>&b;</Stats>"), std::string("\xFF\xFE<\0S", 5)}) {
+    folder.Write("StatsReport.xml", broken);
+    ASSERT_EQ(Output(), S_OK);
+    EXPECT_THAT(Sections(), IsEmpty()) << broken.substr(0, 60);
+  }
+}
+
+TEST_F(XmlStatsOutputTest, KindsAreReadInOneOrderAndWinInAnother) {
+  auto watched = MakeObject<WatchedPreferences>();
+  method->SetFormat(nullptr, nullptr, watched.get(), nullptr);
+  engine.availability = E_FAIL;
+  ASSERT_EQ(Output(), S_OK);
+  EXPECT_THAT(watched->read, ElementsAre(121, 122, 126, 125)) << "before it is known that there is nothing to report";
+  EXPECT_THAT(folder.Names(), IsEmpty());
+
+  engine.availability = S_OK;
+  const std::pair<std::uint32_t, std::size_t> kinds[] = {{126, 8}, {125, 5}, {121, 9}, {122, 0}};
+  engine.live.medium_subtype = kSubtype80211a;
+  for (const auto& [identifier, changes] : kinds) {
+    watched->on.push_back(identifier);
+    watched->changed.clear();
+    ASSERT_EQ(Output(), S_OK);
+    EXPECT_EQ(watched->changed.size(), changes) << identifier << " wins over those before it";
+  }
+  watched->on = {121};
+  watched->changed.clear();
+  ASSERT_EQ(Output(), S_OK);
+  EXPECT_THAT(watched->changed,
+              ElementsAre(std::pair(30, 0), std::pair(2, 0), std::pair(124, 0), std::pair(13, 1), std::pair(14, 0),
+                          std::pair(15, 0), std::pair(16, 0), std::pair(17, 0), std::pair(18, 0)));
+
+  watched->on = {};
+  watched->failing = 125;
+  EXPECT_EQ(Output(), DISP_E_OVERFLOW);
+  watched->failing = kSwitchOutputNodeStats;
+  EXPECT_EQ(Output(), DISP_E_OVERFLOW) << "the gate of the nodes is the report's own";
+  watched->failing = kSwitchOutputProtocolStats;
+  EXPECT_EQ(Output(), S_OK) << "that of the protocols is its writer's";
+}
+
+TEST_F(XmlStatsOutputTest, ASpecialReportEndsHistoriesAndKeptIndexes) {
+  Switch(kSwitchOutputGraphs, 0);
+  engine.live.protocols.push_back({.key = engine.live.AddProtocol(1)});
+  Switch(kSwitchOutputConversationsOnly, 1);
+  engine.availability = E_FAIL;
+  ASSERT_EQ(Output(), S_OK);
+  engine.availability = S_OK;
+  Switch(kSwitchOutputConversationsOnly, 0);
+  folder.Write("StatsReport.xml", "<StatsReport><Foreign/></StatsReport>");
+  ASSERT_EQ(Output(), S_OK);
+  EXPECT_THAT(Sections(), testing::Not(testing::Contains("Foreign")));
+  EXPECT_FALSE(folder.Has("ProtocolStatistics.xml"));
+}
+
+TEST_F(XmlStatsOutputTest, HalfAnAnswerIsEnoughForASnapshotOnly) {
+  engine.availability = S_FALSE;
+  EXPECT_EQ(OutputLive(), S_OK);
+  EXPECT_THAT(folder.Names(), IsEmpty());
+  EXPECT_EQ(Output(), S_OK);
+  EXPECT_TRUE(folder.Has("StatsReport.xml"));
+}
+
+TEST_F(XmlStatsOutputTest, AFolderWithoutASeparatorIsAPrefix) {
+  std::u16string path = folder.ReportFolder() + u"sub";
+  Switch(kSwitchOutputGraphs, 0);
+  EXPECT_EQ(method->Output(Bstr(path).get(), engine.Context().get(), nullptr), S_OK);
+  EXPECT_TRUE(folder.Has("subStatsReport.xml"));
+}
+
+TEST_F(XmlStatsOutputTest, AnIndexThatCannotBeSavedEndsTheReport) {
+  std::filesystem::create_directory(folder.Path("StatsReport.xml"));
+  EXPECT_TRUE(Failed(Output()));
+}
+
+}  // namespace
+}  // namespace orvo::test
