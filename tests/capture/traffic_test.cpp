@@ -244,7 +244,7 @@ TEST(Graphs, ShowWhatWasCounted) {
        {"TCP", "UDP", "Other"},
        {{0, 7400 / 158.0, 0, 0}, {100, 0, 0, 80}, {0, 8400 / 158.0, 0, 20}}},
       {"Broadcast and Multicast", {"Broadcast", "Multicast"}, {{0, 1, 0, 0}, {0, 0, 0, 1}}},
-      {"Errors", {"Malformed Packets", "ICMP Errors"}, {{0, 0, 0, 1}, {0, 1, 0, 0}}},
+      {"Errors", {"Malformed Packets", "ICMP Errors", "Retransmissions"}, {{0, 0, 0, 1}, {0, 1, 0, 0}, {0, 0, 0, 0}}},
       {"Top Protocols",
        {"DNS", "mDNS", "ARP", "ICMP", "IPv4"},
        {{1280, 8 * 74, 0, 0}, {0, 0, 0, 480}, {0, 336, 0, 0}, {0, 336, 0, 0}, {0, 0, 0, 120}}},
@@ -268,6 +268,17 @@ TEST(Graphs, ShowWhatWasCounted) {
   }
   ComPtr<IGraph> beyond;
   EXPECT_EQ(engine.Graphs()->GetGraph(count, beyond.Out()), E_INVALIDARG);
+}
+
+TEST(Graphs, CountRetransmissionsWhenTheyAreSent) {
+  Buffer segment = Ethernet(Mac(2), Mac(1), 0x0800, Ipv4(Ip4(1), Ip4(2), 6, Tcp(4000, 80, 0x10, Zeros(9))));
+  for (bool expert_analysis : {true, false}) {
+    EngineOptions options;
+    options.expert_analysis = expert_analysis;
+    CaptureEngine engine(options);
+    for (std::uint64_t second : {0U, 1U, 1U, 3U}) engine.Feed(MakePacket(segment, kNewYear + second * kSecond));
+    EXPECT_EQ(GraphUnderTest(engine, "Errors").Values(2), expert_analysis ? Values({0, 2, 0, 1}) : Values(4, 0));
+  }
 }
 
 // Ten samples of 1 to 10 packets.

@@ -69,7 +69,9 @@ constexpr std::array kGraphs{
     GraphRow{
         u"Errors",
         u"Errors (Packets per Second)",
-        {{{u"Malformed Packets", Rate<kMeasureMalformed>}, {u"ICMP Errors", Rate<kMeasureIcmpErrors>}}},
+        {{{u"Malformed Packets", Rate<kMeasureMalformed>},
+          {u"ICMP Errors", Rate<kMeasureIcmpErrors>},
+          {u"Retransmissions", Rate<kMeasureRetransmissions>}}},
     },
     GraphRow{u"Top Protocols", u"Top Protocols (Bits per Second)", {}},
 };

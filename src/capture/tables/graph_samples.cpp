@@ -34,6 +34,7 @@ void GraphSamples::Add(const PacketNote& packet, std::uint32_t protocol_row) {
   sample[kMeasureMulticasts] += packet.delivery() == Delivery::kMulticast;
   sample[kMeasureMalformed] += packet.malformed;
   sample[kMeasureIcmpErrors] += packet.is_icmp_error;
+  sample[kMeasureRetransmissions] += packet.is_retransmission;
   if (protocol_row >= kMostProtocols) return;
   if (protocol_row >= protocols_.size()) protocols_.resize(protocol_row + 1);
   PieceAt(&protocols_[protocol_row], place.piece) += bytes;

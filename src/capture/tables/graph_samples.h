@@ -19,8 +19,9 @@ enum Measure : std::uint8_t {
   kMeasureMulticasts,
   kMeasureMalformed,
   kMeasureIcmpErrors,
+  kMeasureRetransmissions,
 };
-using MeasureSample = std::array<std::uint64_t, 8>;
+using MeasureSample = std::array<std::uint64_t, 9>;
 
 /// The samples of one moment.
 struct FrozenGraphs {
@@ -31,7 +32,7 @@ struct FrozenGraphs {
   std::uint64_t start = 0;                          ///< nanoseconds since 1601-01-01 UTC, 0 without samples
 };
 
-/// Counts over time, finer and longer than the traffic history. At most 10,000 samples are kept, which takes 640 KB,
+/// Counts over time, finer and longer than the traffic history. At most 10,000 samples are kept, which takes 720 KB,
 /// and 80 KB more for each protocol met; protocols beyond the first 256 are not told apart over time.
 class GraphSamples {
  public:

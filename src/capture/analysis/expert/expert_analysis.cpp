@@ -7,10 +7,10 @@ namespace orvo {
 ExpertAnalysis::ExpertAnalysis(const ExpertOptions& options)
     : options_(options), flows_(options.flows, options.apdex_target), log_(options.events) {}
 
-void ExpertAnalysis::Inspect(std::span<const Packet> packets, std::span<const PacketFacts> facts) {
+void ExpertAnalysis::Inspect(std::span<const Packet> packets, std::span<PacketFacts> facts) {
   if (packets.size() > 1) flows_.Prepare(facts);
   for (std::size_t i = 0; i < packets.size(); ++i) {
-    flows_.Inspect(packets[i], facts[i], &log_);
+    flows_.Inspect(packets[i], &facts[i], &log_);
     network_.Inspect(packets[i], facts[i], &log_);
     wireless_.Inspect(packets[i], facts[i], &log_);
   }

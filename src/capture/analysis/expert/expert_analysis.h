@@ -43,9 +43,10 @@ class ExpertAnalysis {
  public:
   explicit ExpertAnalysis(const ExpertOptions& options);
 
-  /// Takes packets in their order, and as many facts, with `flow` and `applications` filled in. The packets' bytes must
-  /// still be there. The more at a time, the faster it goes, up to some hundred.
-  void Inspect(std::span<const Packet> packets, std::span<const PacketFacts> facts);
+  /// Takes packets in their order, and as many facts, with `flow` and `applications` filled in; fills in what it finds
+  /// of each packet, `is_retransmission`. The packets' bytes must still be there. The more at a time, the faster it
+  /// goes, up to some hundred.
+  void Inspect(std::span<const Packet> packets, std::span<PacketFacts> facts);
   FrozenExpert Freeze();
   ExpertCounts counts();
   /// Starts over.

@@ -59,17 +59,19 @@ void FlowExpert::Prepare(std::span<const PacketFacts> facts) const {
   }
 }
 
-void FlowExpert::Inspect(const Packet& packet, const PacketFacts& facts, EventLog* log) {
-  if (facts.flow.serial == 0) return;
-  FlowTrack& track = TrackOf(facts, log);
+void FlowExpert::Inspect(const Packet& packet, PacketFacts* facts, EventLog* log) {
+  if (facts->flow.serial == 0) return;
+  FlowTrack& track = TrackOf(*facts, log);
   FlowRow& row = rows_.Edit(track.row);
-  if (facts.applications[0] != 0 && facts.applications != row.applications) {
-    row.applications = facts.applications;
+  if (facts->applications[0] != 0 && facts->applications != row.applications) {
+    row.applications = facts->applications;
     track.spoken = SpokenBy(row.applications[0]);
   }
-  FlowSide sender = facts.flow.from_first == track.client_is_first ? kClient : kServer;
+  FlowSide sender = facts->flow.from_first == track.client_is_first ? kClient : kServer;
   CountPacket(packet, sender, &row);
-  FlowJudge(&track, &row, log, packet.time, apdex_target_).Judge(packet, facts, sender);
+  const std::uint32_t before = row.retransmissions[sender];
+  FlowJudge(&track, &row, log, packet.time, apdex_target_).Judge(packet, *facts, sender);
+  facts->is_retransmission = row.retransmissions[sender] != before;
 }
 
 FlowTrack& FlowExpert::TrackOf(const PacketFacts& facts, EventLog* log) {

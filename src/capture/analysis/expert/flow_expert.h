@@ -36,8 +36,9 @@ class FlowExpert {
   /// Fetches what packets to come will need into the cache, all at the same time instead of one after the other. May be
   /// left out.
   void Prepare(std::span<const PacketFacts> facts) const;
-  /// Takes a packet, which counts if it is of a flow. Its bytes must still be there.
-  void Inspect(const Packet& packet, const PacketFacts& facts, EventLog* log);
+  /// Takes a packet, which counts if it is of a flow, and notes in its facts whether it is a retransmission. Its bytes
+  /// must still be there.
+  void Inspect(const Packet& packet, PacketFacts* facts, EventLog* log);
   FrozenFlows Freeze();
   /// As in FrozenFlows.
   std::uint64_t dropped() const { return dropped_; }
