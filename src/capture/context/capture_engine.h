@@ -48,7 +48,7 @@ struct EngineOptions {
   std::size_t max_expert_flows = 1'000'000;
   /// Events in the log, about 100 bytes each; the oldest makes room. All are counted.
   std::size_t max_expert_events = 100'000;
-  /// Nanoseconds within which an answer satisfies (the target T of the Apdex Technical Specification 1.1).
+  /// Nanoseconds within which an answer satisfies (the target T of the Apdex Alliance, version 1.1).
   std::uint64_t apdex_target = 500'000'000;
   /// Nodes and network names of a wireless medium, about 300 bytes each, and its channels. Packets beyond count
   /// everywhere else, and the summary says how many there were.

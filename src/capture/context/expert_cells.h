@@ -25,7 +25,7 @@ std::u16string TransportCell(std::uint8_t ip_protocol);
 /// Microseconds as milliseconds with three digits behind the point.
 std::u16string MillisecondCell(double microseconds);
 
-/// Two digits behind the point, or "NS" for no samples (Apdex Technical Specification 1.1 section 3.5).
+/// Two digits behind the point, or "NS" for no samples (Apdex Alliance, version 1.1 section 3.5).
 template <class Count>
 std::u16string ApdexCell(const ResponseTimes<Count>& responses) {
   return responses.count() == 0 ? u"NS" : RealCell(responses.apdex(), 2);

@@ -6,7 +6,7 @@
 namespace orvo {
 
 /// Times from a request to the first byte of its answer, in microseconds, and how they please (Application Performance
-/// Index, Apdex Technical Specification 1.1): up to the target they satisfy, up to four times the target they are
+/// Index, Apdex Alliance, version 1.1): up to the target they satisfy, up to four times the target they are
 /// tolerated. `Count` is the type of the counters: small ones for each flow, large ones for sums of flows.
 template <class Count>
 struct ResponseTimes {
