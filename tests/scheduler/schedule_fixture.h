@@ -169,8 +169,10 @@ class NotingSink final : public Object<INotificationSink> {
 class Schedule : public Surroundings {
  public:
   /// Begins at `start` (UTC) with the attributes of a "statsoutput" element.
-  explicit Schedule(const char* start, const std::string& attributes = {}) : Surroundings(At(start)) {
-    EXPECT_EQ(CreateSkryStatsOutput(ISkryStatsOutput::kIid, scheduler.OutVoid()), S_OK);
+  explicit Schedule(const char* start, const std::string& attributes = {},
+                    Status (*create)(const Guid& iid, void** out) = CreateSkryStatsOutput)
+      : Surroundings(At(start)) {
+    EXPECT_EQ(create(ISkryStatsOutput::kIid, scheduler.OutVoid()), S_OK);
     EXPECT_EQ(Query(scheduler.get(), &startable), S_OK);
     scheduler->SetUserPath(Bstr(u"R:\\").get());
     scheduler->SetReportPath(Bstr(u"Reports").get());
