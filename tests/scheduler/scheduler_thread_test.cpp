@@ -301,10 +301,14 @@ TEST(SchedulerThread, LeavesAModuleThatIsUnloaded) {
       schedule.scheduler.Reset();
       schedule.startable.Reset();
     };
-    if (turn % 2 == 0) schedule.on_notification = release;
     schedule.startable->Start();
-    schedule.clock.PassTo(At("2007-11-14 11:00:00"));
-    if (turn % 2 != 0) release();
+    if (turn % 2 == 0) {
+      schedule.on_notification = release;
+      schedule.clock.PassTo(At("2007-11-14 11:00:00"));
+    } else {
+      schedule.clock.RunTo(At("2007-11-14 11:00:00"));
+      release();
+    }
     while (void* loaded = dlopen(kLibrary, RTLD_NOW | RTLD_NOLOAD)) {
       dlclose(loaded);
       FreeUnusedLibraries();
