@@ -1,14 +1,14 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
-#include <time.h>
-
+#include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <functional>
 #include <set>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "platform/code_page.h"
@@ -182,7 +182,7 @@ class Schedule : public Surroundings {
     EXPECT_EQ(Set(attributes), S_OK);
   }
 
-  Status Set(const std::string& attributes) {
+  Status Set(const std::string& attributes) const {
     ComPtr<IXmlDocument> document;
     ComPtr<IXmlNode> node;
     ComPtr<IPersistXml> persist;
@@ -198,7 +198,7 @@ class Schedule : public Surroundings {
     EXPECT_EQ(startable->Start(), S_OK);
     clock.RunTo(At(time));
     if (note_outputs) LookForDeletions();
-    return std::move(log);
+    return std::exchange(log, {});
   }
 
   ComPtr<NotingMethod> method = MakeObject<NotingMethod>(this);
