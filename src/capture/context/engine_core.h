@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "capture/analysis/expert/expert_analysis.h"
+#include "capture/analysis/expert/expert_reader.h"
 #include "capture/analysis/voice_analysis.h"
 #include "capture/classify/application_detector.h"
 #include "capture/classify/protocol_tree.h"
@@ -55,7 +56,7 @@ class EngineCore {
   static constexpr std::size_t kWorthHandingOver = 16;
 
   void Decode(std::span<const Packet> packets, NoteBatch* batch);
-  void Count(const NoteBatch& batch);
+  void Count(NoteBatch* batch);
   void Listen(const PacketFacts& facts);
 
   const EngineOptions options_;
@@ -66,10 +67,11 @@ class EngineCore {
   NoteBatch batch_;               // of packets that it counts itself
   std::vector<KnownName> heard_;  // of the packet in work
   ApplicationDetector detector_;
-  ExpertAnalysis expert_;
+  ExpertReader expert_reader_;
   VoiceAnalysis voice_;
 
   mutable std::mutex mutex_;  // guards what follows; held for one batch, or while pages are shared
+  ExpertAnalysis expert_;
   StatisticsTables tables_;
   std::deque<std::shared_ptr<const SummaryRecord>> stored_;
   std::uint64_t changes_ = 0;

@@ -11,6 +11,7 @@
 #include <span>
 #include <thread>
 
+#include "capture/analysis/expert/expert_notes.h"
 #include "capture/tables/counters.h"
 #include "capture/tables/packet_note.h"
 
@@ -20,7 +21,7 @@ namespace orvo {
 struct NoteBatch {
   static constexpr std::size_t kMost = 64;
 
-  std::span<const PacketNote> packets() const { return {notes.data(), size}; }
+  std::span<PacketNote> packets() { return {notes.data(), size}; }
 
   /// For the note at that place, which is there, when its packet is wireless.
   void AddWireless(std::size_t place, const PacketFacts& facts) {
@@ -33,6 +34,7 @@ struct NoteBatch {
   std::size_t size = 0;
   FlowCounts flows;
   std::array<PacketNote, kMost> notes;
+  ExpertNotes expert;                                         ///< as many, if there is an expert analysis
   std::unique_ptr<std::array<WirelessNote, kMost>> wireless;  ///< made with the first wireless packet
 };
 
@@ -42,7 +44,7 @@ class NoteQueue {
  public:
   /// `count` runs on the queue's thread. What it raises reaches the next Fill or Drain, once; the rest of its batch is
   /// lost, later batches are counted.
-  explicit NoteQueue(std::function<void(const NoteBatch&)> count) : count_(std::move(count)) {}
+  explicit NoteQueue(std::function<void(NoteBatch&)> count) : count_(std::move(count)) {}
   NoteQueue(const NoteQueue&) = delete;
   NoteQueue& operator=(const NoteQueue&) = delete;
   /// What waits is still counted.
@@ -68,7 +70,7 @@ class NoteQueue {
   void Run();
   void RaiseProblem();
 
-  const std::function<void(const NoteBatch&)> count_;
+  const std::function<void(NoteBatch&)> count_;
   std::unique_ptr<std::array<NoteBatch, kBatches>> batches_;  // made with the thread
   std::mutex mutex_;                                          // guards what follows
   std::condition_variable published_some_;
