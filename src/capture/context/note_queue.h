@@ -63,9 +63,9 @@ class NoteQueue {
   void Drain();
 
  private:
-  static constexpr std::size_t kBatches = 16;
+  static constexpr std::size_t kBatches = 32;
   /// How many are worth waking the thread for.
-  static constexpr std::size_t kSome = 4;
+  static constexpr std::size_t kSome = 8;
 
   void Run();
   void RaiseProblem();

@@ -35,7 +35,7 @@ struct FrozenExpert {
 /// Finds out what is slow and what goes wrong, from what ExpertReader has read of packets.
 ///
 /// Belongs to one thread at a time.
-/// Memory: a row and a track, about 280 bytes together, for each flow that the flow table knows, and what ExpertOptions
+/// Memory: a row and a track, about 300 bytes together, for each flow that the flow table knows, and what ExpertOptions
 /// allows.
 class ExpertAnalysis {
  public:
