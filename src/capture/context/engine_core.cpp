@@ -84,7 +84,7 @@ void EngineCore::Decode(std::span<const Packet> packets, NoteBatch* batch) {
   }
   ProtocolTree& tree = ProtocolTree::Get();
   for (std::size_t i = 0; i < packets.size(); ++i) {
-    if (names_ && MayHoldNames(facts[i])) Listen(facts[i]);
+    if (names_ && MayHoldNames(facts[i])) Listen(facts[i], batch);
     batch->notes[i] = PacketNote(packets[i], facts[i], tree.Classify(facts[i]));
     if (facts[i].is_wireless) batch->AddWireless(i, facts[i]);
   }
@@ -93,6 +93,7 @@ void EngineCore::Decode(std::span<const Packet> packets, NoteBatch* batch) {
 }
 
 void EngineCore::Count(NoteBatch* batch) {
+  Learn(&batch->heard);
   std::lock_guard lock(mutex_);
   ++changes_;
   if (options_.expert_analysis) expert_.Inspect(batch->packets(), batch->expert);
@@ -100,10 +101,18 @@ void EngineCore::Count(NoteBatch* batch) {
   tables_.SetFlows(batch->flows);
 }
 
-void EngineCore::Listen(const PacketFacts& facts) {
-  heard_.clear();
-  ReadHeardNames(facts, &heard_);
-  for (const KnownName& known : heard_) names_->Learn(known.address, known.name, NameSource::kHeard);
+/// Names are learnt when the batch is counted, so that the last one that was heard of an address stays. Packets that
+/// tell more names than may wait are learnt from at once, after all that were read before.
+void EngineCore::Listen(const PacketFacts& facts, NoteBatch* batch) {
+  ReadHeardNames(facts, &batch->heard);
+  if (batch->heard.size() <= kMostHeard) return;
+  queue_.Drain();
+  Learn(&batch->heard);
+}
+
+void EngineCore::Learn(std::vector<KnownName>* heard) {
+  for (const KnownName& known : *heard) names_->Learn(known.address, known.name, NameSource::kHeard);
+  heard->clear();
 }
 
 std::uint64_t EngineCore::packets() {

@@ -54,18 +54,20 @@ class EngineCore {
  private:
   /// Spans of fewer packets are counted by the feeding thread, as waking another costs more.
   static constexpr std::size_t kWorthHandingOver = 16;
+  /// Names that wait in one batch, besides those of the last packet that was read.
+  static constexpr std::size_t kMostHeard = 256;
 
   void Decode(std::span<const Packet> packets, NoteBatch* batch);
   void Count(NoteBatch* batch);
-  void Listen(const PacketFacts& facts);
+  void Listen(const PacketFacts& facts, NoteBatch* batch);
+  void Learn(std::vector<KnownName>* heard);
 
   const EngineOptions options_;
   const std::shared_ptr<NameDirectory> names_;
   FeedGate gate_;
   // The feeding thread's, within a pass of the gate:
   std::array<PacketFacts, NoteBatch::kMost> facts_;
-  NoteBatch batch_;               // of packets that it counts itself
-  std::vector<KnownName> heard_;  // of the packet in work
+  NoteBatch batch_;  // of packets that it counts itself
   ApplicationDetector detector_;
   ExpertReader expert_reader_;
   VoiceAnalysis voice_;

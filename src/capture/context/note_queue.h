@@ -10,8 +10,10 @@
 #include <mutex>
 #include <span>
 #include <thread>
+#include <vector>
 
 #include "capture/analysis/expert/expert_notes.h"
+#include "capture/names/name_directory.h"
 #include "capture/tables/counters.h"
 #include "capture/tables/packet_note.h"
 
@@ -34,6 +36,7 @@ struct NoteBatch {
   std::size_t size = 0;
   FlowCounts flows;
   std::array<PacketNote, kMost> notes;
+  std::vector<KnownName> heard;                               ///< names that the packets tell, in their order
   ExpertNotes expert;                                         ///< as many, if there is an expert analysis
   std::unique_ptr<std::array<WirelessNote, kMost>> wireless;  ///< made with the first wireless packet
 };
