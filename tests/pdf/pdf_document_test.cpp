@@ -154,7 +154,7 @@ TEST_F(PdfDocumentTest, TitlesAndPathsHaveTheirLimits) {
     EXPECT_EQ(y, fits ? 656 : 700) << bytes;
   }
   for (auto [bytes, status] : {std::pair{510U, S_OK}, {511U, S_OK}, {512U, E_UNEXPECTED}, {513U, E_UNEXPECTED}}) {
-    EXPECT_EQ(Raised([&] { document.Save(padded(bytes, "Report.pdf", "Other.pdf")); }), status) << bytes;
+    EXPECT_EQ(Raised([&, size = bytes] { document.Save(padded(size, "Report.pdf", "Other.pdf")); }), status) << bytes;
   }
   ExpectSound(folder_.Path("Report.pdf"));
 }
@@ -310,7 +310,7 @@ TEST_F(PdfDocumentTest, AFailedSaveLeavesTheOldFileAndCanBeRepeated) {
       {u"", StatusFromError(kErrorInvalidName)},
   };
   for (const auto& [path, expected] : places) {
-    EXPECT_EQ(Raised([&] { document.Save(path, &cause); }), E_FAIL);
+    EXPECT_EQ(Raised([&, &place = path] { document.Save(place, &cause); }), E_FAIL);
     EXPECT_TRUE(expected != 0 ? cause == expected : Failed(cause)) << Ascii(path);
   }
   std::filesystem::permissions(folder_.Path(), std::filesystem::perms{0500});
