@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string_view>
 
@@ -15,27 +16,28 @@ struct PdfOutline;  ///< an entry of the outline; lives as long as its document,
 inline constexpr std::size_t kPdfMaxPathBytes = 511;        ///< of a saved file's path, in the system's encoding
 inline constexpr std::size_t kPdfMaxImagePathBytes = 1023;  ///< of an image file's path, in the system's encoding
 inline constexpr std::size_t kPdfMaxGroupTitleBytes = 255;  ///< of the title of a root or group entry, as it is written
-inline constexpr std::size_t kPdfMaxImagePixels = std::size_t{1} << 24;  ///< width times height; no chart has more
+inline constexpr std::size_t kPdfMaxTextBytes = 65535;      ///< of any other text, as it is written
 
-/// A PDF document while it is drawn, page by page, in memory, and the only place that knows the PDF library. Pages are
-/// A4, upright (595.276 x 841.89 points); all text is 10 points high. Drawing goes to the page that was added last.
+/// A PDF document while it is drawn, page by page, in memory, and the only place that knows the PDF library. Pages have
+/// the library's own size, which is A4, upright, in whole points (595 x 841); all text is 10 points high. Drawing goes
+/// to the page that was added last.
 ///
-/// Texts are UTF-16 and are printed in the system code page (see platform/code_page.h); what it lacks, control
-/// characters included, prints as "?". Paths are texts with backslashes. Lengths and positions are points.
+/// Texts are UTF-16 and are printed in the system code page (see platform/code_page.h). What it lacks prints as "?",
+/// and so does a control character; a tab or line end prints as a blank. Paths are texts with backslashes. Lengths and
+/// positions are points.
 ///
 /// Operations that return nothing or a handle raise a status: E_FAIL for whatever the library reports, E_UNEXPECTED for
 /// any other failure, a title or path beyond its limit included. Operations that return bool raise nothing and give
-/// false for every failure. Drawing without a page fails. After a failure the document can still be drawn on and
-/// saved. Nothing here is to be called by two threads at a time.
+/// false for every failure. Drawing without a page fails. What the library itself reports is a lack of memory, as all
+/// it is given has been looked at before; it leaves its pages half written then, so that every later operation fails as
+/// well. Nothing here is to be called by two threads at a time.
 class PdfDocument {
  public:
-  /// Memory for the library: null when there is none; every block that was taken is given back.
-  using Allocate = void* (*)(unsigned int bytes);
-  using Release = void (*)(void* block);
+  /// Asked before the library gets so many bytes of memory; false leaves it without.
+  using MemoryGate = std::function<bool(std::size_t bytes)>;
 
   /// Always succeeds; where the library gives no document, every operation fails with E_FAIL.
-  PdfDocument();
-  PdfDocument(Allocate allocate, Release release);
+  explicit PdfDocument(MemoryGate gate = nullptr);
   PdfDocument(const PdfDocument&) = delete;
   PdfDocument& operator=(const PdfDocument&) = delete;
   ~PdfDocument();
@@ -60,7 +62,8 @@ class PdfDocument {
   /// The fixed line at the bottom of the current page. AddPage draws it.
   void DrawFooter();
 
-  /// Draws one line in the regular face from (x, y). False, with nothing drawn, for y <= kPdfTextBottom.
+  /// Draws one line in the regular face from (x, y). False, with nothing drawn, for y <= kPdfTextBottom and for a text
+  /// of more than kPdfMaxTextBytes.
   bool DrawText(std::u16string_view text, float x, float y) noexcept;
   /// The same in a colour; what is drawn after it is black.
   bool DrawColoredText(std::u16string_view text, float x, float y, const PdfColor& color) noexcept;

@@ -16,8 +16,7 @@ inline constexpr float kPdfFooterY = 50;
 inline constexpr float kPdfFontSize = 10;
 inline constexpr float kPdfLinePitch = 12;  ///< from row to row, and to the second line of a column's header
 inline constexpr float kPdfAfterTitle = 30;
-inline constexpr float kPdfHalfHeaderGap = 18;  ///< a header is left in two steps
-inline constexpr float kPdfAfterHeader = 2 * kPdfHalfHeaderGap;
+inline constexpr float kPdfAfterHeader = 36;
 inline constexpr float kPdfAfterImage = 24;
 inline constexpr float kPdfShadeHeight = 10;
 inline constexpr float kPdfSideMargins = 100;  ///< what a shade and an image of full width leave of the page's width
@@ -44,10 +43,7 @@ struct PdfCursor {
   void AdvanceX(float step) { x += step; }
   void NextLine() { y -= kPdfLinePitch; }
   void AfterTitle() { y -= kPdfAfterTitle; }
-  void AfterHeader() {
-    y -= kPdfHalfHeaderGap;
-    y -= kPdfHalfHeaderGap;
-  }
+  void AfterHeader(float gap = kPdfAfterHeader) { y -= gap; }
   /// True when `rows` rows reach below the page's lower edge.
   bool RowsDontFit(unsigned rows) const { return static_cast<float>(rows) * kPdfLinePitch > y; }
 };
