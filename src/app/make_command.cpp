@@ -283,7 +283,8 @@ void AddMakeCommand(CLI::App& parser, Verb* verb) {
       ->type_name("")
       ->check(NotEmpty());
   command
-      ->add_option("--out", options->out, "Folder of the report, made when missing; a report that is there is added to")
+      ->add_option("--out", options->out,
+                   "Folder of the report, made when missing; a text or xml report that is there is added to")
       ->required()
       ->type_name("DIR")
       ->check(NotEmpty());
