@@ -1,7 +1,7 @@
 // The PDF report as a whole: dashboard, pages of graphs, what ends it, and what it leaves behind.
 
-#include "platform/object.h"
 #include "tests/pdf/pdf_report_fixture.h"
+#include "tests/support/watched_graph.h"
 
 namespace orvo::test {
 namespace {
@@ -145,6 +145,17 @@ TEST_F(PdfStatsOutputTest, ALiveReportReadsNoSnapshotAndHasTheTimeOfNow) {
   EXPECT_THAT(pages[0].at(0), HasSubstr("Orvo Engine Report: "));
   EXPECT_THAT(pages[0].at(0), testing::Not(HasSubstr("14:05:09")));
   EXPECT_THAT(Entries(), Contains("    Graph 3"));
+}
+
+TEST_F(PdfStatsOutputTest, GraphsShowTheLastHourUntilALiveReportFindsNoCapture) {
+  auto graph = MakeObject<WatchedGraph>();
+  ASSERT_EQ(Output(graph.get()), S_OK);
+  EXPECT_EQ(graph->start, Moment(-3600));
+  ASSERT_EQ(OutputLive(graph.get()), S_OK);  // without a site
+  EXPECT_EQ(graph->start, 0U);
+  graph->start = 1;
+  ASSERT_EQ(Output(graph.get()), S_OK);
+  EXPECT_EQ(graph->start, 0U) << "what the live report found stays";
 }
 
 }  // namespace
