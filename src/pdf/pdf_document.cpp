@@ -2,6 +2,7 @@
 
 #include <hpdf.h>
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -49,6 +50,11 @@ bool Attempt(Body&& body) noexcept {
 
 /// The text as the library takes it, in the system code page and without what no line of text can show.
 void ToPrintable(std::u16string_view text, std::string* narrow) {
+  // Addresses and figures, which is nearly everything.
+  if (std::ranges::all_of(text, [](char16_t unit) { return unit >= u' ' && unit <= u'~'; })) {
+    narrow->assign(text.begin(), text.end());
+    return;
+  }
   narrow->clear();
   Check(AppendSystemNarrow(text, narrow));
   for (char& byte : *narrow) {

@@ -1,5 +1,6 @@
 // The PDF report as a whole: dashboard, pages of graphs, what ends it, and what it leaves behind.
 
+#include "tests/pdf/pdf_judge.h"
 #include "tests/pdf/pdf_report_fixture.h"
 #include "tests/support/watched_graph.h"
 
@@ -38,12 +39,12 @@ TEST_F(PdfStatsOutputTest, TheDashboardTellsWhatWasCapturedAndShowsTheChartsThat
   engine.live.duration = 183'845'250'000'000;
   engine.live.total_bytes = 18446744073709551615U;
   ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(PdfProblems(Report()), "");
+  ExpectSound(Report());
   EXPECT_THAT(Dashboard(), ElementsAre("791 50:*Orvo Engine Report: 11/22/2026 14:05:09",
                                        "761 50:*Start: 11/22/2026 14:05:02, Duration: 2d 03:04:05",
                                        "731 50:*Total Bytes: 18446744073709551615, Total Packets: 10",
                                        "521 50:image 495x180", "297 50:image 495x200"));
-  EXPECT_THAT(PdfOutlineOf(Report()), ElementsAre("Orvo Engine Report+", "  Dashboard 1", "  Statistics"));
+  EXPECT_THAT(PdfOutlineOf(Report()), ElementsAre("Orvo Engine Report +", "  Dashboard 1", "  Statistics"));
   EXPECT_THAT(folder.Names(), ElementsAre("Report.pdf", "Temp"));
   EXPECT_TRUE(std::filesystem::is_empty(folder.Path("Temp")));
 
@@ -73,7 +74,7 @@ TEST_F(PdfStatsOutputTest, EveryGraphHasItsPage) {
   AddGraph(u"Third");
   engine.Fail("IGraphSeries::GetSamples", 2, E_FAIL);
   ASSERT_EQ(Output(engine.Graphs().get()), S_OK);
-  EXPECT_EQ(PdfProblems(Report()), "");
+  ExpectSound(Report());
   EXPECT_THAT(Entries(), ElementsAre("  Graphs", "    Rate / s: all 2", "    Third 3"))
       << "a graph that cannot be drawn has no page";
   EXPECT_THAT(PdfPages(Report()).at(1), ElementsAre("791 50:*Title of Rate / s: all", "390 50:image 495x371"));

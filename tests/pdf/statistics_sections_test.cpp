@@ -165,7 +165,7 @@ TEST_F(NodeSectionTest, PrintsTwoTables) {
                       "713 # 50:a-name-of-thirt... 150:60000000000 220:6000000000 290:8000000000 360:6000000000 "
                       "430:10000000000 500:12000000000")));
   EXPECT_THAT(PdfOutlineOf(Report()),
-              ElementsAre("Orvo Engine Report+", "  Dashboard 1", "  Statistics", "    Nodes 2"));
+              ElementsAre("Orvo Engine Report +", "  Dashboard 1", "  Statistics", "    Nodes 2"));
   EXPECT_EQ(Heard().rows, 4U);
 
   Switch(kSwitchNodePackets, 0);

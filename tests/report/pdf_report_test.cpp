@@ -9,6 +9,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "tests/pdf/pdf_judge.h"
 #include "tests/support/command.h"
 #include "tests/support/pdf_pages.h"
 #include "tests/support/temporary_folder.h"
@@ -71,7 +72,7 @@ TEST_P(WholePdfReportTest, IsTheReviewedOne) {
   EXPECT_TRUE(fs::is_empty(folder.Path("Temp")));
 
   const std::string report = folder.Path("Report.pdf");
-  EXPECT_EQ(PdfProblems(report), "");
+  ExpectSound(report);
   const std::string facts = RunProgram("/usr/bin/pdfinfo", {report}).output;
   EXPECT_THAT(facts, HasSubstr("(A4)"));
   EXPECT_THAT(facts, HasSubstr("Pages:           " + std::to_string(PdfPages(report).size()) + "\n"));

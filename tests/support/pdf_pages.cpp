@@ -7,7 +7,7 @@
 #include <map>
 #include <sstream>
 
-#include "tests/support/command.h"
+#include "tests/pdf/pdf_judge.h"
 #include "tests/support/temporary_folder.h"
 
 namespace orvo::test {
@@ -125,46 +125,14 @@ std::vector<std::vector<std::string>> PdfPages(const std::string& path) {
 }
 
 std::vector<std::string> PdfOutlineOf(const std::string& path) {
-  const CommandResult json = RunProgram(kQpdf, {"--json=1", "--json-key=outlines", path});
-  EXPECT_EQ(json.exit_status, 0) << json.messages;
-  // An entry's keys come in the order of the alphabet, each on a line: its page, its children, its state, its title.
-  struct Entry {
-    std::size_t depth;
-    std::string page;
-    std::string title;
-    bool open = false;
-  };
-  std::vector<Entry> entries;
-  std::vector<std::size_t> path_down;  // entries that are not closed yet
-  auto value = [](const std::string& line) {
-    std::string text = line.substr(line.find(": ") + 2);
-    if (text.ends_with(',')) text.pop_back();
-    return text.starts_with('"') ? text.substr(1, text.size() - 2) : text;
-  };
-  for (const std::string& line : Lines(json.output)) {
-    if (line.find("\"destpageposfrom1\": ") != line.npos) {
-      path_down.push_back(entries.size());
-      entries.push_back({.depth = path_down.size() - 1, .page = value(line), .title = {}});
-    } else if (line.find("\"open\": ") != line.npos) {
-      entries[path_down.back()].open = value(line) == "true";
-    } else if (line.find("\"title\": ") != line.npos) {
-      entries[path_down.back()].title = value(line);
-      path_down.pop_back();
-    }
-  }
-  std::vector<std::string> lines;
-  for (std::size_t i = 0; i < entries.size(); ++i) {
-    const Entry& entry = entries[i];
-    const bool has_entries = i + 1 < entries.size() && entries[i + 1].depth > entry.depth;
-    lines.push_back(std::string(2 * entry.depth, ' ') + entry.title + (has_entries && entry.open ? "+" : "") +
-                    (entry.page == "null" ? "" : " " + entry.page));
+  std::vector<std::string> lines = OutlineOf(path);
+  for (std::string& line : lines) {
+    const std::size_t depth = line.find_first_not_of('.');
+    line.replace(0, depth, std::string(2 * depth, ' '));
+    if (const std::size_t destination = line.rfind(" ["); destination != line.npos) line.erase(destination);
+    if (const std::size_t arrow = line.rfind(" -> "); arrow != line.npos) line.replace(arrow, 4, " ");
   }
   return lines;
-}
-
-std::string PdfProblems(const std::string& path) {
-  const CommandResult check = RunProgram(kQpdf, {"--check", path});
-  return check.exit_status == 0 && check.messages.empty() ? "" : check.output + check.messages;
 }
 
 }  // namespace orvo::test

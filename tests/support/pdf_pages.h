@@ -14,10 +14,7 @@ namespace orvo::test {
 std::vector<std::vector<std::string>> PdfPages(const std::string& path);
 
 /// The outline of the file, a line for each entry: indented by two blanks a level, with the number of the page that it
-/// leads to, such as "  Dashboard 1". One that shows those below it has a "+" behind its title.
+/// leads to, such as "  Dashboard 1". One that shows those below it has " +" behind its title.
 std::vector<std::string> PdfOutlineOf(const std::string& path);
-
-/// What qpdf has against the file; empty when it is whole.
-std::string PdfProblems(const std::string& path);
 
 }  // namespace orvo::test

@@ -37,7 +37,7 @@ class WirelessWatch {
     bool is_weak = false;
   };
   static constexpr std::size_t kPlaces = 4096;
-  static_assert(kPlaces * sizeof(Node) <= 256 * 1024);
+  static_assert(kPlaces * sizeof(Node) <= std::size_t{256} * 1024);
 
   Node& NodeOf(const AddressRecord& address);
   void CountData(const Packet& packet, const WirelessFacts& wireless, EventLog* log);
