@@ -12,7 +12,7 @@ declare -gA _orvo_report_options=(
 )
 _orvo_report_words='make settings classes register unregister --help --version'
 _orvo_report_limits='addresses= hierarchy= conversations= flows= calls= media-streams= names= expert-flows= expert-events= wireless-nodes= wireless-channels='
-_orvo_report_formats='csv tab xml'
+_orvo_report_formats='csv tab xml pdf'
 _orvo_report_reports='full executive-summary expert-summary additional-node conversations'
 _orvo_report_filters='arp broadcast ether host icmp icmp6 ip ip6 multicast net not port portrange tcp udp vlan'
 _orvo_report_code_pages='UTF-8 US-ASCII ISO-8859-1 ISO-8859-15 windows-1250 windows-1251 windows-1252 Shift_JIS'

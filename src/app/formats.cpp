@@ -14,6 +14,7 @@ constexpr Format kFormats[] = {
     {"csv", kCsvStatsOutputClass, u".csv", u","},
     {"tab", kCsvStatsOutputClass, u".txt", u"\t"},
     {"xml", kXmlStatsOutputClass, u".xml", u","},
+    {"pdf", kPdfStatsOutputClass, u".pdf", u","},
 };
 
 const Format* FindFormat(std::string_view name) {

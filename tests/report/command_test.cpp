@@ -177,6 +177,27 @@ TEST(CommandTest, AnXmlReportTakesItsKindAndTemplates) {
   EXPECT_TRUE(folder.Has("both/csv/Node Statistics-IP.csv"));
 }
 
+TEST(CommandTest, APdfReportStandsBesideOthersAndSaysWhyItCannotBeSaved) {
+  TemporaryFolder folder;
+  fs::create_directories(folder.Path("a/pdf/Report.pdf"));
+  const std::vector<std::string> make = {"make", kSample, "--out", folder.Path("a"), "--format", "pdf,csv,xml"};
+  const CommandResult taken = RunCommand(make);
+  EXPECT_EQ(taken.exit_status, 1);
+  ExpectOneMessage(taken, folder.Path("a/pdf/Report.pdf") + ": ");
+  EXPECT_TRUE(folder.Has("a/csv/Node Statistics-IP.csv")) << "the other reports are written";
+  EXPECT_TRUE(folder.Has("a/xml/StatsReport.xml"));
+  fs::remove(folder.Path("a/pdf/Report.pdf"));
+  const CommandResult written = RunCommand(make);
+  EXPECT_EQ(written.exit_status, 0) << written.messages;
+  EXPECT_THAT(folder.Read("a/pdf/Report.pdf"), StartsWith("%PDF-"));
+
+  // A page of graphs goes missing without its folder of pictures, and nothing else does.
+  fs::remove(folder.Path("a/pdf/Temp"));
+  folder.Write("a/pdf/Temp", "in the way");
+  EXPECT_EQ(RunCommand(make).exit_status, 0);
+  EXPECT_EQ(folder.Read("a/pdf/Temp"), "in the way");
+}
+
 TEST(CommandTest, AFilterLeavesOutWhatItDoesNotHoldFor) {
   TemporaryFolder folder;
   auto nodes = [&](const std::string& filter) {
