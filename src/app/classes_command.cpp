@@ -8,6 +8,7 @@
 #include "platform/code_page.h"
 #include "platform/registry.h"
 #include "prefs/preferences.h"
+#include "scheduler/scheduler.h"
 
 namespace orvo::app {
 namespace {
@@ -19,6 +20,7 @@ struct KnownClass {
 
 constexpr KnownClass kClasses[] = {
     {"CSVStatsOutput", kCsvStatsOutputClass},
+    {"SkryStatsOutput", kSkryStatsOutputClass},
     {"StatsOutputPrefs", kStatsOutputPrefsClass},
 };
 
