@@ -194,8 +194,9 @@ void Watch::ShowStatus() {
   const std::optional<std::uint64_t> next = clock_.waits_until();
   const std::uint64_t now = clock_.Now();
   const std::string what_next =
-      next ? "next report in " + DurationText(*next > now ? (*next - now) / kNanosecondsPerSecond : 0)
-           : "writing a report";
+      next         ? "next report in " + DurationText(*next > now ? (*next - now) / kNanosecondsPerSecond : 0)
+      : announced_ ? "writing a report"
+                   : "starting";
   status_.Show(
       fmt::format("{} packets, {} dropped, {}: {}", feeder_.packets(), feeder_.dropped(), what_next, parts_.what));
 }
