@@ -208,7 +208,8 @@ void Watch::FinishPrograms() {
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
     if (parts_.programs.running() == 0 || left.count() <= 0) break;
     parts_.wakeup.Wait(static_cast<int>(left.count()));
-    while (parts_.wakeup.NextSignal()) {
+    while (const std::optional<int> signal = parts_.wakeup.NextSignal()) {
+      if (*signal == SIGINT || *signal == SIGTERM) return;
     }
   }
   if (parts_.programs.running() == 0) return;

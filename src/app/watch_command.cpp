@@ -143,13 +143,15 @@ void AddWatchCommand(CLI::App& parser, Verb* verb, bool* privileged) {
   what->add_option("--interface", options->interface, "Count the packets of this network interface (any: of all)")
       ->type_name("IF")
       ->check(NotEmpty());
-  what->add_option("--replay", options->replay, "Count those of a capture, at the pace of their times")
-      ->type_name("CAPTURE")
-      ->check(NotEmpty());
+  CLI::Option* replay =
+      what->add_option("--replay", options->replay, "Count those of a capture, at the pace of their times")
+          ->type_name("CAPTURE")
+          ->check(NotEmpty());
   what->require_option(1);
   command->add_option("--speed", options->speed, "Replay so many times as fast")
       ->type_name("N")
       ->check(CLI::Range(0.001, 1e9))
+      ->needs(replay)
       ->capture_default_str();
   command->add_option("--out", options->common.out, "Folder of all reports, made when missing")
       ->required()

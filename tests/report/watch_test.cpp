@@ -76,6 +76,7 @@ TEST(WatchTest, WordsThatCannotBeMeantAreRefused) {
       {{"watch", "--out", out}, 2, "--interface"},
       {{"watch", "--out", out, "--interface", "lo", "--replay", kSample}, 2, "--interface"},
       {{"watch", "--replay", kSample}, 2, "--out"},
+      {{"watch", "--interface", "lo", "--speed", "2", "--out", out}, 2, "--speed requires --replay"},
       {Replay(out, {"--every", "1w"}), 2, "--every 1w: must be a whole number and its unit"},
       {Replay(out, {"--every", "h"}), 2, "--every h: must be a whole number and its unit"},
       {Replay(out, {"--every", "1hour"}), 2, "--every 1hour: must be a whole number and its unit"},
@@ -316,7 +317,7 @@ TEST(WatchTest, TwentySecondsOfLoopbackTrafficMakeTheSetsThatWereAskedFor) {
   }
   const Echo echo;
   RunningCommand watch({"watch", "--interface", "lo", "--out", folder.Path("out"), "--every", "5s", "--new-set", "10s",
-                        "--keep", "2", "--filter", echo.Filter()});
+                        "--keep", "2", "--filter", echo.Filter(), "--on-report", "true"});
   if (!watch.WaitFor(kRunning)) {
     const CommandResult result = watch.Finish();
     if (result.messages.find("CAP_NET_RAW") == std::string::npos) FAIL() << result.messages;
@@ -334,6 +335,10 @@ TEST(WatchTest, TwentySecondsOfLoopbackTrafficMakeTheSetsThatWereAskedFor) {
     echo.Send("watched");
     watch.ReadFor(std::chrono::milliseconds(200));
   }
+  const std::string process = std::to_string(watch.process());
+  const std::string children = "/proc/" + process + "/task/" + process + "/children";
+  for (int look = 0; look < 50 && !Bytes(children).empty(); ++look) watch.ReadFor(std::chrono::milliseconds(100));
+  EXPECT_EQ(Bytes(children), "") << "programs that have ended are left as zombies";
   watch.Signal(SIGTERM);
   const CommandResult result = watch.Finish();
   EXPECT_EQ(result.exit_status, 0) << result.messages;
