@@ -22,6 +22,7 @@ constexpr KnownClass kClasses[] = {
     {"CSVStatsOutput", kCsvStatsOutputClass},
     {"SkryStatsOutput", kSkryStatsOutputClass},
     {"StatsOutputPrefs", kStatsOutputPrefsClass},
+    {"XMLStatsOutput", kXmlStatsOutputClass},
 };
 
 std::u16string ClassKey(const Guid& class_id) {

@@ -11,10 +11,10 @@ namespace orvo::app {
 namespace {
 
 constexpr Format kFormats[] = {
-    {"csv", kCsvStatsOutputClass, u".csv", u","},
-    {"tab", kCsvStatsOutputClass, u".txt", u"\t"},
-    {"xml", kXmlStatsOutputClass, u".xml", u","},
-    {"pdf", kPdfStatsOutputClass, u".pdf", u","},
+    {"csv", kCsvStatsOutputClass, u".csv", u",", kOutputCsv},
+    {"tab", kCsvStatsOutputClass, u".txt", u"\t", kOutputTab},
+    {"xml", kXmlStatsOutputClass, u".xml", u",", kOutputXml},
+    {"pdf", kPdfStatsOutputClass, u".pdf", u",", kOutputPdf},
 };
 
 const Format* FindFormat(std::string_view name) {
@@ -34,6 +34,13 @@ std::vector<const Format*> ParseFormats(std::string_view list) {
     begin = end + 1;
   }
   return formats;
+}
+
+const Format& FormatOfType(std::int32_t type) {
+  const auto* found = std::ranges::find_if(kFormats, [type](const Format& format) { return format.type == type; });
+  if (found != std::end(kFormats)) return *found;
+  if (type == kOutputPdf) throw CommandError(kFailed, fmt::format("outputType {}: there is no such format", type));
+  return kFormats[0];
 }
 
 std::string FormatNames() {
