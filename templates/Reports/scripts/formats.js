@@ -14,7 +14,8 @@ function roundTo(number, step, units) {
     rest /= step;
     unit += 1;
   }
-  const digits = unit === 0 ? EXACT.format(number) : THREE_DIGITS.format(Math.sign(number) * rest);
+  const isExact = unit === 0 && Number.isInteger(number);
+  const digits = isExact ? EXACT.format(number) : THREE_DIGITS.format(Math.sign(number) * rest);
   return units[unit] ? `${digits} ${units[unit]}` : digits;
 }
 

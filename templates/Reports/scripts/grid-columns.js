@@ -52,6 +52,9 @@ function dressRow(row, columns) {
     if (column.kind.isNumber && !column.kind.isLeft) cell.classList.add("figure");
     cell.hidden = column.isHidden;
     column.kind.dress?.(cell, text, column);
-    if (!column.kind.dress && text.length > 40) cell.title = text;
+    if (!column.kind.dress && text.length > 40) {
+      cell.classList.add("wordy");
+      cell.title = text;
+    }
   }
 }

@@ -81,7 +81,10 @@ class GridTools {
     for (const group of grid.groups) for (const i of group.members) groupOf.set(i, group.texts[0]);
     const lines = [line(grid.columns.map((column) => column.title))];
     const add = (at) => {
-      const texts = grid.columns.map((column) => grid.rows.text(rows[at], column.index));
+      const texts = grid.columns.map(({ index, kind }) => {
+        const text = grid.rows.text(rows[at], index);
+        return kind.plain ? kind.plain(text) : text;
+      });
       // Rows of a group leave out what its head says once.
       if (texts[0] === "") texts[0] = groupOf.get(rows[at]) ?? "";
       lines.push(line(texts));

@@ -2,7 +2,7 @@
 // document has it, so that sorting and copying need no guess, and is dressed for readers when it is shown.
 //
 // A kind says how a text sorts (`key`; texts sort as texts), how a cell is dressed (`dress`), and whether it is a number
-// (`isNumber`), which stands to the right and sorts from the largest first.
+// (`isNumber`), which stands to the right and sorts from the largest first. `plain` words a text for other programs.
 
 function setBar(cell, share) {
   if (!Number.isFinite(share) || share <= 0) return;
@@ -98,14 +98,28 @@ function dressValue(cell, text, column) {
   if (/^\d{4,}$/.test(text)) dressCount(cell, text, column);
 }
 
+// How much the second of two values between "|" is above the first.
+function changeOf(text) {
+  const [first, latest] = text.split("|").map(valueNumber);
+  return latest - first;
+}
+
 function dressChange(cell, text) {
-  const number = plainNumber(text);
+  if (text === "") return;
+  const number = changeOf(text);
   if (!Number.isFinite(number)) {
     cell.textContent = "–";
     return;
   }
   cell.textContent = number > 0 ? `+${EXACT.format(number)}` : EXACT.format(number).replace("-", "\u2212");
   cell.classList.add(number > 0 ? "rises" : number < 0 ? "falls" : "stays");
+}
+
+// The protocols that carry another, from the outermost inwards; the last is the protocol itself.
+function dressPath(cell, text) {
+  const parts = text.split("\\");
+  cell.textContent = parts.length > 1 ? parts.slice(0, -1).join(" › ") : "";
+  cell.classList.add("faint");
 }
 
 const severityRank = (text) => SEVERITIES.findIndex((known) => known.name === text);
@@ -137,7 +151,8 @@ const KINDS = {
   rfactor: { ...NUMBERS, dress: dressQuality(80, 70) },
   tree: { dress: dressTree },
   value: { key: valueNumber, isNumber: true, dress: dressValue },
-  change: { ...NUMBERS, dress: dressChange },
+  change: { key: changeOf, isNumber: true, dress: dressChange, plain: (text) => String(changeOf(text)) },
+  path: { dress: dressPath },
   trend: { key: (text) => trendPoints(text).at(-1) ?? Number.NaN, isNumber: true, isLeft: true, dress: dressTrend },
 };
 

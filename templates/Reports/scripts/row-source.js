@@ -2,8 +2,9 @@
 // and gigabytes to lay out; this keeps the nodes of the document, and makes of them the rows in view and, for sorting,
 // single cells.
 
-// The for-each that makes all rows of a body, each row a literal <tr>; null for every other body.
+// The for-each that makes all rows of the body of a grid, each row a literal <tr>; null for every other body.
 function rowsTemplate(body) {
+  if (body.closest("table")?.getAttribute("class") !== "grid") return null;
   const loop = body.firstElementChild;
   if (!loop || body.childElementCount !== 1 || !isInstruction(loop, "for-each")) return null;
   const parts = [...loop.children].filter((part) => !isInstruction(part, "sort"));

@@ -62,7 +62,7 @@ class StyleSheet {
     if (!this.templates.has("/")) throw new Error("there is no template for /");
   }
 
-  // What the style sheet makes of `source`, as a fragment of this page. When `onRows` is given, table bodies of which
+  // What the style sheet makes of `source`, as a fragment of this page. When `onRows` is given, bodies of grids of which
   // all rows come from one for-each stay empty, and it is called with the body and the source of its rows.
   transform(source, onRows = null) {
     const run = new Transformation(this, source, onRows);

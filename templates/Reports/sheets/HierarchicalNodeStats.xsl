@@ -70,7 +70,7 @@
                       </tr>
                       <xsl:for-each select="NodeStat">
                         <tr>
-                          <th scope="row"></th>
+                          <td></td>
                           <td><xsl:value-of select="LogicalAddress"/></td>
                           <td><xsl:value-of select="Bytes"/></td>
                           <td><xsl:value-of select="Packets"/></td>

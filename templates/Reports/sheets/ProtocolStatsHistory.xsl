@@ -50,7 +50,7 @@
                     </td>
                     <td><xsl:value-of select="$first"/></td>
                     <td><xsl:value-of select="$latest"/></td>
-                    <td><xsl:value-of select="$latest - $first"/></td>
+                    <td><xsl:value-of select="concat($first, '|', $latest)"/></td>
                   </tr>
                 </xsl:for-each>
               </tbody>

@@ -8,7 +8,8 @@
         <caption>Expert events</caption>
         <thead>
           <tr>
-            <xsl:for-each select="Stats[1]/*[not(self::EVENT_NAME)]">
+            <th data-kind="severity">Severity</th>
+            <xsl:for-each select="Stats[1]/*[not(self::EVENT_NAME or self::EVENT_SEVERITY_MAX)]">
               <xsl:call-template name="expert-head"/>
             </xsl:for-each>
           </tr>
@@ -33,7 +34,8 @@
 
   <xsl:template name="event">
     <tr>
-      <xsl:for-each select="*[not(self::EVENT_NAME)]">
+      <td><xsl:value-of select="EVENT_SEVERITY_MAX/@Value"/></td>
+      <xsl:for-each select="*[not(self::EVENT_NAME or self::EVENT_SEVERITY_MAX)]">
         <td><xsl:value-of select="@Value"/></td>
       </xsl:for-each>
     </tr>

@@ -33,7 +33,7 @@
             </tr>
             <xsl:for-each select="ConversationStat">
               <tr>
-                <th scope="row"></th>
+                <td></td>
                 <td><xsl:value-of select="DestinationAddress"/></td>
                 <td><xsl:value-of select="Protocol"/></td>
                 <td><xsl:value-of select="Bytes"/></td>

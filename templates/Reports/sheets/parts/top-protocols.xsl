@@ -9,6 +9,7 @@
         <thead>
           <tr>
             <th data-kind="text">Protocol</th>
+            <th data-kind="path">Inside of</th>
             <xsl:if test="ProtoStat/Packets"><th data-kind="number">Packets</th></xsl:if>
             <th data-kind="bytes">Bytes</th>
             <th data-kind="ratio">Share</th>
@@ -20,6 +21,7 @@
             <xsl:if test="position() &lt;= 8">
               <tr>
                 <th scope="row"><xsl:value-of select="Name"/></th>
+                <td><xsl:value-of select="Path"/></td>
                 <xsl:if test="Packets"><td><xsl:value-of select="Packets"/></td></xsl:if>
                 <td><xsl:value-of select="Bytes"/></td>
                 <td><xsl:value-of select="PctBytes"/></td>
