@@ -42,10 +42,11 @@ function dressTrend(cell, text) {
   );
 }
 
-// The next round number at or above `value`: 1, 2 or 5 times a power of ten.
-function roundUp(value) {
-  const power = 10 ** Math.floor(Math.log10(value || 1));
-  return [1, 2, 5, 10].map((step) => step * power).find((limit) => limit >= value);
+// The next round number at or above `value`: 1, 2 or 5 times a power of ten, and for bytes 1 to 1000 of a unit.
+function roundUp(value, isBytes) {
+  const unit = isBytes ? 1024 ** Math.floor(Math.log2(value || 1) / 10) : 1;
+  const power = unit * 10 ** Math.floor(Math.log10(value / unit || 1));
+  return [1, 2, 4, 5, 10].map((step) => step * power).find((limit) => limit >= value);
 }
 
 // Label and value of each row of a table of two columns.
@@ -74,8 +75,9 @@ function drawAxis(svg, top, format) {
 
 function makeChart(table, points) {
   const title = table.caption?.textContent ?? "";
-  const format = table.dataset.unit === "bytes" ? roundBytes : roundCount;
-  const top = roundUp(Math.max(1, ...points.map((point) => point.value)));
+  const isBytes = table.dataset.unit === "bytes";
+  const format = isBytes ? roundBytes : roundCount;
+  const top = roundUp(Math.max(4, ...points.map((point) => point.value)), isBytes);
   const svg = makeSvg("svg", {
     class: "chart",
     viewBox: `0 0 ${CHART_WIDTH} ${CHART_HEIGHT}`,

@@ -132,7 +132,7 @@ const KINDS = {
   duration: { key: durationSeconds, isNumber: true },
   number: { ...NUMBERS, dress: dressCount },
   bytes: { ...NUMBERS, dress: dressBytes },
-  ratio: { ...NUMBERS, dress: (cell, text) => dressShare(cell, plainNumber(text)) },
+  ratio: { ...NUMBERS, dress: (cell, text) => text && dressShare(cell, plainNumber(text)) },
   percent: { key: localNumber, isNumber: true, dress: (cell, text) => text && dressShare(cell, localNumber(text) / 100) },
   "percent-value": { ...NUMBERS, dress: (cell, text) => text && dressShare(cell, plainNumber(text) / 100) },
   rate: { key: localNumber, isNumber: true },

@@ -32,6 +32,7 @@
           <xsl:call-template name="line">
             <xsl:with-param name="title" select="'Bytes of each report'"/>
             <xsl:with-param name="name" select="'Total Bytes'"/>
+            <xsl:with-param name="unit" select="'bytes'"/>
           </xsl:call-template>
         </div>
       </xsl:if>
@@ -94,10 +95,11 @@
   <xsl:template name="line">
     <xsl:param name="title"/>
     <xsl:param name="name"/>
+    <xsl:param name="unit"/>
     <xsl:if test="/History/Snapshot/Group/SummaryStat[Name = $name]">
       <section class="part">
         <div class="part-head"><h2><xsl:value-of select="$title"/></h2></div>
-        <table class="chart-line">
+        <table class="chart-line" data-unit="{$unit}">
           <caption><xsl:value-of select="$title"/></caption>
           <thead><tr><th scope="col">Report</th><th scope="col">Value</th></tr></thead>
           <tbody>
