@@ -5,12 +5,13 @@
 # What may follow each word: its options.
 declare -gA _orvo_report_options=(
   [make]='--out --format --report --templates --filter --settings --set --live --no-names --hosts --trust --limit --apdex --locale --code-page --no-progress --help'
+  [view]='--port --open --help'
   [settings]='--settings --set --help'
   [classes]='--help'
   [register]='--help'
   [unregister]='--help'
 )
-_orvo_report_words='make settings classes register unregister --help --version'
+_orvo_report_words='make view settings classes register unregister --help --version'
 _orvo_report_limits='addresses= hierarchy= conversations= flows= calls= media-streams= names= expert-flows= expert-events= wireless-nodes= wireless-channels='
 _orvo_report_formats='csv tab xml'
 _orvo_report_reports='full executive-summary expert-summary additional-node conversations'
@@ -89,6 +90,8 @@ _orvo_report() {
     _orvo_report_offer "${_orvo_report_options[$word]:-}" "$current"
   elif [[ $word == make ]]; then
     _orvo_report_paths -f "$current"
+  elif [[ $word == view ]]; then
+    _orvo_report_paths -d "$current"
   fi
 }
 

@@ -61,6 +61,7 @@ int Run(int argc, char** argv) {
   parser.footer(kFooter);
   Verb verb;
   AddMakeCommand(parser, &verb);
+  AddViewCommand(parser, &verb);
   AddSettingsCommand(parser, &verb);
   AddClassesCommands(parser, &verb);
   try {

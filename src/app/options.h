@@ -13,6 +13,7 @@ using Verb = std::function<int()>;
 
 /// Each adds its verb with its options; `verb` is set when the user asked for it.
 void AddMakeCommand(CLI::App& parser, Verb* verb);
+void AddViewCommand(CLI::App& parser, Verb* verb);
 void AddSettingsCommand(CLI::App& parser, Verb* verb);
 void AddClassesCommands(CLI::App& parser, Verb* verb);
 
