@@ -5,6 +5,7 @@
 #include "graphs/chart_builder.h"
 #include "platform/error.h"
 #include "platform/utf.h"
+#include "platform/xml_tree.h"
 #include "prefs/switch_ids.h"
 #include "xml/graph_documents.h"
 #include "xml/picture_folder.h"
