@@ -220,11 +220,12 @@ std::uint32_t SecondsOf(IStatsContext& context) {
   return static_cast<std::uint32_t>(std::min<std::uint64_t>(seconds, std::numeric_limits<std::uint32_t>::max()));
 }
 
-/// The folder of templates in full, in the form of the component's paths and with a separator at its end; empty when
-/// none was named.
+/// The folder of templates that was named, else the one that came with the command: in full, in the form of the
+/// component's paths and with a separator at its end. Empty when there is none.
 std::u16string TemplateFolder(const MakeOptions& options) {
-  if (options.templates.empty()) return {};
-  return PathFromSystem((fs::absolute(options.templates) / "").string());
+  const std::string templates = options.templates.empty() ? TemplatesBesideCommand() : options.templates;
+  if (templates.empty()) return {};
+  return PathFromSystem((fs::absolute(templates) / "").string());
 }
 
 /// Writes one report in one format. False when one of its files failed.

@@ -25,7 +25,7 @@ struct ViewOptions {
 /// Ends the command when the folder has no page to begin with.
 void RequirePages(const ServedFolder& folder, const std::string& path) {
   if (folder.Open("Report.htm")) return;
-  std::string advice = "make one with --format xml and --templates";
+  std::string advice = "make one with --format xml";
   if (folder.Open("xml/Report.htm"))
     advice = fmt::format("did you mean {}?", (std::filesystem::path(path) / "xml").string());
   throw CommandError(kFailed,

@@ -36,7 +36,7 @@ export function sample(name) {
 // Makes a report of a capture into the folder of that name, and gives the folder.
 export function makeReport(name, capture, ...options) {
   const folder = place(name);
-  const words = ["make", capture, "--out", folder, "--format", "xml", "--templates", join(source, "templates"), ...options];
+  const words = ["make", capture, "--out", folder, "--format", "xml", ...options];
   execFileSync(command, words, { env: environment, stdio: ["ignore", "ignore", "pipe"] });
   return folder;
 }

@@ -174,6 +174,9 @@ TEST(CommandTest, AnXmlReportTakesItsKindAndTemplates) {
       RunCommand({"make", kSample, "--out", folder.Path("both"), "--format", "xml,csv", "--report", "expert-summary"});
   EXPECT_EQ(both.exit_status, 0) << both.messages;
   EXPECT_FALSE(folder.Has("both/xml/ProtocolsMenu.htm"));
+  // Templates come with the command.
+  EXPECT_THAT(folder.Read("both/xml/Report.htm"), HasSubstr("MainMenu.htm"));
+  EXPECT_TRUE(folder.Has("both/xml/Images/logo.gif"));
   EXPECT_TRUE(folder.Has("both/csv/Node Statistics-IP.csv"));
 }
 
