@@ -50,8 +50,9 @@ function show(folder) {
   });
 }
 
-// What may not happen on any page: a script of the data, an error, a file that is missing, a request to elsewhere.
-function watch(page, address) {
+// What may not happen on any page: a script of the data, an error, a file that is missing but those that are `lacking`,
+// a request to elsewhere.
+function watch(page, address, lacking) {
   const problems = [];
   page.on("dialog", (dialog) => {
     problems.push(`a dialog says ${dialog.message()}`);
@@ -59,6 +60,7 @@ function watch(page, address) {
   });
   page.on("pageerror", (error) => problems.push(`an error: ${error.message}`));
   page.on("console", (message) => {
+    if (lacking.some((file) => message.location().url === address + file)) return;
     if (["error", "warning"].includes(message.type())) problems.push(`${message.text()} (${message.location().url})`);
   });
   page.on("requestfailed", (request) => {
@@ -72,7 +74,7 @@ function watch(page, address) {
 }
 
 // Shows a report and calls `look` with the page; then fails when anything went wrong on the way.
-export async function withReport(folder, look, options = {}) {
+export async function withReport(folder, look, { lacking = [], ...options } = {}) {
   browser ??= await chromium.launch({
     executablePath: process.env.CHROMIUM,
     // The sandbox of the browser does not work for root; what is shown here is our own.
@@ -83,7 +85,7 @@ export async function withReport(folder, look, options = {}) {
   try {
     const page = await context.newPage();
     page.setDefaultTimeout(20_000);
-    const problems = watch(page, address);
+    const problems = watch(page, address, lacking);
     await page.goto(address);
     await look(page, address);
     assert.deepEqual(problems, []);

@@ -24,11 +24,14 @@ class XmlPartsTest : public testing::Test {
     return folder_.Read("x.xml");
   }
 
-  TemporaryFolder folder_;
+  // In memory where that can be, as every file is made durable.
+  TemporaryFolder folder_{std::filesystem::is_directory("/dev/shm") ? "/dev/shm"
+                                                                    : std::filesystem::temp_directory_path()};
 };
 
 TEST_F(XmlPartsTest, AStreamWritesWhatATreeWrites) {
-  const std::u16string texts[] = {u"", u"plain", u"a<b>&\"c\"'", u"\U0001F600 \u00E9", std::u16string(1, 0xD800) + u"\x01 \uFFFF"};
+  const std::u16string texts[] = {u"", u"plain", u"a<b>&\"c\"'", u"\U0001F600 \u00E9",
+                                  std::u16string(1, 0xD800) + u"\x01 \uFFFF"};
   XmlTree tree;
   XmlElement root = tree.AddRoot("Root");
   {
