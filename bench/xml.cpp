@@ -377,7 +377,7 @@ void PrintMemory(const Case& one) {
 
 void Register(const Case& one) {
   const auto add = [](const std::string& name, auto work) {
-    benchmark::RegisterBenchmark(name.c_str(), work)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(5);
+    benchmark::RegisterBenchmark(name.c_str(), work)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(3);
   };
   add(one.name, [&one](benchmark::State& state) {
     EmptyFolder();

@@ -53,6 +53,7 @@ test("names of wireless networks", async () => {
   await withReport(makeReport("networks", place("wireless.pcap")), async (page) => {
     await everyView(page, (where) => assertOnlyText(page, where));
     await openTab(page, "Wireless");
+    await press(page, "Overview");
     assert.ok((await page.locator("#view").textContent()).includes(String(hostile)));
     await picture(page, "names-of-networks");
   });
@@ -63,11 +64,11 @@ test("sorting and filtering", async () => {
     await shown(page);
     await openTab(page, "Expert");
     await press(page, "Flows");
-    await sortBy(page, "Packets");
+    await sortBy(page, "Client Port");
     const numbers = (texts) => texts.map((text) => Number(text.replaceAll(/[^0-9.]/g, "")));
-    assertSorted(numbers(await column(page, "Packets")), true);
-    await sortBy(page, "Packets");
-    assertSorted(numbers(await column(page, "Packets")), false);
+    assertSorted(numbers(await column(page, "Client Port")), true);
+    await sortBy(page, "Client Port");
+    assertSorted(numbers(await column(page, "Client Port")), false);
     const all = await page.locator(".row-count").first().textContent();
     await page.locator("input.filter").first().fill("192.0.2.22");
     await page.locator(".row-count", { hasText: " of " }).first().waitFor();
