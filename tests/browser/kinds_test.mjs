@@ -8,7 +8,7 @@ import { buttons, openTab, press, shown, tabs } from "./walk.mjs";
 const VOICE = ["--set", "OutputVoIPOnly=1"];
 
 // Views by tab and button. One in brackets has figures, but this kind of report brings no style sheet for them, which is
-// then one of `lacking`.
+// then one of `lacking`, as are images that it leaves out.
 const MAIN = ["Overview", "Snapshots"];
 const FULL = {
   Report: [...MAIN, "History", "Graphs"],
@@ -45,7 +45,7 @@ const REPORTS = [
     capture: "office.pcapng",
     options: ["--report", "expert-summary"],
     views: { Report: [...MAIN, "(Graphs)"], Expert: ["Summary", "Flows", "Applications", "(Event log)"] },
-    lacking: ["Graphs.xsl", "ExpertEventLog.xsl"],
+    lacking: ["Graphs.xsl", "ExpertEventLog.xsl", "Images/event_log.gif"],
   },
   {
     name: "additional-node",
