@@ -294,7 +294,7 @@ void AddMakeCommand(CLI::App& parser, Verb* verb) {
       ->check(NotEmpty());
   command
       ->add_option("--templates", options->templates,
-                   "Folder with StatMap.xml, and Reports, whose pages and pictures the xml form copies")
+                   "Folder whose Reports holds the pages of the xml form (default: those that came along)")
       ->type_name("DIR")
       ->check(NotEmpty());
   command

@@ -141,7 +141,10 @@ function drawLine(table) {
 }
 
 function shorten(text) {
-  const short = text.replace(/ Bytes$/, "").replace(/ (?:or|to) /, (word) => (word === " to " ? "–" : " or "));
+  const short = text
+    .replace(/^(\d+) Bytes or Fewer$/, "≤ $1")
+    .replace(/^(\d+) Bytes or More$/, "≥ $1")
+    .replace(/^(\d+) to (\d+) Bytes$/, "$1–$2");
   return short.length > 14 ? `${short.slice(0, 13)}…` : short;
 }
 

@@ -27,6 +27,7 @@ function dressPlain(table) {
   const columns = readColumns(table, rows);
   for (const column of columns) {
     column.head.scope = "col";
+    column.head.classList.add(`is-${column.name}`);
     column.head.classList.toggle("figure", Boolean(column.kind.isNumber && !column.kind.isLeft));
   }
   for (const row of rows.rows) dressRow(row, columns);

@@ -131,6 +131,7 @@ const KINDS = {
   time: { isTime: true },
   duration: { key: durationSeconds, isNumber: true },
   number: { ...NUMBERS, dress: dressCount },
+  identifier: NUMBERS,
   bytes: { ...NUMBERS, dress: dressBytes },
   ratio: { ...NUMBERS, dress: (cell, text) => text && dressShare(cell, plainNumber(text)) },
   percent: { key: localNumber, isNumber: true, dress: (cell, text) => text && dressShare(cell, localNumber(text) / 100) },

@@ -52,7 +52,8 @@ class Menu {
     for (const image of [...menu.querySelectorAll("img")]) this.place(image, tabs, buttons);
     menu.body.append(tabs, ...(buttons.childElementCount ? [buttons] : []));
     this.mark();
-    new ResizeObserver(() => this.fit()).observe(menu.body);
+    const watcher = new ResizeObserver(() => this.fit());
+    for (const row of menu.querySelectorAll("nav")) watcher.observe(row);
     this.fit();
   }
 
@@ -112,7 +113,8 @@ class Menu {
   }
 
   fit() {
-    const { body } = this.frame.contentDocument;
-    this.frame.style.height = `${Math.ceil(body.getBoundingClientRect().height)}px`;
+    // The body of such an old page is as high as its frame; its rows are as high as they need to be.
+    const rows = [...this.frame.contentDocument.querySelectorAll("nav")];
+    this.frame.style.height = `${rows.reduce((height, row) => height + row.offsetHeight, 0)}px`;
   }
 }

@@ -42,6 +42,7 @@ class Page {
     this.menu.mark(call);
     this.main.setAttribute("aria-busy", "true");
     this.status.textContent = `Loading ${view.title}…`;
+    if (!this.main.querySelector("article")) this.main.replaceChildren(make("p", { class: "note" }, "Loading…"));
     let content;
     try {
       content = await this.make(view);

@@ -5,6 +5,7 @@
         <xsl:choose>
           <xsl:when test="self::EVENT_SEVERITY_MAX">severity</xsl:when>
           <xsl:when test="contains(name(), 'ADDRESS')">address</xsl:when>
+          <xsl:when test="contains(name(), '_PORT') or self::FLOW_ID or self::EVENT_NUMBER">identifier</xsl:when>
           <xsl:when test="self::BYTES or self::CLIENT_BYTES or self::SERVER_BYTES">bytes</xsl:when>
           <xsl:when test="self::FIRST_PACKET or self::LAST_PACKET">time</xsl:when>
           <xsl:when test="self::FIRST_TIME or self::LAST_TIME or self::EVENT_TIME or self::START_TIME or self::FINISH_TIME">time</xsl:when>
