@@ -4,6 +4,8 @@
 
 #include "graphs/chart_builder.h"
 #include "platform/error.h"
+#include "platform/utf.h"
+#include "platform/xml_tree.h"
 #include "prefs/switch_ids.h"
 #include "statistics/graph_file_name.h"
 #include "xml/graph_documents.h"

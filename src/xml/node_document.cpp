@@ -60,13 +60,12 @@ constexpr XmlColumn<NodeRow> kColumns[] = {
 
 /// Moves the nodes of the report before, which a kept index still holds, into the history.
 void MoveToHistory(XmlReport& report) {
-  XmlElement old = report.index_root.FirstChild(kElement);
-  if (!old) return;
-  XmlTree document;
-  XmlElement history = OpenGrowingDocument(report, kHistoryFile, kElement, &document).AddElement("History");
-  for (const char* part : {"Summary", "Stats"}) history.AddCopy(old.FirstChild(part));
-  report.index_root.RemoveChild(old);
-  SaveDocument(report, kHistoryFile, document, 0);
+  const std::string_view old = report.index.Take(kElement);
+  if (old.empty()) return;
+  AddHistory(report, kHistoryFile, kElement, "History", [&](XmlWriter history) {
+    for (const char* part : {"Summary", "Stats"}) history.AddLines(XmlChildLines(old, part));
+    return std::optional<std::uint64_t>(0);
+  });
   report.memory.written.node_history = true;
 }
 
@@ -85,9 +84,9 @@ bool WriteEntry(XmlReport& report) {
 
   const XmlColumns<NodeRow> columns(report, kColumns);
   std::uint64_t rows = 0;
-  ForEachFamily(report, entry.element().AddElement("Stats"), [&](const XmlNodeFamily& family, XmlElement type) {
+  ForEachFamily(report, entry.element().AddElement("Stats"), [&](const XmlNodeFamily& family, XmlWriter type) {
     ForEachNode(*addresses, *nodes, family.type, [&](const AddressRecord& record, const NodeEntry& node) {
-      XmlElement row = type.AddElement("NodeStat");
+      const XmlWriter row = type.AddElement("NodeStat");
       row.AddElement("Addr", AddressText(report, &record));
       columns.AddTo(report, {.node = node, .total_bytes = total_bytes}, row);
       ++rows;

@@ -123,9 +123,9 @@ class SnapshotWriter {
   }
 
   /// Adds the groups and rows of a snapshot; gives the number of rows.
-  std::uint64_t Write(ISummarySnapshot& snapshot, XmlElement parent) {
+  std::uint64_t Write(ISummarySnapshot& snapshot, XmlWriter parent) {
     std::u16string group_name = GroupName(snapshot, kStatFirstGroup);
-    XmlElement group = AddGroup(parent, group_name);
+    XmlWriter group = AddGroup(parent, group_name);
     const ReferenceTotals totals = ReadTotals(report_, snapshot);
     std::uint32_t count = 0;
     Check(snapshot.GetCount(&count));
@@ -140,7 +140,7 @@ class SnapshotWriter {
         group_name = std::move(name);
         group = AddGroup(parent, group_name);
       }
-      XmlElement row = group.AddElement("SummaryStat");
+      const XmlWriter row = group.AddElement("SummaryStat");
       row.AddElement("Name", SummaryName(snapshot, map_, statistic));
       AddColumns({.figures = FiguresOf(value), .totals = totals}, ColumnsOf(value.kind), row);
       ++rows;
@@ -155,13 +155,13 @@ class SnapshotWriter {
     return SummaryName(snapshot, map_, group);
   }
 
-  static XmlElement AddGroup(XmlElement parent, const std::u16string& name) {
-    XmlElement group = parent.AddElement("Group");
+  static XmlWriter AddGroup(XmlWriter parent, const std::u16string& name) {
+    const XmlWriter group = parent.AddElement("Group");
     group.SetAttribute("Name", name);
     return group;
   }
 
-  void AddColumns(const SummaryRow& values, std::span<const SummaryColumn> columns, XmlElement row) {
+  void AddColumns(const SummaryRow& values, std::span<const SummaryColumn> columns, XmlWriter row) {
     for (const SummaryColumn& column : columns) {
       if ((column.is_rate && report_.memory.no_rates) || !report_.IsOn(column.gate)) continue;
       row.AddElement(column.name, column.text(report_, values));
@@ -179,8 +179,8 @@ ComPtr<ISummarySnapshot> Current(ISummaryStats& summary) {
   return snapshot;
 }
 
-void AddSummaryTimes(XmlReport& report, ISummarySnapshot& snapshot, XmlElement entry) {
-  XmlElement summary = entry.AddElement("Summary");
+void AddSummaryTimes(XmlReport& report, ISummarySnapshot& snapshot, XmlWriter entry) {
+  const XmlWriter summary = entry.AddElement("Summary");
   summary.AddElement("TimeSaved", TimeSaved(report));
   std::u16string text;
   if (const auto date = Find(snapshot, kStatStartDate)) Check(FormatDate(*date, &text));
@@ -192,8 +192,8 @@ void AddSummaryTimes(XmlReport& report, ISummarySnapshot& snapshot, XmlElement e
 }
 
 std::uint64_t WriteSnapshots(XmlReport& report, ISummaryStats& summary, ISummarySnapshot& current,
-                             SnapshotWriter& writer, XmlElement stats) {
-  XmlElement element = stats.AddElement("Snapshot");
+                             SnapshotWriter& writer, XmlWriter stats) {
+  XmlWriter element = stats.AddElement("Snapshot");
   element.SetAttribute("Name", u"Current");
   std::uint64_t rows = writer.Write(current, element);
   if (!report.IsOn(kSwitchOutputSnapshots)) return rows;
@@ -216,7 +216,7 @@ void ExtendHistory(XmlReport& report, SnapshotWriter& writer) {
   const ComPtr<ISummaryStats> summary = Obtain(*report.job.statistics, kSummaryCategory);
   const ComPtr<ISummarySnapshot> current = summary ? Current(*summary) : ComPtr<ISummarySnapshot>();
   if (!current) return;
-  AddHistory(report, kHistoryFile, "History", "Snapshot", [&](XmlElement entry) {
+  AddHistory(report, kHistoryFile, "History", "Snapshot", [&](XmlWriter entry) {
     entry.SetAttribute("Time", TimeSaved(report));
     return std::optional(writer.Write(*current, entry));
   });

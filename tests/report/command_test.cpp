@@ -87,7 +87,7 @@ TEST(CommandTest, WrongUsageIsOneLineAndStatusTwo) {
 }
 
 TEST(CommandTest, HelpIsThereForEveryVerb) {
-  for (const std::string verb : {"", "make", "watch", "settings", "classes", "register", "unregister"}) {
+  for (const std::string verb : {"", "make", "watch", "view", "settings", "classes", "register", "unregister"}) {
     std::vector<std::string> arguments = {"--help"};
     if (!verb.empty()) arguments.insert(arguments.begin(), verb);
     const CommandResult result = RunCommand(arguments);
