@@ -69,7 +69,8 @@ Status Thread::Start(Function* function, void* argument) {
 
 Status Thread::Join() {
   void* result = nullptr;
-  if (std::exchange(running_, false)) pthread_join(thread_, &result);
+  if (running_) pthread_join(thread_, &result);
+  running_ = false;  // not before: until its end the thread is to know itself
   return static_cast<Status>(reinterpret_cast<std::intptr_t>(result));
 }
 
