@@ -28,6 +28,7 @@ std::string Narrow(std::u16string_view name) {
 TEST(ReportTemplatesTest, AreTheFilesThatReportsCopy) {
   Names files;
   Names images;
+  for (std::u16string_view image : kCommonImages) images.insert(Narrow(image));
   for (const ReportAssets* assets : {&kFullAssets, &kAdditionalNodeAssets, &kExpertSummaryAssets,
                                      &kExecutiveSummaryAssets, &kConversationsOnlyAssets}) {
     for (const AssetFile& file : assets->files) files.insert(Narrow(file.name));
