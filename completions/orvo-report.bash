@@ -5,16 +5,18 @@
 # What may follow each word: its options.
 declare -gA _orvo_report_options=(
   [make]='--out --format --report --templates --filter --settings --set --live --no-names --hosts --trust --limit --apdex --locale --code-page --no-progress --help'
+  [watch]='--interface --replay --speed --out --format --every --new-set --keep --on-report --report --templates --filter --settings --set --no-names --hosts --trust --limit --apdex --locale --code-page --no-progress --help'
   [view]='--port --open --help'
   [settings]='--settings --set --help'
   [classes]='--help'
   [register]='--help'
   [unregister]='--help'
 )
-_orvo_report_words='make view settings classes register unregister --help --version'
+_orvo_report_words='make watch view settings classes register unregister --help --version'
 _orvo_report_limits='addresses= hierarchy= conversations= flows= calls= media-streams= names= expert-flows= expert-events= wireless-nodes= wireless-channels='
-_orvo_report_formats='csv tab xml'
+_orvo_report_formats='csv tab xml pdf'
 _orvo_report_reports='full executive-summary expert-summary additional-node conversations'
+_orvo_report_intervals='5s 1m 5m 15m 1h 1d'
 _orvo_report_filters='arp broadcast ether host icmp icmp6 ip ip6 multicast net not port portrange tcp udp vlan'
 _orvo_report_code_pages='UTF-8 US-ASCII ISO-8859-1 ISO-8859-15 windows-1250 windows-1251 windows-1252 Shift_JIS'
 
@@ -34,7 +36,7 @@ _orvo_report_value() {
   local option=$1 current=$2
   case $option in
     --out | --templates) _orvo_report_paths -d "$current" ;;
-    --settings | --hosts | --trust) _orvo_report_paths -f "$current" ;;
+    --settings | --hosts | --trust | --replay) _orvo_report_paths -f "$current" ;;
     --format)
       # Formats are joined by commas: offer the next one behind those that are there.
       local done_part=
@@ -45,11 +47,20 @@ _orvo_report_value() {
       done
       _orvo_report_offer "${words[*]}" "$current"
       ;;
+    --interface) _orvo_report_offer "any $(compgen -G '/sys/class/net/*' | sed 's|.*/||')" "$current" ;;
+    --every) _orvo_report_offer "$_orvo_report_intervals" "$current" ;;
+    --new-set) _orvo_report_offer "$_orvo_report_intervals never" "$current" ;;
+    --keep) _orvo_report_offer '7 14 30 all' "$current" ;;
+    --speed) _orvo_report_offer '1 10 60 1000' "$current" ;;
+    --on-report)
+      compopt -o filenames 2>/dev/null
+      mapfile -t COMPREPLY < <(compgen -c -- "$current")
+      ;;
     --report) _orvo_report_offer "$_orvo_report_reports" "$current" ;;
     --set)
       # The command knows its switches: they are the attributes of the document that it prints.
       local switches
-      switches=$(orvo-report settings 2>/dev/null | grep -oE '[A-Za-z0-9]+="-?[0-9]+"' | sed 's/=.*/=/')
+      switches=$(orvo-report settings 2>/dev/null | sed -n '/<StatsOutputPrefs>/,$p' | grep -oE '[A-Za-z0-9]+="-?[0-9]+"' | sed 's/=.*/=/')
       compopt -o nospace 2>/dev/null
       _orvo_report_offer "$switches" "$current"
       ;;

@@ -8,6 +8,7 @@
 #include "platform/code_page.h"
 #include "platform/registry.h"
 #include "prefs/preferences.h"
+#include "scheduler/scheduler.h"
 
 namespace orvo::app {
 namespace {
@@ -19,7 +20,9 @@ struct KnownClass {
 
 constexpr KnownClass kClasses[] = {
     {"CSVStatsOutput", kCsvStatsOutputClass},
+    {"SkryStatsOutput", kSkryStatsOutputClass},
     {"StatsOutputPrefs", kStatsOutputPrefsClass},
+    {"XMLStatsOutput", kXmlStatsOutputClass},
 };
 
 std::u16string ClassKey(const Guid& class_id) {

@@ -51,9 +51,10 @@ void UseLibraryBesideCommand() {
   if (Succeeded(status)) return;
   const std::string path = SystemPath(library);
   if (status == StatusFromError(kErrorAccessDenied)) {
-    throw CommandError(kFailed, path +
-                                    ": is not trusted; a command that has privileges uses only a library that nobody "
-                                    "but root can change, in folders of which the same is true");
+    throw CommandError(kFailed,
+                       path +
+                           ": is not trusted; a command that has privileges uses only a library that nobody "
+                           "but root can change, in folders of which the same is true, or that lies beside its own");
   }
   Require(status, path);
 }

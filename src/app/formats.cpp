@@ -11,9 +11,10 @@ namespace orvo::app {
 namespace {
 
 constexpr Format kFormats[] = {
-    {"csv", kCsvStatsOutputClass, u".csv", u","},
-    {"tab", kCsvStatsOutputClass, u".txt", u"\t"},
-    {"xml", kXmlStatsOutputClass, u".xml", u","},
+    {"csv", kCsvStatsOutputClass, u".csv", u",", kOutputCsv},
+    {"tab", kCsvStatsOutputClass, u".txt", u"\t", kOutputTab},
+    {"xml", kXmlStatsOutputClass, u".xml", u",", kOutputXml},
+    {"pdf", kPdfStatsOutputClass, u".pdf", u",", kOutputPdf},
 };
 
 const Format* FindFormat(std::string_view name) {
@@ -33,6 +34,12 @@ std::vector<const Format*> ParseFormats(std::string_view list) {
     begin = end + 1;
   }
   return formats;
+}
+
+const Format& FormatOfType(std::int32_t type) {
+  const auto* found = std::ranges::find_if(kFormats, [type](const Format& format) { return format.type == type; });
+  if (found != std::end(kFormats)) return *found;
+  return kFormats[0];
 }
 
 std::string FormatNames() {

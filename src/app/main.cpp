@@ -15,6 +15,7 @@
 #include "app/messages.h"
 #include "app/options.h"
 #include "platform/class_factory.h"
+#include "platform/privilege.h"
 
 namespace orvo::app {
 namespace {
@@ -60,7 +61,9 @@ int Run(int argc, char** argv) {
   parser.require_subcommand(1);
   parser.footer(kFooter);
   Verb verb;
+  bool privileged = false;
   AddMakeCommand(parser, &verb);
+  AddWatchCommand(parser, &verb, &privileged);
   AddViewCommand(parser, &verb);
   AddSettingsCommand(parser, &verb);
   AddClassesCommands(parser, &verb);
@@ -69,6 +72,7 @@ int Run(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return ReportParsing(parser, error, argc > 1 ? argv[1] : "");
   }
+  if (!privileged && HasBorrowedPrivileges()) Require(GiveUpPrivileges(), "privileges cannot be given up");
   UseLibraryBesideCommand();
   int status = verb();
   FreeUnusedLibraries();

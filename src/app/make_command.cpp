@@ -1,11 +1,8 @@
 #include <fmt/core.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <filesystem>
 #include <limits>
-#include <map>
 #include <memory>
 #include <span>
 #include <string>
@@ -13,20 +10,18 @@
 
 #include "app/component.h"
 #include "app/formats.h"
-#include "app/limits.h"
 #include "app/messages.h"
 #include "app/options.h"
 #include "app/progress.h"
 #include "app/report_files.h"
+#include "app/report_folder.h"
 #include "app/report_kinds.h"
-#include "app/settings.h"
+#include "app/report_options.h"
 #include "capture/context/capture_engine.h"
 #include "capture/source/capture_file.h"
 #include "capture/source/merged_source.h"
 #include "capture/source/packet_filter.h"
 #include "frame/stats_output_method.h"
-#include "platform/code_page.h"
-#include "platform/locale.h"
 #include "platform/path.h"
 
 namespace orvo::app {
@@ -34,38 +29,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kSystemHosts = "/etc/hosts";
-/// Where Debian's package ieee-data keeps the registries of physical addresses.
-constexpr const char* kVendorFolder = "/usr/share/ieee-data";
-
 struct MakeOptions {
   std::vector<std::string> captures;
-  std::string out;
-  std::string filter;
   std::string formats = "csv";
-  std::string report;
-  std::string templates;
-  SettingsOptions settings;
-  std::string locale;
-  std::string code_page;
-  std::string hosts;
-  std::string trust;
-  std::vector<std::string> limits;
-  double apdex = 0.5;
   bool live = false;
-  bool no_names = false;
-  bool no_progress = false;
+  ReportOptions common;
 };
-
-void ApplyLocale(const MakeOptions& options) {
-  if (!options.locale.empty() && Failed(SetUserLocale(options.locale))) {
-    throw CommandError(kUsage, fmt::format("--locale {}: there is no such locale", options.locale));
-  }
-  if (!options.code_page.empty() && Failed(SetCodePage(options.code_page))) {
-    throw CommandError(
-        kUsage, fmt::format("--code-page {}: is unknown, or lacks ASCII (try UTF-8, windows-1252)", options.code_page));
-  }
-}
 
 /// A format, what its report is to contain, and the folder that it goes into. A report may change its preferences, so
 /// that each has its own.
@@ -75,24 +44,11 @@ struct Target {
   fs::path folder{};
 };
 
-/// Makes a folder with its parents and gives it in full. Ends the command when no file can be made in it.
-fs::path MakeFolder(const fs::path& path) {
-  std::error_code error;
-  fs::path folder = fs::absolute(path, error);
-  if (!error) fs::create_directories(folder, error);
-  if (error) throw CommandError(kFailed, fmt::format("{}: cannot be made: {}", path.string(), error.message()));
-  if (access(folder.c_str(), W_OK | X_OK) != 0) {
-    throw CommandError(kFailed,
-                       fmt::format("{}: cannot be written: {}", path.string(), Describe(StatusFromErrno(errno))));
-  }
-  return folder;
-}
-
 std::vector<Target> ChooseTargets(const MakeOptions& options) {
   std::vector<Target> targets;
   for (const Format* format : ParseFormats(options.formats)) {
-    targets.push_back({.format = format, .preferences = LoadPreferences(options.settings)});
-    ChooseReport(options.report, *targets.back().preferences);
+    targets.push_back({.format = format, .preferences = LoadPreferences(options.common.settings)});
+    ChooseReport(options.common.report, *targets.back().preferences);
   }
   return targets;
 }
@@ -100,36 +56,10 @@ std::vector<Target> ChooseTargets(const MakeOptions& options) {
 /// The folder of each format: the one that was named, or, since several formats would mix their files there, one for
 /// each below it.
 void MakeFolders(const MakeOptions& options, std::vector<Target>* targets) {
-  const fs::path out(options.out);
+  const fs::path out(options.common.out);
   for (Target& target : *targets) {
     target.folder = MakeFolder(targets->size() == 1 ? out : out / target.format->name);
   }
-}
-
-/// The filter that was asked for, or none.
-std::unique_ptr<PacketFilter> MakeFilter(const std::string& expression) {
-  if (expression.empty()) return nullptr;
-  SourceError error;
-  auto filter = PacketFilter::Make(expression, &error);
-  if (!filter) throw CommandError(kUsage, fmt::format("--filter {}", error.message));
-  return filter;
-}
-
-/// Names from the system's file, where there is one, and from the user's, which counts more.
-void LearnHosts(const MakeOptions& options, CaptureEngine& engine) {
-  engine.LearnHosts(kSystemHosts);
-  if (!options.hosts.empty()) Require(engine.LearnHosts(options.hosts), options.hosts);
-}
-
-/// What the user thinks of nodes of a wireless medium.
-void ReadTrust(const std::string& path, EngineOptions* options) {
-  std::string bad_line;
-  const Status status = ReadTrustFile(path, &options->trusted_addresses, &bad_line);
-  if (!bad_line.empty()) {
-    throw CommandError(kUsage, fmt::format("--trust {}: \"{}\" must read ADDRESS known or ADDRESS trusted", path,
-                                           Printable(bad_line)));
-  }
-  Require(status, path);
 }
 
 using Sources = std::vector<std::unique_ptr<PacketSource>>;
@@ -161,7 +91,7 @@ void ReadCaptures(const MakeOptions& options, const Sources& sources, PacketFilt
 
   const std::string what = parts.size() == 1 ? fs::path(options.captures.front()).filename().string()
                                              : fmt::format("{} captures", parts.size());
-  Progress progress(!options.no_progress, "reading " + what);
+  Progress progress(!options.common.no_progress, "reading " + what);
   constexpr std::uint64_t kPacketsBetweenLooks = 4096;
   constexpr std::size_t kMostAtOnce = 1024;
   std::vector<Packet> room(kMostAtOnce);
@@ -182,33 +112,16 @@ void ReadCaptures(const MakeOptions& options, const Sources& sources, PacketFilt
   PrintWarningOf(source);
 }
 
-/// The cause of a file's failure. Whatever is not a plain file is refused without saying why.
-std::string WhyNotWritten(const ReportFiles::File& file) {
-  std::error_code error;
-  const fs::file_status kind = fs::symlink_status(file.path, error);
-  if (file.status == StatusFromError(kErrorAccessDenied)) {
-    if (fs::is_symlink(kind)) return "is a symbolic link, which a report does not follow; remove it";
-    if (fs::exists(kind) && !fs::is_regular_file(kind)) return "is not a regular file; remove it";
-  }
-  return Describe(file.status);
-}
-
 /// Prints the files that were written, and one message for each cause that kept others from it. False when there are
 /// such.
 bool PrintFiles(const ReportFiles& files) {
-  std::map<std::string, std::vector<std::string>> failed;
   for (const ReportFiles::File& file : files.files()) {
-    if (Failed(file.status)) {
-      failed[WhyNotWritten(file)].push_back(file.path);
-    } else {
-      PrintOutput(fmt::format("{} ({} {})\n", Printable(file.path), file.rows, file.rows == 1 ? "row" : "rows"));
-    }
+    if (Failed(file.status)) continue;
+    PrintOutput(fmt::format("{} ({} {})\n", Printable(file.path), file.rows, file.rows == 1 ? "row" : "rows"));
   }
-  for (const auto& [cause, paths] : failed) {
-    const std::string others = paths.size() == 1 ? "" : fmt::format(" (and {} more)", paths.size() - 1);
-    PrintMessage(fmt::format("{}{}: {}", paths.front(), others, cause));
-  }
-  return failed.empty();
+  const std::vector<std::string> problems = files.Problems();
+  for (const std::string& problem : problems) PrintMessage(problem);
+  return problems.empty();
 }
 
 /// The length of the capture in whole seconds, a part of one counting as a second: a report of it covers it all.
@@ -220,14 +133,6 @@ std::uint32_t SecondsOf(IStatsContext& context) {
   return static_cast<std::uint32_t>(std::min<std::uint64_t>(seconds, std::numeric_limits<std::uint32_t>::max()));
 }
 
-/// The folder of templates that was named, else the one that came with the command: in full, in the form of the
-/// component's paths and with a separator at its end. Empty when there is none.
-std::u16string TemplateFolder(const MakeOptions& options) {
-  const std::string templates = options.templates.empty() ? TemplatesBesideCommand() : options.templates;
-  if (templates.empty()) return {};
-  return PathFromSystem((fs::absolute(templates) / "").string());
-}
-
 /// Writes one report in one format. False when one of its files failed.
 bool WriteReport(const MakeOptions& options, const Target& target, CaptureEngine& engine) {
   const Format& format = *target.format;
@@ -235,7 +140,7 @@ bool WriteReport(const MakeOptions& options, const Target& target, CaptureEngine
   engine.SetObserver(files.get());
   auto method = CreateComponent<IStatsOutputMethod>(format.method, fmt::format("the report library ({})", format.name));
   Require(method->SetFormat(Bstr(format.extension).get(), Bstr(format.separator).get(), target.preferences.get(),
-                            Bstr(TemplateFolder(options)).get()),
+                            Bstr(TemplateFolder(options.common)).get()),
           format.name);
 
   const Bstr report_folder(PathFromSystem(target.folder.string() + "/"));
@@ -245,28 +150,24 @@ bool WriteReport(const MakeOptions& options, const Target& target, CaptureEngine
   Status status = options.live ? method->OutputLive(context.get(), report_folder.get(), graphs.get())
                                : method->Output(report_folder.get(), context.get(), graphs.get());
   engine.SetObserver(nullptr);
-  Require(status, target.folder.string());
-  return PrintFiles(*files);
+  // A file that failed tells the cause better than the report that failed with it.
+  const bool all_written = PrintFiles(*files);
+  if (all_written) Require(status, target.folder.string());
+  return all_written;
 }
 
 int Make(const MakeOptions& options) {
   // Whatever can be wrong with the words and folders is found before the long work begins.
-  ApplyLocale(options);
+  ApplyLocale(options.common);
   std::vector<Target> targets = ChooseTargets(options);
-  const std::unique_ptr<PacketFilter> filter = MakeFilter(options.filter);
-  EngineOptions engine_options{.plain_addresses = options.no_names, .vendor_folder = kVendorFolder};
-  engine_options.apdex_target = static_cast<std::uint64_t>(options.apdex * 1e9);
-  ApplyLimits(options.limits, &engine_options);
-  if (!options.trust.empty()) ReadTrust(options.trust, &engine_options);
-  CaptureEngine engine(engine_options);
-  LearnHosts(options, engine);
-  Require(engine.RegisterClasses(), "the capture engine");
+  const std::unique_ptr<PacketFilter> filter = MakeFilter(options.common);
+  const std::unique_ptr<CaptureEngine> engine = MakeEngine(options.common, /*live=*/false);
   const Sources sources = OpenCaptures(options.captures);
   MakeFolders(options, &targets);
 
-  ReadCaptures(options, sources, filter.get(), engine);
+  ReadCaptures(options, sources, filter.get(), *engine);
   bool all_written = true;
-  for (const Target& target : targets) all_written &= WriteReport(options, target, engine);
+  for (const Target& target : targets) all_written &= WriteReport(options, target, *engine);
   return all_written ? kDone : kFailed;
 }
 
@@ -282,48 +183,16 @@ void AddMakeCommand(CLI::App& parser, Verb* verb) {
       ->type_name("")
       ->check(NotEmpty());
   command
-      ->add_option("--out", options->out, "Folder of the report, made when missing; a report that is there is added to")
+      ->add_option("--out", options->common.out,
+                   "Folder of the report, made when missing; a text or xml report that is there is added to")
       ->required()
       ->type_name("DIR")
       ->check(NotEmpty());
   command->add_option("--format", options->formats, "Report forms, joined by commas: " + FormatNames())
       ->type_name("LIST")
       ->capture_default_str();
-  command->add_option("--report", options->report, "What the xml form contains: " + ReportNames())
-      ->type_name("KIND")
-      ->check(NotEmpty());
-  command
-      ->add_option("--templates", options->templates,
-                   "Folder whose Reports holds the pages of the xml form (default: those that came along)")
-      ->type_name("DIR")
-      ->check(NotEmpty());
-  command
-      ->add_option("--filter", options->filter, "Count only packets that this expression holds for, see pcap-filter(7)")
-      ->type_name("EXPR")
-      ->check(NotEmpty());
-  AddSettingsOptions(*command, &options->settings);
   command->add_flag("--live", options->live, "Report straight from the live statistics, marked with the current time");
-  command->add_flag("--no-names", options->no_names, "Write plain addresses instead of names");
-  command->add_option("--hosts", options->hosts, "Names of addresses, in the form of /etc/hosts, before all others")
-      ->type_name("FILE")
-      ->check(NotEmpty());
-  command->add_option("--trust", options->trust, "Wireless nodes: on each line an address, and known or trusted")
-      ->type_name("FILE")
-      ->check(NotEmpty());
-  command->add_option("--limit", options->limits, "Rows that the engine keeps, as a bound on memory: " + LimitNames())
-      ->type_name("NAME=N")
-      ->allow_extra_args(false);
-  command->add_option("--apdex", options->apdex, "Within how many seconds an answer satisfies")
-      ->type_name("SECONDS")
-      ->check(CLI::Range(0.000001, 86400.0))
-      ->capture_default_str();
-  command->add_option("--locale", options->locale, "Locale of dates and times (default: the environment's)")
-      ->type_name("NAME")
-      ->check(NotEmpty());
-  command->add_option("--code-page", options->code_page, "Encoding of text files (default: the locale's, else UTF-8)")
-      ->type_name("NAME")
-      ->check(NotEmpty());
-  command->add_flag("--no-progress", options->no_progress, "Show no progress on a terminal");
+  AddReportOptions(*command, &options->common);
   command->callback([verb, options] { *verb = [options] { return Make(*options); }; });
 }
 

@@ -19,14 +19,25 @@ constexpr const char* kWrap = "\x1b[?7h";
 
 }  // namespace
 
+StatusLine::StatusLine(bool wanted) : wanted_(wanted && isatty(STDERR_FILENO) == 1) {}
+
+void StatusLine::Show(std::string_view text) {
+  if (!wanted_) return;
+  WriteError(fmt::format("{}{}{}{}", kClearLine, kNoWrap, Printable(text), kWrap));
+  shown_ = true;
+}
+
+void StatusLine::Clear() {
+  if (!shown_) return;
+  WriteError(kClearLine);
+  shown_ = false;
+}
+
 Progress::Progress(bool wanted, std::string_view what)
-    : wanted_(wanted && isatty(STDERR_FILENO) == 1),
-      what_(Printable(what)),
-      begin_(std::chrono::steady_clock::now()),
-      next_(begin_ + kBetweenUpdates) {}
+    : line_(wanted), what_(what), begin_(std::chrono::steady_clock::now()), next_(begin_ + kBetweenUpdates) {}
 
 void Progress::Update(std::uint64_t done, std::uint64_t total, std::uint64_t packets) {
-  if (!wanted_) return;
+  if (!line_.wanted()) return;
   const Time now = std::chrono::steady_clock::now();
   if (now < next_) return;
   next_ = now + kBetweenUpdates;
@@ -46,14 +57,7 @@ void Progress::Show(Time now, std::uint64_t done, std::uint64_t total, std::uint
   } else {
     line = fmt::format("{} packets, {:.0f} a second: {}", packets, rate, what_);
   }
-  WriteError(fmt::format("{}{}{}{}", kClearLine, kNoWrap, line, kWrap));
-  shown_ = true;
-}
-
-void Progress::Clear() {
-  if (!shown_) return;
-  WriteError(kClearLine);
-  shown_ = false;
+  line_.Show(line);
 }
 
 std::string DurationText(std::uint64_t seconds) {

@@ -21,6 +21,9 @@ class ReportFiles final : public Object<IReportObserver> {
   Status FileDone(const char16_t* path, std::uint64_t rows, Status status) override;
 
   const std::vector<File>& files() const { return files_; }
+  /// One line for each cause that kept files from being written, naming the first of them.
+  std::vector<std::string> Problems() const;
+  void Forget() { files_.clear(); }
 
  private:
   std::vector<File> files_;

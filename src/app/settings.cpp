@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "app/component.h"
+#include "app/schedule_settings.h"
 #include "platform/code_page.h"
 #include "platform/path.h"
 #include "platform/xml_interfaces.h"
@@ -18,6 +19,7 @@ namespace {
 
 constexpr const char16_t* kRootElement = u"OrvoSettings";
 constexpr const char16_t* kSwitchesNode = u"StatsOutputPrefs";
+constexpr const char16_t* kScheduleElement = u"statsoutput";
 // Far more than all switches with their explanations, and read in no time.
 constexpr std::uintmax_t kLargestFile = 1 << 20;
 constexpr std::size_t kLongestShownValue = 40;
@@ -30,35 +32,32 @@ std::string_view GroupElement(const Switch& entry) {
   return kSwitchGroupElements[static_cast<std::size_t>(entry.group)];
 }
 
-/// The node below which the switches lie: the document itself or its root.
-ComPtr<IXmlNode> SettingsNode(IXmlDocument& document, const std::string& file) {
-  ComPtr<IXmlNode> found;
-  if (document.SelectSingleNode(kSwitchesNode, found.Out()) == S_OK) return ComPtr<IXmlNode>(&document);
-  ComPtr<IXmlNode> root;
-  if (document.SelectSingleNode(kRootElement, root.Out()) == S_OK &&
-      root->SelectSingleNode(kSwitchesNode, found.Out()) == S_OK) {
-    return root;
-  }
-  throw CommandError(kFailed, fmt::format("{}: holds no settings (print a template with: orvo-report settings)", file));
+/// An attribute that should be a number and is none, as it stands in the document; empty when it is one.
+std::string BadNumber(IXmlElement& element, std::string_view name) {
+  Variant text;
+  Variant number;
+  if (element.GetAttribute(Wide(name).c_str(), &text) != S_OK || Succeeded(ChangeType(&number, text, VT_I4))) return {};
+  std::u16string shown(text.text());
+  if (shown.size() > kLongestShownValue) shown = shown.substr(0, kLongestShownValue) + u"...";
+  return fmt::format("{}=\"{}\"", name, ToUtf8(shown));
+}
+
+/// The element of that name below a node; null when there is none.
+ComPtr<IXmlElement> ChildElement(IXmlNode& node, std::u16string_view name) {
+  ComPtr<IXmlNode> child;
+  ComPtr<IXmlElement> element;
+  if (node.SelectSingleNode(std::u16string(name).c_str(), child.Out()) == S_OK) Query(child.get(), &element);
+  return element;
 }
 
 /// The switch whose value in the document is no number, with that value; empty when all are numbers.
 std::string BadSwitch(IXmlNode& node) {
-  ComPtr<IXmlNode> switches;
-  if (node.SelectSingleNode(kSwitchesNode, switches.Out()) != S_OK) return {};
+  const ComPtr<IXmlElement> switches = ChildElement(node, kSwitchesNode);
+  if (!switches) return {};
   for (const Switch& entry : kSwitches) {
-    ComPtr<IXmlNode> group;
-    ComPtr<IXmlElement> element;
-    if (switches->SelectSingleNode(Wide(GroupElement(entry)).c_str(), group.Out()) != S_OK) continue;
-    if (Failed(Query(group.get(), &element))) continue;
-    Variant text;
-    Variant number;
-    if (element->GetAttribute(Wide(entry.name).c_str(), &text) != S_OK) continue;
-    if (Failed(ChangeType(&number, text, VT_I4))) {
-      std::u16string shown(text.text());
-      if (shown.size() > kLongestShownValue) shown = shown.substr(0, kLongestShownValue) + u"...";
-      return fmt::format("{}=\"{}\"", entry.name, ToUtf8(shown));
-    }
+    const ComPtr<IXmlElement> group = ChildElement(*switches, Wide(GroupElement(entry)));
+    if (!group) continue;
+    if (std::string bad = BadNumber(*group, entry.name); !bad.empty()) return bad;
   }
   return {};
 }
@@ -77,27 +76,10 @@ void CheckKindAndSize(const std::string& file) {
   }
 }
 
-void LoadFile(IStatsOutputPrefs& preferences, const std::string& file) {
-  CheckKindAndSize(file);
-  std::error_code error;
-  const std::u16string path = PathFromSystem(std::filesystem::absolute(file, error).string());
-  ComPtr<IXmlDocument> document;
-  Require(CreateXmlDocument(document.Out()), file);
-  Status loaded = document->Load(path.c_str());
-  if (loaded == E_FAIL)
-    throw CommandError(kFailed, fmt::format("{}: is not a well-formed XML document, or nests too deep", file));
-  Require(loaded, file);
-
-  ComPtr<IXmlNode> node = SettingsNode(*document, file);
-  ComPtr<IPersistXml> persist;
-  Require(Query(&preferences, &persist), file);
-  Status status = persist->Load(document.get(), node.get());
-  if (Succeeded(status)) return;
-  if (std::string bad = BadSwitch(*node); !bad.empty()) {
-    throw CommandError(kFailed,
-                       fmt::format("{}: {} is no whole number of 32 bits; write 0 for off, 1 for on", file, bad));
-  }
-  Require(status, file);
+/// Ends the command for the settings of a file that an object could not read.
+[[noreturn]] void RefuseValue(const std::string& file, std::string_view value) {
+  throw CommandError(kFailed,
+                     fmt::format("{}: {} is no whole number of 32 bits; write 0 for off, 1 for on", file, value));
 }
 
 const Switch& FindSwitch(std::string_view name) {
@@ -125,15 +107,107 @@ void Assign(IStatsOutputPrefs& preferences, const std::string& assignment) {
 
 }  // namespace
 
+SettingsFile::SettingsFile(const std::string& file) : file_(file) {
+  CheckKindAndSize(file);
+  std::error_code error;
+  const std::u16string path = PathFromSystem(std::filesystem::absolute(file, error).string());
+  Require(CreateXmlDocument(document_.Out()), file);
+  const Status loaded = document_->Load(path.c_str());
+  if (loaded == E_FAIL)
+    throw CommandError(kFailed, fmt::format("{}: is not a well-formed XML document, or nests too deep", file));
+  Require(loaded, file);
+
+  // The elements lie below the document's root, or one of them is that root.
+  const ComPtr<IXmlElement> root = ChildElement(*document_, kRootElement);
+  for (IXmlNode* node : {static_cast<IXmlNode*>(document_.get()), static_cast<IXmlNode*>(root.get())}) {
+    if (!node || (!ChildElement(*node, kSwitchesNode) && !ChildElement(*node, kScheduleElement))) continue;
+    node_ = ComPtr<IXmlNode>(node);
+    return;
+  }
+  throw CommandError(kFailed, fmt::format("{}: holds no settings (print a template with: orvo-report settings)", file));
+}
+
+void SettingsFile::LoadInto(IStatsOutputPrefs& preferences) const {
+  const Status status = Load(&preferences);
+  if (Succeeded(status)) return;
+  if (const std::string bad = BadSwitch(*node_); !bad.empty()) RefuseValue(file_, bad);
+  Require(status, file_);
+}
+
+void SettingsFile::LoadInto(ISkryStatsOutput& scheduler) const {
+  const Status status = Load(&scheduler);
+  if (Succeeded(status)) return;
+  if (const ComPtr<IXmlElement> element = ChildElement(*node_, kScheduleElement)) {
+    for (const ScheduleSetting& setting : ScheduleSettings()) {
+      if (setting.is_text) continue;
+      if (const std::string bad = BadNumber(*element, setting.name); !bad.empty()) RefuseValue(file_, bad);
+    }
+  }
+  Require(status, file_);
+}
+
+Status SettingsFile::Load(IUnknown* object) const {
+  ComPtr<IPersistXml> persist;
+  const Status status = Query(object, &persist);
+  return Failed(status) ? status : persist->Load(document_.get(), node_.get());
+}
+
+void ApplyPreferences(const SettingsOptions& options, IStatsOutputPrefs& preferences) {
+  if (!options.file.empty()) SettingsFile(options.file).LoadInto(preferences);
+  for (const std::string& assignment : options.assignments) Assign(preferences, assignment);
+}
+
 ComPtr<IStatsOutputPrefs> LoadPreferences(const SettingsOptions& options) {
   auto preferences = CreateComponent<IStatsOutputPrefs>(kStatsOutputPrefsClass, "the report library");
-  if (!options.file.empty()) LoadFile(*preferences, options.file);
-  for (const std::string& assignment : options.assignments) Assign(*preferences, assignment);
+  ApplyPreferences(options, *preferences);
   return preferences;
 }
 
-std::string SettingsDocument(IStatsOutputPrefs& preferences) {
-  std::string text = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<OrvoSettings>\n  <StatsOutputPrefs>\n";
+namespace {
+
+/// A value as it stands between quotes.
+std::string Escaped(std::string_view value) {
+  std::string escaped;
+  for (const char c : value) {
+    switch (c) {
+      case '&': escaped += "&amp;"; break;
+      case '<': escaped += "&lt;"; break;
+      case '"': escaped += "&quot;"; break;
+      default: escaped += c;
+    }
+  }
+  return escaped;
+}
+
+/// The scheduler's settings, a line each, with what they mean.
+std::string ScheduleText(ISkryStatsOutput& scheduler) {
+  ComPtr<IPersistXml> persist;
+  ComPtr<IXmlDocument> document;
+  Require(Query(&scheduler, &persist), "the scheduler");
+  Require(CreateXmlDocument(document.Out()), "the scheduler");
+  ComPtr<IXmlElement> root;
+  Require(document->CreateElement(kRootElement, root.Out()), "the scheduler");
+  Require(document->AppendChild(root.get()), "the scheduler");
+  Require(persist->Save(document.get(), root.get()), "the scheduler");
+  const ComPtr<IXmlElement> element = ChildElement(*root, kScheduleElement);
+  std::string explanations;
+  std::string attributes;
+  for (const ScheduleSetting& setting : ScheduleSettings()) {
+    Variant value;
+    if (!element || element->GetAttribute(Wide(setting.name).c_str(), &value) != S_OK) continue;
+    explanations += fmt::format("    {}: {}\n", setting.name, setting.explanation);
+    attributes += fmt::format("\n    {}=\"{}\"", setting.name, Escaped(ToUtf8(value.text())));
+  }
+  return fmt::format("  <!-- When `orvo-report watch` makes reports, and where:\n{}  -->\n  <statsoutput{}/>\n",
+                     explanations, attributes);
+}
+
+}  // namespace
+
+std::string SettingsDocument(IStatsOutputPrefs& preferences, ISkryStatsOutput& scheduler) {
+  std::string text = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<OrvoSettings>\n";
+  text += ScheduleText(scheduler);
+  text += "  <!-- What reports contain: -->\n  <StatsOutputPrefs>\n";
   for (const auto* entry = kSwitches.begin(); entry != kSwitches.end();) {
     const auto* const group = entry;
     const auto* const group_end =

@@ -4,6 +4,7 @@
 
 #include "app/messages.h"
 #include "app/options.h"
+#include "app/schedule.h"
 #include "app/settings.h"
 
 namespace orvo::app {
@@ -25,7 +26,9 @@ void AddSettingsCommand(CLI::App& parser, Verb* verb) {
   AddSettingsOptions(*command, options.get());
   command->callback([verb, options] {
     *verb = [options] {
-      PrintOutput(SettingsDocument(*LoadPreferences(*options)));
+      const ComPtr<ISkryStatsOutput> scheduler = MakeScheduler();
+      if (!options->file.empty()) SettingsFile(options->file).LoadInto(*scheduler);
+      PrintOutput(SettingsDocument(*LoadPreferences(*options), *scheduler));
       return static_cast<int>(kDone);
     };
   });

@@ -33,7 +33,7 @@ using DllRegisterServerFunction = Status();
 /// names under CLSID\{class}\InprocServer32, then from a library added with AddLibrary.
 /// REGDB_E_CLASSNOTREG when none has the class; a library that cannot be loaded gives the cause's status.
 /// When the process has privileges that its user has not, a registry file or library that anybody but root could
-/// write is refused with access denied.
+/// write is refused with access denied; of libraries those are taken, too, that CheckTrustedLibrary lets pass.
 ORVO_PLATFORM_API Status GetClassObject(const Guid& class_id, const Guid& iid, void** out);
 
 /// GetClassObject, then CreateInstance without an outer object.

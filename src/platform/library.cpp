@@ -17,7 +17,7 @@ std::string LibraryPath(std::u16string_view path) {
   std::string system;
   Check(PathToSystem(path, &system));
   // The way to the library counts as much as the library: a link in it could be changed.
-  if (HasBorrowedPrivileges()) Check(CheckTrustedPath(system));
+  if (HasBorrowedPrivileges()) Check(CheckTrustedLibrary(system));
   // Also makes the name absolute: the loader would look for a bare one in folders of its own.
   std::unique_ptr<char, void (*)(void*)> real(realpath(system.c_str(), nullptr), std::free);
   if (!real) Raise(PathStatus(errno, system));
@@ -25,7 +25,7 @@ std::string LibraryPath(std::u16string_view path) {
 }
 
 std::shared_ptr<Library> Library::Load(const std::string& path) {
-  if (HasBorrowedPrivileges()) Check(CheckTrustedPath(path));
+  if (HasBorrowedPrivileges()) Check(CheckTrustedLibrary(path));
   Descriptor readable;
   Check(OpenForReading(path, &readable));
   void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);

@@ -1,14 +1,20 @@
 #include "platform/privilege.h"
 
+#include <dlfcn.h>
+#include <linux/capability.h>
 #include <sys/auxv.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <climits>
+#include <cstdlib>
 #include <deque>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -85,6 +91,36 @@ void CheckWay(std::string_view path) {
   }
 }
 
+/// The path in full and free of links; empty when it cannot be had.
+std::string RealPath(const std::string& path) {
+  const std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), std::free);
+  return real ? real.get() : "";
+}
+
+std::string FolderOf(const std::string& path) {
+  return path.substr(0, path.rfind('/') + 1);
+}
+
+/// Whether only those can change the file of a path who can change that of this layer, and both lie in one folder.
+bool IsAsSafeAsThisLayer(const std::string& path) {
+  Dl_info own{};
+  if (dladdr(reinterpret_cast<const void*>(&IsAsSafeAsThisLayer), &own) == 0 || !own.dli_fname) return false;
+  const std::string own_path = RealPath(own.dli_fname);
+  struct stat own_details {};
+  struct stat details {};
+  if (own_path.empty() || FolderOf(own_path) != FolderOf(path) || stat(own_path.c_str(), &own_details) != 0 ||
+      lstat(path.c_str(), &details) != 0 || !S_ISREG(details.st_mode) || details.st_uid != own_details.st_uid) {
+    return false;
+  }
+  const bool group_writes = (details.st_mode & S_IWGRP) != 0;
+  const bool same_group = details.st_gid == own_details.st_gid && (own_details.st_mode & S_IWGRP) != 0;
+  return (!group_writes || same_group) && (details.st_mode & S_IWOTH) == 0;
+}
+
+Status Gave(int result) {
+  return result == 0 ? S_OK : StatusFromErrno(errno);
+}
+
 }  // namespace
 
 bool HasBorrowedPrivileges() {
@@ -100,6 +136,27 @@ Status CheckTrustedPath(std::string_view system_path) {
   return Guard([&] {
     if (system_path.empty()) Raise(StatusFromError(kErrorInvalidName));
     CheckWay(system_path);
+  });
+}
+
+Status CheckTrustedLibrary(std::string_view system_path) {
+  return Guard([&] {
+    const Status status = CheckTrustedPath(system_path);
+    return Failed(status) && IsAsSafeAsThisLayer(RealPath(std::string(system_path))) ? S_OK : status;
+  });
+}
+
+Status GiveUpPrivileges() {
+  return Guard([] {
+    const gid_t group = getgid();
+    const uid_t user = getuid();
+    if (group != getegid()) Check(Gave(setresgid(group, group, group)));
+    if (user != geteuid()) Check(Gave(setresuid(user, user, user)));
+    prctl(PR_CAP_AMBIENT, PR_CAP_AMBIENT_CLEAR_ALL, 0, 0, 0);  // none are left once the next line has done its work
+    __user_cap_header_struct header{.version = _LINUX_CAPABILITY_VERSION_3, .pid = 0};
+    const __user_cap_data_struct none[_LINUX_CAPABILITY_U32S_3]{};
+    Check(Gave(static_cast<int>(syscall(SYS_capset, &header, none))));
+    Check(Gave(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0)));
   });
 }
 

@@ -1,6 +1,7 @@
 #include "platform/error.h"
 #include "prefs/switch_ids.h"
 #include "statistics/node_values.h"
+#include "statistics/node_walk.h"
 #include "xml/category_documents.h"
 #include "xml/node_families.h"
 #include "xml/report_document.h"
@@ -68,14 +69,6 @@ void MoveToHistory(XmlReport& report) {
   report.memory.written.node_history = true;
 }
 
-/// The record of a node entry when it is one of that type, else null.
-const AddressRecord* RecordOfType(IAddressTable& addresses, const NodeEntry& node, std::uint8_t type) {
-  if (node.address == kNoAddress) return nullptr;
-  const AddressRecord* record = nullptr;
-  Check(addresses.GetRecord(node.address, &record));
-  return record && record->type == type ? record : nullptr;
-}
-
 bool WriteEntry(XmlReport& report) {
   MoveToHistory(report);
   const ComPtr<IAddressTable> addresses = Addresses(report);
@@ -92,18 +85,12 @@ bool WriteEntry(XmlReport& report) {
   const XmlColumns<NodeRow> columns(report, kColumns);
   std::uint64_t rows = 0;
   ForEachFamily(report, entry.element().AddElement("Stats"), [&](const XmlNodeFamily& family, XmlWriter type) {
-    std::uint32_t index = kNoAddress;
-    Check(addresses->FirstOfType(family.type, &index));
-    for (; index != kNoAddress; Check(addresses->NextOfType(index, &index))) {
-      const NodeEntry* node = nullptr;
-      Check(nodes->FindByAddress(index, &node));
-      const AddressRecord* record = node ? RecordOfType(*addresses, *node, family.type) : nullptr;
-      if (!record) continue;
+    ForEachNode(*addresses, *nodes, family.type, [&](const AddressRecord& record, const NodeEntry& node) {
       const XmlWriter row = type.AddElement("NodeStat");
-      row.AddElement("Addr", AddressText(report, record));
-      columns.AddTo(report, {.node = *node, .total_bytes = total_bytes}, row);
+      row.AddElement("Addr", AddressText(report, &record));
+      columns.AddTo(report, {.node = node, .total_bytes = total_bytes}, row);
       ++rows;
-    }
+    });
   });
   entry.Keep(rows);
   return true;

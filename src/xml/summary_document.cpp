@@ -1,10 +1,10 @@
-#include <bit>
 #include <optional>
 #include <span>
 
 #include "platform/error.h"
 #include "prefs/switch_ids.h"
 #include "statistics/statistic_map.h"
+#include "statistics/summary_figures.h"
 #include "statistics/summary_reader.h"
 #include "util/date_time.h"
 #include "util/duration.h"
@@ -22,9 +22,7 @@ constexpr std::string_view kElement = "SummaryStatistics";
 
 /// One statistic as its row needs it.
 struct SummaryRow {
-  std::optional<std::uint64_t> packets{};
-  std::optional<std::uint64_t> bytes{};
-  std::u16string text{};  ///< of what is no count of packets or bytes
+  SummaryFigures figures;
   const ReferenceTotals& totals;
 };
 
@@ -36,35 +34,42 @@ struct SummaryColumn {
   std::u16string (*text)(XmlReport& report, const SummaryRow& row);
 };
 
-using Count = std::optional<std::uint64_t> SummaryRow::*;
+using Count = std::optional<std::uint64_t> SummaryFigures::*;
 
 template <Count count>
 std::u16string Plain(XmlReport& /*report*/, const SummaryRow& row) {
-  return row.*count ? NumberText(*(row.*count)) : std::u16string();
+  const std::optional<std::uint64_t>& figure = row.figures.*count;
+  return figure ? NumberText(*figure) : std::u16string();
 }
 
 template <Count count, std::uint64_t ReferenceTotals::*whole>
 std::u16string Percent(XmlReport& report, const SummaryRow& row) {
-  if (!(row.*count)) return {};
-  return ValueText(report, Value::Real(Percentage(*(row.*count), row.totals.*whole)));
+  const std::optional<std::uint64_t>& figure = row.figures.*count;
+  return figure ? ValueText(report, Value::Real(Percentage(*figure, row.totals.*whole))) : std::u16string();
 }
 
 template <Count count>
 std::u16string Rate(XmlReport& report, const SummaryRow& row) {
-  if (!(row.*count)) return {};
-  return ValueText(report, Value::Real(PerSecond(*(row.*count), row.totals.duration)));
+  const std::optional<std::uint64_t>& figure = row.figures.*count;
+  return figure ? ValueText(report, Value::Real(PerSecond(*figure, row.totals.duration))) : std::u16string();
 }
 
-constexpr SummaryColumn kPackets{"PacketsValue", kSwitchSumPackets, false, Plain<&SummaryRow::packets>};
-constexpr SummaryColumn kBytes{"BytesValue", kNoSwitch, false, Plain<&SummaryRow::bytes>};
+/// What is no count of packets or bytes.
+std::u16string Other(XmlReport& report, const SummaryRow& row) {
+  if (row.figures.integer) return NumberText(*row.figures.integer);
+  if (row.figures.real) return ValueText(report, Value::Real(*row.figures.real));
+  return row.figures.text;
+}
+
+constexpr SummaryColumn kPackets{"PacketsValue", kSwitchSumPackets, false, Plain<&SummaryFigures::packets>};
+constexpr SummaryColumn kBytes{"BytesValue", kNoSwitch, false, Plain<&SummaryFigures::bytes>};
 constexpr SummaryColumn kPctPackets{"PctOfPkts", kSwitchSumPctPackets, false,
-                                    Percent<&SummaryRow::packets, &ReferenceTotals::packets>};
+                                    Percent<&SummaryFigures::packets, &ReferenceTotals::packets>};
 constexpr SummaryColumn kPctBytes{"PctOfBytes", kSwitchSumPctBytes, false,
-                                  Percent<&SummaryRow::bytes, &ReferenceTotals::bytes>};
-constexpr SummaryColumn kPacketRate{"PktsPerSec", kSwitchSumPacketspSec, true, Rate<&SummaryRow::packets>};
-constexpr SummaryColumn kByteRate{"BytesPerSec", kSwitchSumBytespSec, true, Rate<&SummaryRow::bytes>};
-constexpr SummaryColumn kText{"Values", kNoSwitch, false,
-                              [](XmlReport& /*report*/, const SummaryRow& row) { return row.text; }};
+                                  Percent<&SummaryFigures::bytes, &ReferenceTotals::bytes>};
+constexpr SummaryColumn kPacketRate{"PktsPerSec", kSwitchSumPacketspSec, true, Rate<&SummaryFigures::packets>};
+constexpr SummaryColumn kByteRate{"BytesPerSec", kSwitchSumBytespSec, true, Rate<&SummaryFigures::bytes>};
+constexpr SummaryColumn kText{"Values", kNoSwitch, false, Other};
 
 // The order depends on what a statistic counts.
 constexpr SummaryColumn kColumnsOfValues[] = {kPackets, kBytes, kPctPackets, kPctBytes, kPacketRate, kByteRate, kText};
@@ -84,25 +89,6 @@ std::u16string DurationText(std::uint64_t duration) {
   std::u16string text;
   Check(FormatDuration(static_cast<std::int64_t>(duration), kNoFraction, TextOf(kStrDaysAndTime), &text));
   return text;
-}
-
-SummaryRow MakeRow(XmlReport& report, const SummaryValue& value, const ReferenceTotals& totals) {
-  SummaryRow row{.totals = totals};
-  switch (value.kind) {
-    case kSummaryDate: Check(FormatDate(value.first, &row.text)); break;
-    case kSummaryTime: Check(FormatTimeOfDay(value.first, kNoFraction, &row.text)); break;
-    case kSummaryDuration: row.text = DurationText(value.first); break;
-    case kSummaryPackets: row.packets = value.first; break;
-    case kSummaryBytes: row.bytes = value.first; break;
-    case kSummaryPacketsAndBytes:
-      row.packets = value.first;
-      row.bytes = value.second;
-      break;
-    case kSummaryInteger: row.text = NumberText(value.first); break;
-    case kSummaryReal: row.text = ValueText(report, Value::Real(std::bit_cast<double>(value.first))); break;
-    default: break;
-  }
-  return row;
 }
 
 /// The value of a statistic; nothing when the snapshot cannot give it.
@@ -156,7 +142,7 @@ class SnapshotWriter {
       }
       const XmlWriter row = group.AddElement("SummaryStat");
       row.AddElement("Name", SummaryName(snapshot, map_, statistic));
-      AddColumns(MakeRow(report_, value, totals), ColumnsOf(value.kind), row);
+      AddColumns({.figures = FiguresOf(value), .totals = totals}, ColumnsOf(value.kind), row);
       ++rows;
     }
     return rows;

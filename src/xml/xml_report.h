@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "engine/categories.h"
 #include "frame/output_method.h"
 #include "platform/xml_writer.h"
+#include "statistics/obtain.h"
 #include "xml/report_index.h"
 
 namespace orvo {
@@ -81,14 +81,6 @@ bool Contain(XmlReport& report, const std::u16string_view& file, const std::func
 
 /// The address table of the live context, asked for anew by every writer; null when there is none. Raises a failure.
 ComPtr<IAddressTable> Addresses(const XmlReport& report);
-
-/// The category of a context, null when it has none.
-template <class T>
-ComPtr<T> Obtain(IStatsContext& context, const Category<T>& category) {
-  ComPtr<T> object;
-  if (Failed(GetCategory(&context, category, &object))) object.Reset();
-  return object;
-}
 
 // Texts. Each raises the failure of a conversion or of a name service.
 

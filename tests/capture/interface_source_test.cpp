@@ -2,52 +2,25 @@
 
 #include "capture/source/interface_source.h"
 
-#include <arpa/inet.h>
+#include <fcntl.h>
 #include <gmock/gmock.h>
-#include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
+#include <string>
 #include <string_view>
 #include <thread>
 
 #include "capture/source/packet_filter.h"
 #include "platform/clock.h"
+#include "tests/support/echo.h"
 
 namespace orvo::test {
 namespace {
 
 using testing::HasSubstr;
-
-/// A socket that sends to itself, so that the traffic stays the test's own.
-class Echo {
- public:
-  Echo() : socket_(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
-    address_.sin_family = AF_INET;
-    address_.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address_;
-    if (bind(socket_, reinterpret_cast<sockaddr*>(&address_), size) != 0 ||
-        getsockname(socket_, reinterpret_cast<sockaddr*>(&address_), &size) != 0) {
-      ADD_FAILURE() << "there is no loopback";
-    }
-  }
-  Echo(const Echo&) = delete;
-  Echo& operator=(const Echo&) = delete;
-  ~Echo() { close(socket_); }
-
-  void Send(std::string_view text) const {
-    EXPECT_EQ(
-        sendto(socket_, text.data(), text.size(), 0, reinterpret_cast<const sockaddr*>(&address_), sizeof address_),
-        static_cast<ssize_t>(text.size()));
-  }
-  std::string Filter() const { return "udp and dst port " + std::to_string(ntohs(address_.sin_port)); }
-
- private:
-  int socket_;
-  sockaddr_in address_{};
-};
 
 class InterfaceSourceTest : public testing::Test {
  protected:
@@ -92,6 +65,41 @@ TEST_F(InterfaceSourceTest, GivesWhatIsSent) {
     EXPECT_EQ(source->dropped(), 0U);
     EXPECT_EQ(source->warning().message, "");
   }
+}
+
+TEST_F(InterfaceSourceTest, GivesManyAtOnceAndOnlyWhatTheFilterLetsThrough) {
+  const Echo echo;
+  const Echo other;
+  auto source = Open({.promiscuous = false, .timeout_milliseconds = 10, .filter = echo.Filter()});
+  if (!source) GTEST_SKIP() << denied_;
+  constexpr std::size_t kMany = 200;
+  for (std::size_t i = 0; i < kMany; ++i) {
+    other.Send("not for us");
+    echo.Send(std::to_string(1000 + i));
+  }
+  std::vector<Packet> room(1000);
+  std::size_t seen = 0;
+  std::size_t batches = 0;
+  while (seen < kMany) {
+    const std::size_t count = source->NextBatch(room);
+    ASSERT_NE(count, 0U) << source->warning().message;
+    for (std::size_t i = 0; i < count; ++i, ++seen) {
+      const Bytes text = room[i].bytes.last(4);
+      EXPECT_EQ(std::string(text.begin(), text.end()), std::to_string(1000 + seen));
+    }
+    ++batches;
+  }
+  EXPECT_LT(batches, kMany);
+  for (const int descriptor : {3, 4, 5, 6, 7, 8, 9, 10, 11, 12}) {
+    const int flags = fcntl(descriptor, F_GETFD);
+    int type = 0;
+    socklen_t size = sizeof type;
+    if (flags < 0 || getsockopt(descriptor, SOL_SOCKET, SO_DOMAIN, &type, &size) != 0 || type != AF_PACKET) continue;
+    EXPECT_TRUE(flags & FD_CLOEXEC) << "a program that is run could read along";
+  }
+  SourceError error;
+  EXPECT_FALSE(OpenInterface("lo", {.filter = "wlan host 10.0.0.1"}, &error));
+  EXPECT_THAT(error.message, HasSubstr("does not know the filter wlan host 10.0.0.1: "));
 }
 
 TEST_F(InterfaceSourceTest, StopEndsAWaitFromAnotherThread) {

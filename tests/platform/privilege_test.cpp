@@ -1,6 +1,14 @@
 #include "platform/privilege.h"
 
+#include <dlfcn.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 
 #include "tests/platform/temp_folder.h"
 
@@ -24,6 +32,43 @@ TEST(PrivilegeTest, WhatOthersCanChangeIsNotTrusted) {
   ASSERT_EQ(symlink("/", folder.System("root").c_str()), 0);
   EXPECT_EQ(CheckTrustedPath(folder.System("root")), kDenied);
   EXPECT_EQ(CheckTrustedPath(""), StatusFromError(kErrorInvalidName));
+}
+
+TEST(PrivilegeTest, ALibraryBesideThisLayerIsAsGoodAsThisLayer) {
+  namespace fs = std::filesystem;
+  Dl_info layer{};
+  ASSERT_NE(dladdr(reinterpret_cast<const void*>(&CheckTrustedLibrary), &layer), 0);
+  const fs::path own = fs::canonical(layer.dli_fname);
+  const std::string beside = own.string() + ".beside-" + std::to_string(getpid());
+  fs::copy_file(own, beside);
+  EXPECT_EQ(CheckTrustedLibrary(beside), S_OK);
+  ASSERT_EQ(chmod(beside.c_str(), 0646), 0);
+  EXPECT_EQ(CheckTrustedLibrary(beside), kDenied) << "others can change it";
+  fs::remove(beside);
+
+  TempFolder folder("/tmp");
+  folder.Put("library", "");
+  EXPECT_EQ(CheckTrustedLibrary(folder.System("library")), kDenied);
+  ASSERT_EQ(symlink(folder.System("library").c_str(), beside.c_str()), 0);
+  EXPECT_EQ(CheckTrustedLibrary(beside), kDenied) << "it lies elsewhere";
+  fs::remove(beside);
+}
+
+TEST(PrivilegeTest, WhatIsGivenUpIsGone) {
+  const pid_t child = fork();
+  if (child == 0) {
+    const bool given = Succeeded(GiveUpPrivileges());
+    std::ifstream file("/proc/self/status");
+    const std::string status{std::istreambuf_iterator<char>(file), {}};
+    bool none = prctl(PR_GET_NO_NEW_PRIVS, 0, 0, 0, 0) == 1;
+    for (const char* set : {"CapInh", "CapPrm", "CapEff", "CapAmb"}) {
+      none &= status.find(std::string(set) + ":\t0000000000000000\n") != std::string::npos;
+    }
+    _exit(given && none ? 0 : 1);
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
 }
 
 TEST(PrivilegeTest, WhatOnlyRootCanChangeIsTrusted) {

@@ -1,10 +1,11 @@
 #include "tests/support/command.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
+#include <csignal>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -30,50 +31,95 @@ namespace {
   _exit(127);
 }
 
-/// Reads both pipes until the program has closed them.
-void ReadBoth(int output, int messages, CommandResult* result) {
-  std::array<pollfd, 2> pipes{{{output, POLLIN, 0}, {messages, POLLIN, 0}}};
-  std::array<std::string*, 2> texts{&result->output, &result->messages};
-  for (int open = 2; open > 0;) {
-    poll(pipes.data(), pipes.size(), -1);
-    for (std::size_t i = 0; i < pipes.size(); ++i) {
-      if (pipes[i].fd < 0 || pipes[i].revents == 0) continue;
-      char bytes[4096];
-      ssize_t count = read(pipes[i].fd, bytes, sizeof bytes);
-      if (count > 0) {
-        texts[i]->append(bytes, static_cast<std::size_t>(count));
-      } else {
-        close(pipes[i].fd);
-        pipes[i].fd = -1;
-        --open;
-      }
-    }
-  }
+int CountOf(const std::string& text, const std::string& part) {
+  int count = 0;
+  for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+  return count;
 }
 
 }  // namespace
 
-CommandResult RunProgram(const std::string& program, const std::vector<std::string>& arguments,
-                         const std::vector<std::pair<std::string, std::string>>& environment) {
+RunningCommand::RunningCommand(const std::string& program, const std::vector<std::string>& arguments,
+                               const std::vector<std::pair<std::string, std::string>>& environment) {
   int output[2];
   int messages[2];
-  if (pipe(output) != 0 || pipe(messages) != 0) throw std::runtime_error("no pipe");
-  pid_t child = fork();
-  if (child < 0) throw std::runtime_error("no process");
-  if (child == 0) {
+  if (pipe2(output, O_CLOEXEC) != 0 || pipe2(messages, O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
+  process_ = fork();
+  if (process_ < 0) throw std::runtime_error("no process");
+  if (process_ == 0) {
     dup2(output[1], STDOUT_FILENO);
     dup2(messages[1], STDERR_FILENO);
-    for (int end : {output[0], output[1], messages[0], messages[1]}) close(end);
     BecomeProgram(program, arguments, environment);
   }
   close(output[1]);
   close(messages[1]);
-  CommandResult result;
-  ReadBoth(output[0], messages[0], &result);
+  streams_ = {{output[0], &CommandResult::output}, {messages[0], &CommandResult::messages}};
+}
+
+RunningCommand::RunningCommand(const std::vector<std::string>& arguments,
+                               const std::vector<std::pair<std::string, std::string>>& environment)
+    : RunningCommand(ORVO_BINARY_DIR "/bin/orvo-report", arguments, environment) {}
+
+RunningCommand::~RunningCommand() {
+  for (const Stream& stream : streams_) close(stream.descriptor);
+  if (process_ < 0) return;
+  kill(process_, SIGKILL);
+  waitpid(process_, nullptr, 0);
+}
+
+void RunningCommand::Signal(int signal) const {
+  kill(process_, signal);
+}
+
+bool RunningCommand::Read(int milliseconds) {
+  std::vector<pollfd> polled;
+  for (const Stream& stream : streams_) polled.push_back({stream.descriptor, POLLIN, 0});
+  if (polled.empty() || poll(polled.data(), polled.size(), milliseconds) <= 0) return !polled.empty();
+  for (std::size_t i = polled.size(); i-- > 0;) {
+    if (polled[i].revents == 0) continue;
+    char bytes[4096];
+    const ssize_t count = read(polled[i].fd, bytes, sizeof bytes);
+    if (count > 0) {
+      (result_.*streams_[i].text).append(bytes, static_cast<std::size_t>(count));
+    } else {
+      close(polled[i].fd);
+      streams_.erase(streams_.begin() + static_cast<std::ptrdiff_t>(i));
+    }
+  }
+  return true;
+}
+
+bool RunningCommand::WaitFor(const std::string& text, int times) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+  while (CountOf(result_.output, text) + CountOf(result_.messages, text) < times) {
+    constexpr int kMilliseconds = 200;
+    if (std::chrono::steady_clock::now() > end || !Read(kMilliseconds)) return false;
+  }
+  return true;
+}
+
+void RunningCommand::ReadFor(std::chrono::milliseconds time) {
+  using std::chrono::milliseconds;
+  const auto end = std::chrono::steady_clock::now() + time;
+  for (milliseconds left = time; left.count() > 0;) {
+    if (!Read(static_cast<int>(left.count()))) return;
+    left = std::chrono::duration_cast<milliseconds>(end - std::chrono::steady_clock::now());
+  }
+}
+
+CommandResult RunningCommand::Finish() {
+  while (Read(-1)) {
+  }
   int status = 0;
-  waitpid(child, &status, 0);
-  result.exit_status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-  return result;
+  waitpid(process_, &status, 0);
+  process_ = -1;
+  result_.exit_status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  return result_;
+}
+
+CommandResult RunProgram(const std::string& program, const std::vector<std::string>& arguments,
+                         const std::vector<std::pair<std::string, std::string>>& environment) {
+  return RunningCommand(program, arguments, environment).Finish();
 }
 
 CommandResult RunCommand(const std::vector<std::string>& arguments,

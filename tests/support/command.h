@@ -1,5 +1,8 @@
 #pragma once
 
+#include <sys/types.h>
+
+#include <chrono>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,5 +24,40 @@ CommandResult RunCommand(const std::vector<std::string>& arguments,
 /// The same for any program, by its path.
 CommandResult RunProgram(const std::string& program, const std::vector<std::string>& arguments,
                          const std::vector<std::pair<std::string, std::string>>& environment = {});
+
+/// A run of the built `orvo-report` that goes on while the test does something else. Whatever is left of it is killed.
+class RunningCommand {
+ public:
+  explicit RunningCommand(const std::vector<std::string>& arguments,
+                          const std::vector<std::pair<std::string, std::string>>& environment = {});
+  RunningCommand(const std::string& program, const std::vector<std::string>& arguments,
+                 const std::vector<std::pair<std::string, std::string>>& environment);
+  RunningCommand(const RunningCommand&) = delete;
+  RunningCommand& operator=(const RunningCommand&) = delete;
+  ~RunningCommand();
+
+  pid_t process() const { return process_; }
+  void Signal(int signal) const;
+  /// Waits until what it said, on either stream, contains the text as often as that. False when it ended before, or
+  /// said nothing for a minute.
+  bool WaitFor(const std::string& text, int times = 1);
+  /// Reads on for so long, or until it ends.
+  void ReadFor(std::chrono::milliseconds time);
+  /// Waits for the end. May be called once.
+  CommandResult Finish();
+
+ private:
+  struct Stream {
+    int descriptor;
+    std::string CommandResult::*text;
+  };
+
+  /// Reads what there is, waiting for it up to that time (negative: without end); false at the end of both streams.
+  bool Read(int milliseconds);
+
+  pid_t process_ = -1;
+  std::vector<Stream> streams_;
+  CommandResult result_;
+};
 
 }  // namespace orvo::test

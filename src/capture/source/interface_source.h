@@ -19,27 +19,30 @@ struct InterfaceOptions {
   std::uint32_t timeout_milliseconds = 100;
   /// Bytes that the system keeps while the reader is busy.
   std::uint32_t buffer_size = 16U << 20;
+  /// Give only packets that this expression of pcap-filter(7) holds for, empty for all. The system filters, so that
+  /// the others cost nothing and cannot be lost in their place.
+  std::string filter{};
 };
 
 /// Packets of a network interface, as they come. Time stamps are the system's, in nanoseconds where it has them.
-class InterfaceSource : public PacketSource {
+class InterfaceSource : public WaitingSource {
  public:
-  /// Waits for a packet. False once Stop has been called or the interface failed, which warning() tells.
-  bool Next(Packet* packet) override = 0;
+  /// Waits for packets. The end comes once Stop has been called or the interface failed, which warning() tells.
+  std::size_t NextBatch(std::span<Packet> room) override = 0;
   /// The captured bytes so far; there is no total.
   SourceProgress progress() const override = 0;
   /// Packets that the system or the interface lost since the source was opened. Asks the system, by the reading thread.
   std::uint64_t dropped() const override = 0;
 
-  /// Ends the reading: a Next that waits returns soon, at the latest after the time-out, and every later one at once.
-  /// Packets that still lie in the system's buffer are not given. May be called from any thread, and from a signal
-  /// handler.
-  virtual void Stop() = 0;
+  /// A reader that waits returns at the latest after the time-out. Packets that still lie in the system's buffer are
+  /// not given. May be called from a signal handler, too.
+  void Stop() override = 0;
 };
 
 /// Begins to capture from an interface, named as the system names it ("eth0", or "any" for all). Null, and the cause
-/// in `error`, for an interface that is not there (the message lists those that are), one that is down, and when the
-/// process lacks the capability.
+/// in `error`, for an interface that is not there (the message lists those that are), one that is down, a filter that
+/// makes no sense for its packets, and when the process lacks the capability. That is needed for opening alone;
+/// programs that the process runs do not inherit the interface.
 std::unique_ptr<InterfaceSource> OpenInterface(const std::string& name, const InterfaceOptions& options,
                                                SourceError* error);
 

@@ -39,4 +39,12 @@ class PacketSource {
   virtual const SourceError& warning() const = 0;
 };
 
+/// A source whose reader may wait long for the next packet, so that somebody else has to be able to end that.
+class WaitingSource : public PacketSource {
+ public:
+  /// Ends the reading: a reader that waits gets its end soon, and every later one at once. May be called from any
+  /// thread.
+  virtual void Stop() = 0;
+};
+
 }  // namespace orvo

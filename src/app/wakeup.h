@@ -1,0 +1,31 @@
+#pragma once
+
+#include <optional>
+
+namespace orvo::app {
+
+/// What wakes a thread that waits for several things at once: signals, and other threads that say so.
+class Wakeup {
+ public:
+  /// Keeps the signals that a run is steered by (SIGINT, SIGTERM, SIGHUP, and SIGCHLD) from this thread and from those
+  /// that it starts; they are taken by NextSignal instead. Ends the command when the system refuses.
+  Wakeup();
+  Wakeup(const Wakeup&) = delete;
+  Wakeup& operator=(const Wakeup&) = delete;
+  ~Wakeup();
+
+  /// Waits for a signal, a Wake, or until the time is over; without end when it is negative.
+  void Wait(int milliseconds);
+  /// Ends a Wait, or the next one. Called by any thread.
+  void Wake() noexcept;
+  /// A signal that has arrived and was not taken yet.
+  std::optional<int> NextSignal();
+  /// From now on, SIGINT and SIGTERM end the process at once.
+  void LetSignalsEnd();
+
+ private:
+  int signals_;
+  int event_;
+};
+
+}  // namespace orvo::app

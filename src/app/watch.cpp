@@ -1,0 +1,220 @@
+#include "app/watch.h"
+
+#include <fmt/core.h>
+
+#include <chrono>
+#include <csignal>
+#include <utility>
+
+#include "app/component.h"
+#include "app/report_kinds.h"
+#include "platform/locale.h"
+
+namespace orvo::app {
+namespace {
+
+constexpr const char* kScheduler = "the scheduler";
+constexpr std::uint32_t kWritten = 0;     // the severity of a report that was written
+constexpr int kBetweenStatusLines = 500;  // milliseconds
+constexpr std::chrono::seconds kPatienceWithPrograms(10);
+
+/// "2026-11-23 04:00:05", in local time.
+std::string TimeText(std::uint64_t time) {
+  CalendarTime local;
+  if (Failed(ToLocalTime(time, &local))) return "-";
+  return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02}", local.year, local.month, local.day, local.hour,
+                     local.minute, local.second);
+}
+
+}  // namespace
+
+Watch::Watch(const WatchParts& parts)
+    : parts_(parts),
+      notifications_(MakeObject<Notifications>([this] { parts_.wakeup.Wake(); })),
+      feeder_(parts.source, parts.waiting, parts.engine, [this] { parts_.wakeup.Wake(); }),
+      clock_(
+          ProcessClock(),
+          [this] {
+            notifications_->EndReport();
+            parts_.wakeup.Wake();
+          },
+          [this] { reported_ = feeder_.packets(); }),
+      status_(!parts.options.no_progress),
+      context_(parts.engine.Context()),
+      graphs_(parts.engine.Graphs()) {
+  preferences_ = LoadPreferences(parts_.options.settings);
+  ChooseReport(parts_.options.report, *preferences_);
+  scheduler_ = MakeScheduler();
+  ApplySchedule(parts_.options.settings.file, parts_.choice, *scheduler_);
+  SetUp();
+  SetProcessClock(&clock_);
+}
+
+Watch::~Watch() {
+  if (startable_) startable_->Stop();
+  feeder_.Stop();
+  // What it does not hold itself goes before it may go.
+  scheduler_->SetNotifySink(nullptr, {});
+  scheduler_->SetContext(nullptr);
+  scheduler_->SetGraphs(nullptr);
+  startable_.Reset();
+  scheduler_.Reset();
+  SetProcessClock(nullptr);
+  parts_.engine.SetObserver(nullptr);
+}
+
+void Watch::SetUp() {
+  std::int32_t type = 0;
+  Require(scheduler_->GetOutputType(&type), kScheduler);
+  const Format& format = FormatOfType(type);
+  const auto method =
+      CreateComponent<IStatsOutputMethod>(format.method, fmt::format("the report library ({})", format.name));
+  Require(Query(scheduler_.get(), &startable_), kScheduler);
+  Require(scheduler_->SetOutputMethod(method.get()), kScheduler);
+  Require(scheduler_->SetPrefs(preferences_.get()), kScheduler);
+  Require(scheduler_->SetContext(context_.get()), kScheduler);
+  Require(scheduler_->SetGraphs(graphs_.get()), kScheduler);
+  Require(scheduler_->SetNotifySink(notifications_.get(), {}), kScheduler);
+  if (const std::u16string templates = TemplateFolder(parts_.options); !templates.empty()) {
+    Require(scheduler_->SetTemplateRoot(Bstr(templates).get()), kScheduler);
+  }
+  parts_.engine.SetObserver(notifications_->observer());
+}
+
+bool Watch::Run() {
+  Require(startable_->Start(), kScheduler);
+  feeder_.Start();
+  while (!finished_) {
+    ShowStatus();
+    parts_.wakeup.Wait(status_.wanted() ? kBetweenStatusLines : -1);
+    TakeSignals();
+    Tell();
+    parts_.programs.Tend();
+    Advance();
+  }
+  Require(startable_->Stop(), kScheduler);
+  Tell();
+  FinishPrograms();
+  return ended_well_ && reported_well_;
+}
+
+void Watch::TakeSignals() {
+  while (const std::optional<int> signal = parts_.wakeup.NextSignal()) {
+    if (*signal == SIGHUP) reload_ = true;
+    if (*signal != SIGINT && *signal != SIGTERM) continue;
+    // Whoever is in a hurry sends a second one.
+    parts_.wakeup.LetSignalsEnd();
+    ending_ = true;
+  }
+}
+
+void Watch::Tell() {
+  for (const Notification& notification : notifications_->Take()) {
+    status_.Clear();
+    reported_well_ = notification.severity == kWritten;
+    PrintOutput(fmt::format("{} {} {}\n", TimeText(notification.time), reported_well_ ? "info" : "error",
+                            Printable(notification.text)));
+    parts_.programs.Add(notification.severity, notification.text);
+  }
+  for (const std::string& problem : notifications_->TakeProblems()) {
+    status_.Clear();
+    reported_well_ = false;
+    PrintMessage(problem);
+  }
+}
+
+void Watch::Advance() {
+  if (feeder_.has_ended() && !ending_) {
+    ending_ = true;
+    status_.Clear();
+    if (!feeder_.failure().empty()) {
+      PrintMessage(fmt::format("{}: {}", parts_.what, feeder_.failure()));
+      ended_well_ = false;
+    }
+  }
+  // Whatever was asked for while a report is written waits for its end.
+  if (!clock_.waits_until()) return;
+  if (ending_) {
+    End();
+  } else if (std::exchange(reload_, false)) {
+    Reload();
+  } else if (!std::exchange(announced_, true)) {
+    Announce();
+  }
+}
+
+void Watch::End() {
+  feeder_.Stop();
+  if (!std::exchange(last_report_, true) && feeder_.packets() != reported_) {
+    clock_.EndWait();
+  } else {
+    finished_ = true;
+  }
+}
+
+void Watch::Reload() {
+  status_.Clear();
+  const std::string& file = parts_.options.settings.file;
+  if (file.empty()) {
+    PrintWarning("SIGHUP: there are no settings to read again, as --settings was not given");
+    return;
+  }
+  std::int32_t before = 0;
+  std::int32_t after = 0;
+  try {
+    // Settings that are wrong are found before anything is changed.
+    const ComPtr<ISkryStatsOutput> trial = MakeScheduler();
+    CopySchedule(*scheduler_, *trial);
+    ApplySchedule(file, parts_.choice, *trial);
+    LoadPreferences(parts_.options.settings);
+
+    Require(startable_->Stop(), kScheduler);
+    Require(scheduler_->GetOutputType(&before), kScheduler);
+    ApplySchedule(file, parts_.choice, *scheduler_);
+    ApplyPreferences(parts_.options.settings, *preferences_);
+    ChooseReport(parts_.options.report, *preferences_);
+    Require(scheduler_->GetOutputType(&after), kScheduler);
+  } catch (const CommandError& error) {
+    PrintWarning(fmt::format("SIGHUP: {}; the settings stay as they are", error.message()));
+  }
+  announced_ = clock_.waits_until().has_value();
+  Require(startable_->Start(), kScheduler);
+  if (before != after) {
+    PrintWarning(fmt::format("{}: outputType was changed from {} to {}, which takes a restart", file, before, after));
+  }
+}
+
+void Watch::Announce() {
+  status_.Clear();
+  PrintMessage(fmt::format("{}: the next report comes at {}", parts_.what, TimeText(*clock_.waits_until())));
+}
+
+void Watch::ShowStatus() {
+  if (!status_.wanted()) return;
+  const std::optional<std::uint64_t> next = clock_.waits_until();
+  const std::uint64_t now = clock_.Now();
+  const std::string what_next =
+      next         ? "next report in " + DurationText(*next > now ? (*next - now) / kNanosecondsPerSecond : 0)
+      : announced_ ? "writing a report"
+                   : "starting";
+  status_.Show(
+      fmt::format("{} packets, {} dropped, {}: {}", feeder_.packets(), feeder_.dropped(), what_next, parts_.what));
+}
+
+void Watch::FinishPrograms() {
+  const auto end = std::chrono::steady_clock::now() + kPatienceWithPrograms;
+  for (;;) {
+    parts_.programs.Tend();
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+    if (parts_.programs.running() == 0 || left.count() <= 0) break;
+    parts_.wakeup.Wait(static_cast<int>(left.count()));
+    while (const std::optional<int> signal = parts_.wakeup.NextSignal()) {
+      if (*signal == SIGINT || *signal == SIGTERM) return;
+    }
+  }
+  if (parts_.programs.running() == 0) return;
+  PrintWarning(fmt::format("--on-report: {} programs still run, {} were not started", parts_.programs.running(),
+                           parts_.programs.waiting()));
+}
+
+}  // namespace orvo::app

@@ -1,0 +1,56 @@
+#include "scheduler/worker_thread.h"
+
+#include <cstdint>
+#include <utility>
+
+#include "platform/error.h"
+#include "scheduler/worker.h"
+#include "util/module_count.h"
+
+namespace orvo {
+namespace {
+
+constexpr std::uint32_t kPatience = 30'000;  // milliseconds
+
+/// What the thread takes with it.
+struct Task {
+  ModuleReference module;
+  std::shared_ptr<WorkerControl> control;
+  Worker worker;
+};
+
+Status RunTask(void* argument) {
+  std::unique_ptr<Task> task(static_cast<Task*>(argument));
+  const std::shared_ptr<WorkerControl> control = task->control;
+  const Status status = task->worker.Run();
+  // The end is told when nothing is held any more.
+  task.reset();
+  control->ended->Set();
+  return status;
+}
+
+}  // namespace
+
+WorkerThread::WorkerThread(std::shared_ptr<SchedulerState> state)
+    : state_(std::move(state)), control_(std::make_shared<WorkerControl>()) {
+  std::unique_ptr<Task> task(new Task{{}, control_, Worker(state_, control_)});
+  Check(thread_.Start(RunTask, task.get()));
+  (void)task.release();  // the thread's own from now on
+}
+
+WorkerThread::~WorkerThread() {
+  control_->stopping = true;
+  control_->stop->Set();
+  state_->calls.WakeUp();
+  if (thread_.IsCurrent()) {
+    control_->parting = Parting::kAfterOutput;
+    thread_.Detach();
+  } else if (control_->ended->Wait(kPatience) == WaitResult::kSignalled) {
+    thread_.Join();
+  } else {
+    control_->parting = Parting::kAtOnce;
+    thread_.Detach();
+  }
+}
+
+}  // namespace orvo
