@@ -82,6 +82,7 @@ function checkAll({ sheets, documents, pairs, refused }) {
       if (!(error instanceof Error)) failures.push(`${name}: ${error}`);
     }
   }
+  failures.push(...checkValues());
   return { pairs: pairs.length, refused: Object.keys(refused).length, bodies, failures };
 }
 

@@ -34,7 +34,8 @@ function dressPlain(table) {
 }
 
 // Steps: parts of which one is shown at a time, such as the reports of a history, with buttons to go back and forth.
-function startSteps(root) {
+// `onShow` is called with each part that is shown.
+function startSteps(root, onShow) {
   for (const steps of root.querySelectorAll(".steps")) {
     const parts = [...steps.children];
     if (parts.length < 2) continue;
@@ -55,6 +56,7 @@ function startSteps(root) {
       choice.selectedIndex = at;
       back.disabled = at === 0;
       forth.disabled = at === parts.length - 1;
+      onShow(parts[at]);
     };
     steps.before(make("div", { class: "stepper" }, back, choice, forth));
     go(at);

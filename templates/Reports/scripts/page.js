@@ -71,13 +71,18 @@ class Page {
     this.main.removeAttribute("aria-busy");
     showPictures(this.main);
     dressFigures(this.main);
-    startSteps(this.main);
-    this.grids = [];
     for (const table of this.main.querySelectorAll("table.plain")) dressPlain(table);
-    for (const table of this.main.querySelectorAll("table.grid")) {
-      this.grids.push(new Grid(table, sources.get(table.tBodies[0])));
-    }
+    this.grids = [];
+    startSteps(this.main, (part) => this.startGrids(part, sources));
+    this.startGrids(this.main, sources);
     window.scrollTo(0, 0);
+  }
+
+  // Makes grids of the tables in `part` that are not hidden; those of other steps follow when they are shown.
+  startGrids(part, sources) {
+    for (const table of part.querySelectorAll("table.grid:not(.ready)")) {
+      if (!table.closest("[hidden]")) this.grids.push(new Grid(table, sources.get(table.tBodies[0])));
+    }
   }
 
   // Says in the place of the view why there is none.
@@ -93,7 +98,9 @@ class Page {
 }
 
 function fileProblem() {
-  const folder = decodeURIComponent(location.pathname).replace(/\/[^/]*$/, "");
+  const folder = decodeURIComponent(location.pathname)
+    .replace(/\/[^/]*$/, "")
+    .replaceAll("'", "'\\''");
   return new Problem(
     "This report wants to be served",
     "Browsers do not let a page read the files beside it when it is opened from a disk.\n" +
