@@ -3,6 +3,7 @@
 
 #include <benchmark/benchmark.h>
 #include <fmt/core.h>
+#include <malloc.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -84,10 +85,13 @@ test::Script MakeScript(std::uint32_t nodes, std::uint32_t conversations) {
   return script;
 }
 
-/// A folder that is gone with the program.
+/// A folder that is gone with the program; in memory where that can be, as reports make their files durable and the
+/// bare program does not.
 const std::string& Folder() {
   static const struct Temporary {
-    std::string path = (fs::temp_directory_path() / "orvo-bench-XXXXXX").string();
+    std::string path =
+        ((fs::is_directory("/dev/shm") ? "/dev/shm" : fs::temp_directory_path()) / fs::path("orvo-bench-XXXXXX"))
+            .string();
     pid_t owner = getpid();
     Temporary() {
       if (!mkdtemp(path.data())) std::abort();
@@ -351,6 +355,7 @@ long PeakOf(const std::function<void()>& work) {
   if (pipe(ends) != 0) std::abort();
   const pid_t child = fork();
   if (child == 0) {
+    malloc_trim(0);                                 // what was freed before would be used again
     std::ofstream("/proc/self/clear_refs") << '5';  // the peak begins anew
     const long before = Kilobytes("VmRSS");
     work();

@@ -73,7 +73,7 @@ bool IsPosition(std::string_view style) {
   constexpr std::string_view kWords[] = {"position", "absolute", "top", "left", "width", "height", "px"};
   while (!style.empty()) {
     const auto is_letter = [](char c) { return c >= 'a' && c <= 'z'; };
-    const std::size_t length = static_cast<std::size_t>(std::ranges::find_if_not(style, is_letter) - style.begin());
+    const auto length = static_cast<std::size_t>(std::ranges::find_if_not(style, is_letter) - style.begin());
     if (length == 0) {
       if (std::string_view(" :;%0123456789").find(style.front()) == std::string_view::npos) return false;
     } else if (std::ranges::find(kWords, style.substr(0, length)) == std::end(kWords)) {

@@ -86,7 +86,7 @@ bool XmlLineCheck::Take(std::string_view line) {
   if (!TakeWord("<", &line)) return false;
   if (TakeWord("/", &line)) return indent + 2 == open_.size() * 2 && TakeEnd(line);
   // A second root has no place.
-  if (indent != open_.size() * 2 || (open_.empty() && !root_.empty())) return false;
+  if (indent != open_.size() * 2 || (open_.empty() && !root_.empty()) || open_.size() >= kXmlDepthLimit) return false;
   const std::string_view name = TakeName(&line);
   if (name.empty() || !TakeAttributes(&line)) return false;
   if (root_.empty()) root_ = name;
@@ -95,7 +95,7 @@ bool XmlLineCheck::Take(std::string_view line) {
   if (line.empty()) {
     open_.emplace_back(name);
     is_empty_ = false;
-    return open_.size() <= kXmlDepthLimit;
+    return true;
   }
   const std::size_t tail = name.size() + 3;
   if (line.size() < tail || !line.ends_with(">") || line.substr(line.size() - tail, 2) != "</" ||

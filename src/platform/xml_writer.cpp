@@ -1,6 +1,7 @@
 #include "platform/xml_writer.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/error.h"
 #include "platform/path.h"
@@ -71,6 +72,11 @@ XmlWriter XmlStream::Add(std::string_view name) {
 std::string_view XmlStream::Finish() {
   EndDownTo(0);
   return text_;
+}
+
+std::string XmlStream::Take() {
+  EndDownTo(0);
+  return std::move(text_);
 }
 
 void XmlStream::Begin(std::size_t level, std::string_view name) {

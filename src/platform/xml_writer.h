@@ -29,6 +29,8 @@ class ORVO_PLATFORM_API XmlStream {
   XmlWriter Add(std::string_view name);
   /// Ends all elements and gives what was written, but for what has been drained.
   std::string_view Finish();
+  /// The same, as a text of the caller's own. The stream is used up.
+  std::string Take();
 
  protected:
   /// Called when there is much in the buffer, to take it away.

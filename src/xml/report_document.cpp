@@ -17,7 +17,7 @@ IndexEntry::IndexEntry(XmlReport& report, std::string_view name, std::u16string_
 }
 
 void IndexEntry::Keep(std::uint64_t rows) {
-  report_.index.Add(stream_.Finish(), rows);
+  report_.index.Add(stream_.Take(), rows);
 }
 
 void AddHistory(XmlReport& report, std::u16string_view file, std::string_view root, std::string_view entry,

@@ -57,7 +57,7 @@ bool WriteReportGraphs(XmlReport& report) {
       }
     });
     // The pictures before one that could not be drawn are there.
-    report.index.Add(stream.Finish(), 0);
+    report.index.Add(stream.Take(), 0);
     Check(status);
     return true;
   });

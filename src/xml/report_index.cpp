@@ -1,5 +1,7 @@
 #include "xml/report_index.h"
 
+#include <utility>
+
 #include "platform/xml_writer.h"
 
 namespace orvo {
@@ -15,8 +17,8 @@ bool ReportIndex::Load(std::u16string_view path) {
   return false;
 }
 
-void ReportIndex::Add(std::string_view lines, std::uint64_t rows) {
-  added_.emplace_back(lines);
+void ReportIndex::Add(std::string lines, std::uint64_t rows) {
+  added_.push_back(std::move(lines));
   rows_ += rows;
 }
 

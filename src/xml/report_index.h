@@ -21,7 +21,7 @@ class ReportIndex {
   /// Removes the element of a category that an earlier report left; gives its lines.
   std::string_view Take(std::string_view name) { return old_.Take(name); }
   /// Adds a category's element with the rows that this report wrote there.
-  void Add(std::string_view lines, std::uint64_t rows);
+  void Add(std::string lines, std::uint64_t rows);
   /// The rows of this report.
   std::uint64_t rows() const { return rows_; }
 

@@ -51,7 +51,7 @@ export async function column(page, title) {
 }
 
 export async function sortBy(page, title) {
-  const head = page.locator("table.grid").first().getByRole("button", { name: title, exact: true });
+  const head = page.locator("table.grid").first().locator("button.sorter", { hasText: new RegExp(`^${title}$`) });
   await head.click();
   await page.locator("table.grid").first().locator("th[aria-sort]").waitFor();
 }

@@ -128,7 +128,7 @@ TEST_F(XmlPartsTest, WhatIsNoSuchDocumentIsBegunAnew) {
 TEST_F(XmlPartsTest, DeclaredEntitiesAreNotFollowed) {
   folder_.Write("secret", "secret");
   const std::string bytes = Extended("<!DOCTYPE Root [<!ENTITY e SYSTEM \"file://" + folder_.Path("secret") +
-                                     "\"><!ENTITY l \"&l2;&l2;\"><!ENTITY l2 \"lol\">]><Root><Old>&e;&l;</Old></Root>");
+                                     R"("><!ENTITY l "&l2;&l2;"><!ENTITY l2 "lol">]><Root><Old>&e;&l;</Old></Root>)");
   EXPECT_EQ(bytes.find("secret<"), bytes.npos);
   XmlTree tree;
   ASSERT_EQ(tree.Load(Path("x.xml")), S_OK);

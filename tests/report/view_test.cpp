@@ -282,7 +282,9 @@ TEST_F(ViewTest, AnswersOnlyUnderItsOwnName) {
   for (const std::string& host :
        {std::string("evil.example:") + port, std::string("127.0.0.1.evil.example:") + port, std::string("127.0.0.1"),
         std::string("127.0.0.1:1"), std::string("localhost:") + port + "\r\nHost: evil.example", std::string()}) {
-    EXPECT_EQ(Status(viewer.Send(line + "Host: " + host + "\r\n\r\n")), "HTTP/1.1 403") << host;
+    std::string request = line;
+    request.append("Host: ").append(host).append("\r\n\r\n");
+    EXPECT_EQ(Status(viewer.Send(request)), "HTTP/1.1 403") << host;
   }
   EXPECT_EQ(Status(viewer.Send(line + "\r\n")), "HTTP/1.1 403");
 }
@@ -349,7 +351,7 @@ TEST_F(ViewTest, BearsWithBadClients) {
   const Viewer viewer({report()});
   const std::string start = "GET /StatsReport.xml HTTP/1.1\r\nHost: " + viewer.host() + "\r\n";
   std::string many;
-  for (int i = 0; i < 100'000; ++i) many += "X-Header: value\r\n";
+  for (int i = 0; i < 100'000; ++i) many.append("X-Header: value\r\n");
   // None of these gets the file, and none takes the server down.
   for (const std::string& bytes :
        {std::string("\0\0\0\r\n\r\n", 7), std::string("GET\r\n\r\n"), std::string("BREW / HTTP/1.1\r\n\r\n"),
@@ -370,7 +372,7 @@ TEST_F(ViewTest, AFileThatShrinksBreaksItsAnswerOff) {
   const std::string request = "GET /Shrinking.xml HTTP/1.1\r\nHost: " + viewer.host() + "\r\n\r\n";
   ASSERT_EQ(send(socket, request.data(), request.size(), 0), static_cast<ssize_t>(request.size()));
   std::vector<char> block(1 << 16);
-  std::size_t received = static_cast<std::size_t>(recv(socket, block.data(), block.size(), 0));
+  auto received = static_cast<std::size_t>(recv(socket, block.data(), block.size(), 0));
   fs::resize_file(report() + "/Shrinking.xml", 0);
   for (ssize_t count = 0; (count = recv(socket, block.data(), block.size(), 0)) > 0;) {
     received += static_cast<std::size_t>(count);

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <functional>
+
 #include "platform/object.h"
 #include "tests/xml/xml_report_fixture.h"
 
@@ -176,6 +178,52 @@ TEST_F(XmlStatsOutputTest, DocumentsOfAnEarlierReportAreTakenUpOrBegunAnew) {
     EXPECT_THAT(Sections(), testing::Contains("ProtocolStatistics")) << one.what;
     EXPECT_THAT(Children("MainMenu.htm", {}), testing::Contains("img")) << one.what;
   }
+}
+
+/// Preferences of which reading one calls something first.
+class PreferencesWithCall final : public Object<IStatsOutputPrefs> {
+ public:
+  PreferencesWithCall(IStatsOutputPrefs* real, std::uint32_t identifier, std::function<void()> call)
+      : real_(real), identifier_(identifier), call_(std::move(call)) {}
+  Status GetPreference(std::uint32_t identifier, std::int32_t* value) override {
+    if (identifier == identifier_) call_();
+    return real_->GetPreference(identifier, value);
+  }
+  Status SetPreference(std::uint32_t identifier, std::int32_t value) override {
+    return real_->SetPreference(identifier, value);
+  }
+  Status SetDefaults() override { return real_->SetDefaults(); }
+
+ private:
+  IStatsOutputPrefs* real_;
+  std::uint32_t identifier_;
+  std::function<void()> call_;
+};
+
+TEST_F(XmlStatsOutputTest, AFolderThatIsLostOnTheWayKeepsWholeDocuments) {
+  engine.protocol_tree = {{1, {u"Ethernet", 0}}};
+  engine.live.protocols.push_back({.key = engine.live.AddProtocol(1)});
+  ASSERT_EQ(Output(), S_OK);
+  const std::string before = folder.Read("StatsReport.xml");
+  // After the nodes and what belongs to them, and before the protocols and the index.
+  const std::string moved = folder.Path() + "-moved";
+  auto watched = MakeObject<PreferencesWithCall>(preferences.get(), kSwitchOutputProtocolStats, [&] {
+    if (folder.Has("StatsReport.xml")) std::filesystem::rename(folder.Path(), moved);
+  });
+  EXPECT_EQ(method->SetFormat(nullptr, nullptr, watched.get(), nullptr), S_OK);
+  EXPECT_TRUE(Failed(Output()));
+  ASSERT_TRUE(std::filesystem::exists(moved));
+  std::filesystem::remove_all(folder.Path());
+  std::filesystem::rename(moved, folder.Path());
+  EXPECT_EQ(folder.Read("StatsReport.xml"), before);
+  for (const std::string& name : folder.Names()) {
+    EXPECT_NE(name.front(), '.') << "nothing unfinished is left";
+    if (!name.ends_with(".xml")) continue;
+    XmlTree document;
+    EXPECT_EQ(document.Load(PathFromSystem(folder.Path(name))), S_OK) << name;
+  }
+  EXPECT_EQ(Children("ProtocolStatistics.xml", {}).size(), 1U);
+  EXPECT_EQ(Children("NodeStatistics.xml", {}).size(), 1U) << "was moved before";
 }
 
 TEST_F(XmlStatsOutputTest, NamesThatNoDocumentMayHoldAreShownWithMarksInTheirPlaces) {

@@ -1,0 +1,47 @@
+// A document of an earlier report, of which parts are taken over into the next one.
+
+#include "fuzz/support/target.h"
+#include "platform/path.h"
+#include "platform/xml_parts.h"
+#include "platform/xml_tree.h"
+#include "platform/xml_writer.h"
+
+namespace orvo::fuzz {
+
+void TestOneInput(Input input) {
+  const MemoryFile file(input);
+  const std::u16string path = PathFromSystem(file.path());
+  XmlParts parts;
+  XmlTree tree;
+  const Status loaded = tree.Load(path);
+  const Status status = parts.Load(path);
+  Require(Failed(status) || Succeeded(loaded), "nothing is taken over that the parser refuses");
+  if (Failed(status)) {
+    Require(parts.parts().empty(), "nothing is kept of a document that cannot be read");
+    return;
+  }
+  XmlStream stream(0);
+  const XmlWriter root = stream.Add(parts.root());
+  for (const XmlParts::Part& part : parts.parts()) {
+    root.AddLines(part.lines);
+    for (const char* name : {"Summary", "Stats"}) {
+      XmlStream history(1);
+      history.Add("History").AddLines(XmlChildLines(part.lines, name));
+      XmlTree entry;
+      Require(entry.LoadText(history.Finish()) == S_OK, "a child of a part is whole");
+    }
+  }
+  XmlTree again;
+  Require(again.LoadText(stream.Finish()) == S_OK, "the parts make a document again");
+}
+
+void MakeSeeds(const SeedSink& add) {
+  constexpr const char* kHead = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n";
+  add(std::string(kHead) + "<StatsReport />\n");
+  add(std::string(kHead) +
+      "<StatsReport>\n  <NodeStatistics Version=\"2.0\">\n    <Summary>\n      <Packets>1</Packets>\n    </Summary>\n"
+      "    <Stats />\n  </NodeStatistics>\n  <Graphs />\n</StatsReport>\n");
+  add("<StatsReport><!-- c --><A v='1&amp;'><![CDATA[x]]></A></StatsReport>");
+}
+
+}  // namespace orvo::fuzz
