@@ -71,12 +71,13 @@ struct Charts {
       NodeEntry node;
       node.address = script.AddIp(192, 168, 1, i);
       node.packets_sent = 1;
-      node.bytes_sent = 1000U * (40U - i);
+      node.bytes_sent = std::uint64_t{1000} * (40U - i);
       script.nodes.push_back(node);
     }
     test::ScriptedGraph shares{.name = u"Transport Shares", .title = {}, .interval = 1, .start = start, .series = {}};
     for (const char16_t* name : {u"TCP", u"UDP", u"Other"}) {
       std::vector<double> samples;
+      samples.reserve(300);
       for (int i = 0; i < 300; ++i) samples.push_back(Sample(i + 40 * static_cast<int>(shares.series.size())));
       shares.series.push_back({name, std::move(samples)});
     }

@@ -1,15 +1,18 @@
 #!/usr/bin/env python3
 """Writes the two captures that bench/compare reads: the same bytes on every machine and every time.
 
-usage: bench/make_captures.py FOLDER [--packets N]
+usage: bench/make_captures.py FOLDER [--packets N] [--flows N] [--only office|crowd]
 
   office.pcap   the project's samples again and again, a few hundred flows at a time with ports of their own
   crowd.pcap    50,000 flows between 20,000 addresses: names, web requests, TLS greetings, and bytes of no protocol
 
   --packets N   packets of each, a million when not given
+  --flows N     flows of crowd.pcap
+  --only NAME   write this one alone
 """
 
 import argparse
+import functools
 import pathlib
 import random
 import struct
@@ -191,10 +194,10 @@ class Flow:
         return b"\2\0" + receiver + b"\2\0" + sender + b"\x08\0" + network
 
 
-def write_crowd(path, packets):
+def write_crowd(path, packets, flow_count=FLOWS):
     generator = random.Random(20_000)
     addresses = [struct.pack(">I", 0x0A000000 + number * 5 + 1) for number in range(ADDRESSES)]
-    flows = [Flow(generator, addresses) for _ in range(FLOWS)]
+    flows = [Flow(generator, addresses) for _ in range(flow_count)]
     writer = Writer(path)
     while writer.count < packets:
         writer.put(writer.count * 100, generator.choice(flows).packet(writer.count))
@@ -204,11 +207,15 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("folder", type=pathlib.Path)
     parser.add_argument("--packets", type=int, default=1_000_000)
+    parser.add_argument("--flows", type=int, default=FLOWS)
+    parser.add_argument("--only", choices=("office", "crowd"))
     arguments = parser.parse_args()
     arguments.folder.mkdir(parents=True, exist_ok=True)
-    for name, write in (("office.pcap", write_office), ("crowd.pcap", write_crowd)):
-        print(f"make_captures: {arguments.folder / name}", file=sys.stderr)
-        write(arguments.folder / name, arguments.packets)
+    writers = {"office": write_office, "crowd": functools.partial(write_crowd, flow_count=arguments.flows)}
+    for name in [arguments.only] if arguments.only else writers:
+        path = arguments.folder / f"{name}.pcap"
+        print(f"make_captures: {path}", file=sys.stderr)
+        writers[name](path, arguments.packets)
 
 
 if __name__ == "__main__":

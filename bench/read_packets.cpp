@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -130,7 +131,7 @@ bool SamePackets(const std::string& path) {
 }  // namespace
 }  // namespace orvo::bench
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
   using namespace orvo::bench;
   const Files files;
   if (!SamePackets(files.classic) || !SamePackets(files.blocks)) return 1;
@@ -139,4 +140,7 @@ int main(int argc, char** argv) {
   Register("pcapng", ReadAll, files.blocks);
   Register("pcapng_by_libpcap", ReadAllByLibpcap, files.blocks);
   return RunWithRatios(argc, argv);
+} catch (const std::exception& error) {
+  std::fprintf(stderr, "read_packets: %s\n", error.what());
+  return 1;
 }

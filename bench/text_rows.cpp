@@ -134,7 +134,7 @@ class BareLoop {
   }
 
  private:
-  static constexpr std::ptrdiff_t kBlock = 256 * 1024;
+  static constexpr std::ptrdiff_t kBlock = 1 << 18;
 
   void Text(std::string_view text) { at_ = std::copy(text.begin(), text.end(), at_); }
   void Number(std::uint64_t value) { at_ = std::to_chars(at_, at_ + 20, value).ptr; }

@@ -6,14 +6,15 @@
 declare -gA _orvo_report_options=(
   [make]='--out --format --report --templates --filter --settings --set --live --no-names --hosts --trust --limit --apdex --locale --code-page --no-progress --help'
   [watch]='--interface --replay --speed --out --format --every --new-set --keep --on-report --report --templates --filter --settings --set --no-names --hosts --trust --limit --apdex --locale --code-page --no-progress --help'
+  [view]='--port --open --help'
   [settings]='--settings --set --help'
   [classes]='--help'
   [register]='--help'
   [unregister]='--help'
 )
-_orvo_report_words='make watch settings classes register unregister --help --version'
+_orvo_report_words='make watch view settings classes register unregister --help --version'
 _orvo_report_limits='addresses= hierarchy= conversations= flows= calls= media-streams= names= expert-flows= expert-events= wireless-nodes= wireless-channels='
-_orvo_report_formats='csv tab xml'
+_orvo_report_formats='csv tab xml pdf'
 _orvo_report_reports='full executive-summary expert-summary additional-node conversations'
 _orvo_report_intervals='5s 1m 5m 15m 1h 1d'
 _orvo_report_filters='arp broadcast ether host icmp icmp6 ip ip6 multicast net not port portrange tcp udp vlan'
@@ -100,6 +101,8 @@ _orvo_report() {
     _orvo_report_offer "${_orvo_report_options[$word]:-}" "$current"
   elif [[ $word == make ]]; then
     _orvo_report_paths -f "$current"
+  elif [[ $word == view ]]; then
+    _orvo_report_paths -d "$current"
   fi
 }
 

@@ -15,11 +15,28 @@ std::string SystemPath(std::u16string_view path) {
   return Succeeded(PathToSystem(path, &system)) ? system : ToUtf8(path);
 }
 
-std::u16string LibraryBesideCommand() {
+namespace {
+
+/// The folder that holds the command's folder, of a build or of an installation; empty when it is not known.
+std::filesystem::path RootOfCommand() {
   std::error_code error;
   const std::filesystem::path command = std::filesystem::read_symlink("/proc/self/exe", error);
-  if (error) return {};
-  const std::filesystem::path root = command.parent_path().parent_path();
+  return error ? std::filesystem::path() : command.parent_path().parent_path();
+}
+
+}  // namespace
+
+std::string TemplatesBesideCommand() {
+  const std::filesystem::path root = RootOfCommand();
+  const std::filesystem::path templates = root / "share/orvo-reports/templates";
+  std::error_code error;
+  return !root.empty() && std::filesystem::is_directory(templates, error) ? templates.string() : std::string();
+}
+
+std::u16string LibraryBesideCommand() {
+  const std::filesystem::path root = RootOfCommand();
+  if (root.empty()) return {};
+  std::error_code error;
   for (const char* folder : {"lib", "lib/orvo"}) {
     const std::filesystem::path library = root / folder / "OrvoReports.so";
     if (std::filesystem::exists(library, error)) return PathFromSystem(library.string());

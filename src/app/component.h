@@ -14,6 +14,10 @@ std::string SystemPath(std::u16string_view path);
 /// backslashes; empty when there is none.
 std::u16string LibraryBesideCommand();
 
+/// The folder of report templates that came with the command (../share/orvo-reports/templates), as the system's path;
+/// empty when there is none.
+std::string TemplatesBesideCommand();
+
 /// Lets classes that the registry does not list come from that library. Ends the command when the library is there but
 /// not to be trusted.
 void UseLibraryBesideCommand();

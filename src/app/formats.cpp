@@ -14,6 +14,7 @@ constexpr Format kFormats[] = {
     {"csv", kCsvStatsOutputClass, u".csv", u",", kOutputCsv},
     {"tab", kCsvStatsOutputClass, u".txt", u"\t", kOutputTab},
     {"xml", kXmlStatsOutputClass, u".xml", u",", kOutputXml},
+    {"pdf", kPdfStatsOutputClass, u".pdf", u",", kOutputPdf},
 };
 
 const Format* FindFormat(std::string_view name) {
@@ -38,7 +39,6 @@ std::vector<const Format*> ParseFormats(std::string_view list) {
 const Format& FormatOfType(std::int32_t type) {
   const auto* found = std::ranges::find_if(kFormats, [type](const Format& format) { return format.type == type; });
   if (found != std::end(kFormats)) return *found;
-  if (type == kOutputPdf) throw CommandError(kFailed, fmt::format("outputType {}: there is no such format", type));
   return kFormats[0];
 }
 

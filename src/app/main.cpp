@@ -64,6 +64,7 @@ int Run(int argc, char** argv) {
   bool privileged = false;
   AddMakeCommand(parser, &verb);
   AddWatchCommand(parser, &verb, &privileged);
+  AddViewCommand(parser, &verb);
   AddSettingsCommand(parser, &verb);
   AddClassesCommands(parser, &verb);
   try {

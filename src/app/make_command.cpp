@@ -150,8 +150,10 @@ bool WriteReport(const MakeOptions& options, const Target& target, CaptureEngine
   Status status = options.live ? method->OutputLive(context.get(), report_folder.get(), graphs.get())
                                : method->Output(report_folder.get(), context.get(), graphs.get());
   engine.SetObserver(nullptr);
-  Require(status, target.folder.string());
-  return PrintFiles(*files);
+  // A file that failed tells the cause better than the report that failed with it.
+  const bool all_written = PrintFiles(*files);
+  if (all_written) Require(status, target.folder.string());
+  return all_written;
 }
 
 int Make(const MakeOptions& options) {
@@ -182,7 +184,7 @@ void AddMakeCommand(CLI::App& parser, Verb* verb) {
       ->check(NotEmpty());
   command
       ->add_option("--out", options->common.out,
-                   "Folder of the report, made when missing; a report that is there is added to")
+                   "Folder of the report, made when missing; a text or xml report that is there is added to")
       ->required()
       ->type_name("DIR")
       ->check(NotEmpty());

@@ -15,6 +15,7 @@ using Verb = std::function<int()>;
 void AddMakeCommand(CLI::App& parser, Verb* verb);
 /// This verb may need privileges that its user has not, and gives them up by itself; `privileged` is set then.
 void AddWatchCommand(CLI::App& parser, Verb* verb, bool* privileged);
+void AddViewCommand(CLI::App& parser, Verb* verb);
 void AddSettingsCommand(CLI::App& parser, Verb* verb);
 void AddClassesCommands(CLI::App& parser, Verb* verb);
 

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "app/component.h"
 #include "app/limits.h"
 #include "app/messages.h"
 #include "app/options.h"
@@ -50,7 +51,7 @@ void AddReportOptions(CLI::App& command, ReportOptions* options) {
   const TextOption texts[] = {
       {"--report", &ReportOptions::report, "KIND", "What the xml form contains: " + ReportNames()},
       {"--templates", &ReportOptions::templates, "DIR",
-       "Folder with StatMap.xml, and Reports, whose pages and pictures the xml form copies"},
+       "Folder with StatMap.xml, and Reports with the pages of the xml form (default: those that came along)"},
       {"--filter", &ReportOptions::filter, "EXPR",
        "Count only packets that this expression holds for, see pcap-filter(7)"},
       {"--hosts", &ReportOptions::hosts, "FILE", "Names of addresses, in the form of /etc/hosts, before all others"},
@@ -103,8 +104,9 @@ std::unique_ptr<CaptureEngine> MakeEngine(const ReportOptions& options, bool liv
 }
 
 std::u16string TemplateFolder(const ReportOptions& options) {
-  if (options.templates.empty()) return {};
-  return PathFromSystem((std::filesystem::absolute(options.templates) / "").string());
+  const std::string templates = options.templates.empty() ? TemplatesBesideCommand() : options.templates;
+  if (templates.empty()) return {};
+  return PathFromSystem((std::filesystem::absolute(templates) / "").string());
 }
 
 }  // namespace orvo::app

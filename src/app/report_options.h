@@ -40,8 +40,8 @@ std::unique_ptr<PacketFilter> MakeFilter(const ReportOptions& options);
 /// classes.
 std::unique_ptr<CaptureEngine> MakeEngine(const ReportOptions& options, bool live);
 
-/// The folder of templates in full, in the form of the component's paths and with a separator at its end; empty when
-/// none was named.
+/// The folder of templates that was named, else the one that came with the command: in full, in the form of the
+/// component's paths and with a separator at its end. Empty when there is none.
 std::u16string TemplateFolder(const ReportOptions& options);
 
 }  // namespace orvo::app

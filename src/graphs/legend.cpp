@@ -85,7 +85,8 @@ void Legend::Draw(Canvas* canvas, PointF corner, const Arrangement& arrangement)
   const double column_width = (arrangement.width - 2 * kPadding - kSmallGap + kColumnGap) / arrangement.columns;
   const std::size_t places = std::size_t{arrangement.rows} * arrangement.columns;
   for (std::size_t i = 0; i < std::min(entries_.size(), places); ++i) {
-    const double x = std::floor(corner.x + kPadding + static_cast<double>(i / arrangement.rows) * column_width);
+    const std::size_t column = i / arrangement.rows;
+    const double x = std::floor(corner.x + kPadding + static_cast<double>(column) * column_width);
     const double y = corner.y + kPadding + static_cast<double>(i % arrangement.rows) * line_;
     const double base = y + font_.ascent;
     if (i + 1 == places && entries_.size() > places) {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
-#include <ranges>
 
 namespace orvo {
 namespace {
@@ -44,7 +43,9 @@ void SpreadOut(std::vector<PieLabelPlace>* places, const PieShape& pie) {
   double least = pie.top + line / 2;
   for (PieLabelPlace& place : *places) least = (place.y = std::max(place.y, least)) + line;
   double most = pie.bottom - line / 2;
-  for (PieLabelPlace& place : std::views::reverse(*places)) most = (place.y = std::min(place.y, most)) - line;
+  for (auto place = places->rbegin(); place != places->rend(); ++place) {
+    most = (place->y = std::min(place->y, most)) - line;
+  }
 }
 
 /// How far from the vertical through the centre a line of text at that height has to stay.
@@ -97,9 +98,9 @@ std::vector<PointF> LeaderLine(const PieShape& pie, double angle, PointF end) {
   const double in_sight = std::acos(circle / std::max(std::hypot(dx, dy), circle));
   const double turn = std::remainder(std::atan2(dy, dx) - angle, 2 * std::numbers::pi);
   const double round = std::max(std::abs(turn) - in_sight, 0.0);
-  const double steps = std::ceil(round / kArcStep);
+  const int steps = static_cast<int>(std::ceil(round / kArcStep));  // at most those of half a circle
   std::vector<PointF> line{on_ray(angle, pie.radius + 1), on_ray(angle, circle)};
-  for (double step = 1; step <= steps; ++step) {
+  for (int step = 1; step <= steps; ++step) {
     line.push_back(on_ray(angle + std::copysign(round * step / steps, turn), circle));
   }
   line.push_back(end);

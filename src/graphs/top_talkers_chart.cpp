@@ -6,6 +6,7 @@
 #include "graphs/chart_builder.h"
 #include "graphs/report_util.h"
 #include "platform/error.h"
+#include "statistics/medium.h"
 #include "util/string_table.h"
 
 namespace orvo {
@@ -80,11 +81,6 @@ struct TalkerTable {
     return ranking;
   }
 };
-
-AddressType PhysicalTypeOf(std::uint32_t medium_type, std::uint32_t medium_subtype) {
-  if (medium_type == kMediumWan || medium_type == kMediumWanFrame) return kAddressWan;
-  return medium_type == kMediumTokenRing && medium_subtype == kSubtypeWired ? kAddressTokenRing : kAddressPhysical;
-}
 
 }  // namespace
 

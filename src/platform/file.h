@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -60,6 +61,9 @@ ORVO_PLATFORM_API Status CopyFile(std::u16string_view source, std::u16string_vie
 ORVO_PLATFORM_API Status DeleteTree(std::u16string_view path);
 /// Writes the bytes beside the file, syncs, and renames: the old content or the new, never a mixture.
 ORVO_PLATFORM_API Status ReplaceFile(std::u16string_view path, std::string_view bytes);
+/// The same with bytes that are asked for block by block, until an empty one. What `next_block` raises is returned, and
+/// leaves the old content.
+ORVO_PLATFORM_API Status ReplaceFile(std::u16string_view path, const std::function<std::string_view()>& next_block);
 /// Reads a whole regular file of at most `limit` bytes (larger: E_OUTOFMEMORY).
 ORVO_PLATFORM_API Status ReadFile(std::u16string_view path, std::uint64_t limit, std::string* bytes);
 

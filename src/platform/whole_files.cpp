@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <utility>
 
 #include "platform/error.h"
 #include "platform/file.h"
@@ -61,9 +62,15 @@ Status CopyFile(std::u16string_view source, std::u16string_view target) {
 }
 
 Status ReplaceFile(std::u16string_view path, std::string_view bytes) {
+  return ReplaceFile(path, [&] { return std::exchange(bytes, {}); });
+}
+
+Status ReplaceFile(std::u16string_view path, const std::function<std::string_view()>& next_block) {
   return Guard([&] {
     Replacement replacement(SystemPath(path));
-    Check(WriteAll(replacement.descriptor(), bytes));
+    for (std::string_view block = next_block(); !block.empty(); block = next_block()) {
+      Check(WriteAll(replacement.descriptor(), block));
+    }
     replacement.Commit(/*durable=*/true);
   });
 }

@@ -28,10 +28,6 @@ bool IsIn(const Range (&ranges)[count], char32_t c) {
   return std::ranges::any_of(ranges, [c](const Range& range) { return c >= range.first && c <= range.last; });
 }
 
-bool IsXmlCharacter(char32_t c) {
-  return (c >= 0x20 && c != 0xFFFE && c != 0xFFFF) || c == '\t' || c == '\n' || c == '\r';
-}
-
 template <class Text>
 std::string Cleaned(Text text) {
   std::string utf8;
@@ -130,6 +126,10 @@ class StringWriter final : public pugi::xml_writer {
 };
 
 }  // namespace
+
+bool IsXmlCharacter(char32_t c) {
+  return (c >= 0x20 && c != 0xFFFE && c != 0xFFFF) || c == '\t' || c == '\n' || c == '\r';
+}
 
 bool IsXmlName(std::string_view utf8) {
   for (std::size_t at = 0; at < utf8.size();) {

@@ -11,6 +11,9 @@ namespace orvo {
 /// Larger XML files are not loaded.
 inline constexpr std::uint64_t kXmlSizeLimit = std::uint64_t{256} << 20;
 
+/// True for a character in the sense of XML 1.0, production [2], surrogates aside.
+bool IsXmlCharacter(char32_t c);
+
 /// True for a name in the sense of XML 1.0, production [5].
 bool IsXmlName(std::string_view utf8);
 

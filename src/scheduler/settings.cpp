@@ -31,7 +31,7 @@ constexpr Attribute Switch(const char16_t* name) {
 
 template <auto Member>
 constexpr Attribute Number(const char16_t* name) {
-  using T = std::remove_reference_t<decltype(std::declval<SchedulerSettings>().*Member)>::value_type;
+  using T = decltype((std::declval<SchedulerSettings>().*Member).load());
   return {name, kNumberType<T>, [](const SchedulerSettings& settings) { return Variant((settings.*Member).load()); },
           [](SchedulerSettings& settings, const Variant& value) { settings.*Member = std::get<T>(value.value()); }};
 }

@@ -203,7 +203,7 @@ void Worker::MakeOutput() {
     if (IsGivenUp()) return;
   }
   Notify(status, folder);
-  if (!IsGivenUp()) DeleteOldSets();
+  DeleteOldSets();
 }
 
 void Worker::WriteReport(const std::u16string& folder, IStatsOutputMethod* method, IStatsContext* context) {
@@ -242,7 +242,7 @@ void Worker::Notify(Status status, const std::u16string& folder) {
 
 void Worker::DeleteOldSets() {
   // Both are looked at each time, since they may change while a large set is being deleted.
-  while (state_->settings.keep_enabled) {
+  while (state_->settings.keep_enabled && !IsGivenUp()) {
     const std::optional<std::u16string> oldest = state_->sets.TakeOldest(state_->settings.keep);
     if (!oldest) return;
     DeleteTree(*oldest);  // what cannot be deleted stays, and is not tried again

@@ -17,8 +17,8 @@ bool HasGap(std::u16string_view path, std::u16string_view separator) {
   return path.find(gap) != path.npos;
 }
 
-std::optional<std::u16string> ProtocolPath(IProtocolNameService& names, std::uint16_t number,
-                                           std::u16string_view separator) {
+std::optional<std::u16string> ProtocolChain(IProtocolNameService& names, std::uint16_t number,
+                                            std::u16string_view separator) {
   std::array<std::uint16_t, kProtocolChainLimit> chain;
   std::uint32_t count = 0;
   if (Failed(names.GetChain(number, chain.data(), kProtocolChainLimit, &count)) || count > chain.size()) return {};
@@ -28,7 +28,13 @@ std::optional<std::u16string> ProtocolPath(IProtocolNameService& names, std::uin
     if (at != 0) path += separator;
   }
   RemoveAll(&path, u"Switch" + std::u16string(separator));
-  if (HasGap(path, separator)) return {};
+  return path;
+}
+
+std::optional<std::u16string> ProtocolPath(IProtocolNameService& names, std::uint16_t number,
+                                           std::u16string_view separator) {
+  std::optional<std::u16string> path = ProtocolChain(names, number, separator);
+  if (path && HasGap(*path, separator)) return {};
   return path;
 }
 

@@ -3,6 +3,7 @@
 #include "platform/error.h"
 #include "prefs/switch_ids.h"
 #include "statistics/node_values.h"
+#include "statistics/node_walk.h"
 #include "text/columns.h"
 #include "text/hierarchy_file.h"
 #include "text/section_file.h"
@@ -56,32 +57,17 @@ std::string NodeHeader(const TextReport& report, const ColumnSet<NodeEntry>& col
   return std::string(line.view());
 }
 
-/// The record of a node entry when it is one of the family's, else null.
-const AddressRecord* FamilyRecord(IAddressTable& addresses, const NodeEntry& node, std::uint8_t type) {
-  if (node.address == kNoAddress) return nullptr;
-  const AddressRecord* record = nullptr;
-  Check(addresses.GetRecord(node.address, &record));
-  return record && record->type == type ? record : nullptr;
-}
-
 void WriteNodeRows(TextReport& report, INodeStats& nodes, std::uint8_t type, const ColumnSet<NodeEntry>& columns,
                    SectionFile& file) {
   const std::string time_saved = TimeSaved(report);
   TextBuffer& row = file.row();
-  std::uint32_t index = kNoAddress;
-  Check(report.addresses->FirstOfType(type, &index));
-  while (index != kNoAddress) {
-    const NodeEntry* node = nullptr;
-    Check(nodes.FindByAddress(index, &node));
-    if (const AddressRecord* record = node ? FamilyRecord(*report.addresses, *node, type) : nullptr) {
-      row.Append(time_saved);
-      row.Append(report.separator);
-      AppendAddress(report, record, &row);
-      columns.AppendValues(report, *node, &row);
-      file.EndRow();
-    }
-    Check(report.addresses->NextOfType(index, &index));
-  }
+  ForEachNode(*report.addresses, nodes, type, [&](const AddressRecord& record, const NodeEntry& node) {
+    row.Append(time_saved);
+    row.Append(report.separator);
+    AppendAddress(report, &record, &row);
+    columns.AppendValues(report, node, &row);
+    file.EndRow();
+  });
 }
 
 void WriteFamilyFile(TextReport& report, const NodeFamily& family) {

@@ -1,36 +1,21 @@
 #include "text/summary_file.h"
 
-#include <bit>
 #include <optional>
 
 #include "platform/error.h"
 #include "prefs/switch_ids.h"
+#include "statistics/summary_figures.h"
 #include "statistics/summary_reader.h"
 #include "text/section_file.h"
-#include "util/date_time.h"
-#include "util/duration.h"
-#include "util/formatting.h"
 
 namespace orvo {
 namespace {
-
-/// One statistic as its row needs it: the text that stands in every value column, or the counts that each column takes
-/// its own figure from. A kind that is unknown has neither.
-struct SummaryRow {
-  std::u16string text{};
-  std::optional<std::uint64_t> integer{};
-  std::optional<double> real{};
-  std::optional<std::uint64_t> packets{};
-  std::optional<std::uint64_t> bytes{};
-  const ReferenceTotals& totals;
-  bool has_values = true;
-};
 
 /// A value column of counts: which of the two counts it shows, and how.
 struct SummaryColumn {
   std::string_view title;
   int gate;
-  std::optional<std::uint64_t> SummaryRow::*count;
+  std::optional<std::uint64_t> SummaryFigures::*count;
   Value (*value)(std::uint64_t count, const ReferenceTotals& totals);
 };
 
@@ -48,43 +33,22 @@ Value Rate(std::uint64_t count, const ReferenceTotals& totals) {
 }
 
 constexpr SummaryColumn kColumns[] = {
-    {"Bytes", kAlways, &SummaryRow::bytes, Plain},
-    {"Packets", kSwitchSumPackets, &SummaryRow::packets, Plain},
-    {"PctBytes", kSwitchSumPctBytes, &SummaryRow::bytes, PctOfBytes},
-    {"PctPackets", kSwitchSumPctPackets, &SummaryRow::packets, PctOfPackets},
-    {"BytesPerSec", kSwitchSumBytespSec, &SummaryRow::bytes, Rate},
-    {"PktsPerSec", kSwitchSumPacketspSec, &SummaryRow::packets, Rate},
+    {"Bytes", kAlways, &SummaryFigures::bytes, Plain},
+    {"Packets", kSwitchSumPackets, &SummaryFigures::packets, Plain},
+    {"PctBytes", kSwitchSumPctBytes, &SummaryFigures::bytes, PctOfBytes},
+    {"PctPackets", kSwitchSumPctPackets, &SummaryFigures::packets, PctOfPackets},
+    {"BytesPerSec", kSwitchSumBytespSec, &SummaryFigures::bytes, Rate},
+    {"PktsPerSec", kSwitchSumPacketspSec, &SummaryFigures::packets, Rate},
 };
 
-/// Sorts a value into what the row needs of it.
-SummaryRow MakeRow(const SummaryValue& value, const ReferenceTotals& totals) {
-  SummaryRow row{.totals = totals};
-  switch (value.kind) {
-    case kSummaryDate: Check(FormatDate(value.first, &row.text)); break;
-    case kSummaryTime: Check(FormatTimeOfDay(value.first, kNoFraction, &row.text)); break;
-    case kSummaryDuration:
-      Check(FormatDuration(static_cast<std::int64_t>(value.first), kNoFraction, TextOf(kStrDaysAndTime), &row.text));
-      break;
-    case kSummaryPackets: row.packets = value.first; break;
-    case kSummaryBytes: row.bytes = value.first; break;
-    case kSummaryPacketsAndBytes:
-      row.packets = value.first;
-      row.bytes = value.second;
-      break;
-    case kSummaryInteger: row.integer = value.first; break;
-    case kSummaryReal: row.real = std::bit_cast<double>(value.first); break;
-    default: row.has_values = false; break;
-  }
-  return row;
-}
-
-void AppendColumn(TextReport& report, const SummaryColumn& column, const SummaryRow& row, TextBuffer* out) {
-  if (row.integer) return AppendValue(report, Value::Unsigned(*row.integer), out);
-  if (row.real) return AppendValue(report, Value::Real(*row.real), out);
-  if (!row.packets && !row.bytes) return out->AppendWide(row.text);
-  const std::optional<std::uint64_t>& count = row.*column.count;
+void AppendColumn(TextReport& report, const SummaryColumn& column, const SummaryFigures& figures,
+                  const ReferenceTotals& totals, TextBuffer* out) {
+  if (figures.integer) return AppendValue(report, Value::Unsigned(*figures.integer), out);
+  if (figures.real) return AppendValue(report, Value::Real(*figures.real), out);
+  if (!figures.counts()) return out->AppendWide(figures.text);
+  const std::optional<std::uint64_t>& count = figures.*column.count;
   if (!count) return out->Append('-');
-  AppendValue(report, column.value(*count, row.totals), out);
+  AppendValue(report, column.value(*count, totals), out);
 }
 
 std::vector<SummaryColumn> EnabledColumns(const TextReport& report) {
@@ -123,11 +87,11 @@ void WriteRows(TextReport& report, ISummarySnapshot& snapshot, const std::vector
       row.Append(report.separator);
       row.AppendWide(SummaryName(snapshot, report.statistic_map, named));
     }
-    const SummaryRow values = MakeRow(value, totals);
-    if (values.has_values) {
+    const SummaryFigures figures = FiguresOf(value);
+    if (!figures.empty()) {
       for (const SummaryColumn& column : columns) {
         row.Append(report.separator);
-        AppendColumn(report, column, values, &row);
+        AppendColumn(report, column, figures, totals, &row);
       }
     }
     file.EndRow();

@@ -5,6 +5,7 @@
 
 #include "platform/code_page.h"
 #include "platform/error.h"
+#include "platform/fixed_text.h"
 
 namespace orvo {
 
@@ -22,8 +23,7 @@ void TextBuffer::AppendReal(double value) {
   if (!std::isfinite(value)) return Append('-');
   constexpr std::size_t kLongestReal = 320;  // the largest double has 309 digits before the full stop
   char* begin = Room(kLongestReal);
-  std::to_chars_result result = std::to_chars(begin, begin + kLongestReal, value, std::chars_format::fixed, 3);
-  size_ = static_cast<std::size_t>(result.ptr - bytes_.get());
+  size_ = static_cast<std::size_t>(WriteFixed(value, 3, begin, begin + kLongestReal) - bytes_.get());
 }
 
 void TextBuffer::AppendWide(std::u16string_view text) {

@@ -22,33 +22,56 @@ struct Tables {
   std::uint64_t total_bytes = 0;
 };
 
-/// A conversation as it is shown. The shares of ends that are no nodes are unknown.
+/// A conversation as it is shown. Ends that are no nodes are null, and their shares unknown.
 struct ConversationRow {
   const ConversationEntry& entry;
   std::u16string source;
   std::u16string destination;
   std::u16string protocol;
-  std::optional<std::u16string> share_sent{};
-  std::optional<std::u16string> share_received{};
-  std::u16string share_of_protocol{};
+  const NodeEntry* source_node;
+  const NodeEntry* destination_node;
+  std::uint64_t protocol_bytes;
 };
 
 using Row = ConversationRow;
-using Text = std::optional<std::u16string>;
+using Column = RowColumn<Row>;
 
-constexpr RowText<Row> kBytes{"Bytes", [](const Row& row) { return Text(NumberText(row.entry.bytes)); }};
-constexpr RowText<Row> kPackets{"Packets", [](const Row& row) { return Text(NumberText(row.entry.packets)); }};
-constexpr RowText<Row> kSource{"SourceAddress", [](const Row& row) { return Text(row.source); }};
-constexpr RowText<Row> kShareSent{"PctBytesSent", [](const Row& row) { return row.share_sent; }};
-constexpr RowText<Row> kDestination{"DestinationAddress", [](const Row& row) { return Text(row.destination); }};
-constexpr RowText<Row> kShareReceived{"PctBytesReceived", [](const Row& row) { return row.share_received; }};
-constexpr RowText<Row> kProtocol{"Protocol", [](const Row& row) { return Text(row.protocol); }};
-constexpr RowText<Row> kShareOfProtocol{"PctBytesProtocol", [](const Row& row) { return Text(row.share_of_protocol); }};
+template <std::uint64_t ConversationEntry::*count>
+bool Count(const Row& row, std::string_view name, XmlWriter element) {
+  AddNumber(element, name, row.entry.*count);
+  return true;
+}
 
-constexpr RowText<Row> kFlat[] = {kBytes,       kPackets,       kSource,   kShareSent,
-                                  kDestination, kShareReceived, kProtocol, kShareOfProtocol};
-constexpr RowText<Row> kGrouped[] = {kBytes,         kPackets,  kShareSent,      kDestination,
-                                     kShareReceived, kProtocol, kShareOfProtocol};
+template <std::u16string Row::*text>
+bool Address(const Row& row, std::string_view name, XmlWriter element) {
+  element.AddElement(name, row.*text);
+  return true;
+}
+
+template <const NodeEntry* Row::*node, std::uint64_t NodeEntry::*bytes>
+bool ShareOfNode(const Row& row, std::string_view name, XmlWriter element) {
+  if (!(row.*node)) return false;
+  AddRatio(name, row.entry.bytes, row.*node->*bytes, element);
+  return true;
+}
+
+bool ShareOfProtocol(const Row& row, std::string_view name, XmlWriter element) {
+  AddRatio(name, row.entry.bytes, row.protocol_bytes, element);
+  return true;
+}
+
+constexpr Column kBytes{"Bytes", Count<&ConversationEntry::bytes>};
+constexpr Column kPackets{"Packets", Count<&ConversationEntry::packets>};
+constexpr Column kSource{"SourceAddress", Address<&Row::source>};
+constexpr Column kShareSent{"PctBytesSent", ShareOfNode<&Row::source_node, &NodeEntry::bytes_sent>};
+constexpr Column kDestination{"DestinationAddress", Address<&Row::destination>};
+constexpr Column kShareReceived{"PctBytesReceived", ShareOfNode<&Row::destination_node, &NodeEntry::bytes_received>};
+constexpr Column kProtocol{"Protocol", Address<&Row::protocol>};
+constexpr Column kShareOfProtocol{"PctBytesProtocol", ShareOfProtocol};
+
+constexpr Column kFlat[] = {kBytes,       kPackets,       kSource,   kShareSent,
+                            kDestination, kShareReceived, kProtocol, kShareOfProtocol};
+constexpr Column kGrouped[] = {kBytes, kPackets, kShareSent, kDestination, kShareReceived, kProtocol, kShareOfProtocol};
 
 /// The switches of the two reports of conversations ask for the document by a bit that they have in common; without
 /// one, its own switch counts.
@@ -78,66 +101,64 @@ std::u16string TextOfAddress(XmlReport& report, const Tables& tables, std::uint3
   return AddressText(report, record);
 }
 
-Text ShareOfNode(const Tables& tables, std::uint64_t bytes, std::uint32_t address,
-                 std::uint64_t NodeEntry::*direction) {
+const NodeEntry* NodeOf(const Tables& tables, std::uint32_t address) {
   const NodeEntry* node = nullptr;
   Check(tables.nodes->FindByAddress(address, &node));
-  if (!node) return {};
-  return RatioText(bytes, node->*direction);
+  return node;
 }
 
-std::u16string ShareOfProtocol(const Tables& tables, std::uint64_t bytes, std::uint32_t key) {
+std::uint64_t BytesOfProtocol(const Tables& tables, std::uint32_t key) {
   const ProtocolEntry* protocol = nullptr;
   Check(tables.protocols->FindByKey(key, &protocol));
-  return RatioText(bytes, protocol ? protocol->bytes : 0);
+  return protocol ? protocol->bytes : 0;
 }
 
-/// The row of a conversation; nothing when its source is not of that type.
-std::optional<Row> MakeRow(XmlReport& report, const Tables& tables, const ConversationEntry& entry, std::uint8_t type) {
-  ConversationEndpoints ends;
-  Check(tables.index->Resolve(entry.key, &ends));
-  if (ends.source == kNoAddress) return {};
-  const AddressRecord* source = nullptr;
-  Check(tables.addresses->GetRecord(ends.source, &source));
-  if (!source || source->type != type) return {};
-  return Row{.entry = entry,
-             .source = AddressText(report, source),
-             .destination = TextOfAddress(report, tables, ends.destination),
-             .protocol = TextOfAddress(report, tables, ends.protocol),
-             .share_sent = ShareOfNode(tables, entry.bytes, ends.source, &NodeEntry::bytes_sent),
-             .share_received = ShareOfNode(tables, entry.bytes, ends.destination, &NodeEntry::bytes_received),
-             .share_of_protocol = ShareOfProtocol(tables, entry.bytes, ends.protocol)};
-}
-
-/// Calls visit(row) for every conversation whose source is of that type.
+/// Calls visit(entry, ends, source) for every conversation whose source is of that type.
 template <class Visit>
-void ForEachRow(XmlReport& report, const Tables& tables, std::uint8_t type, Visit&& visit) {
+void ForEachConversation(const Tables& tables, std::uint8_t type, Visit&& visit) {
   std::uint64_t key = 0;
   for (Status status = Check(tables.index->FirstOfType(type, &key)); status == S_OK;
        status = Check(tables.index->NextOfType(key, &key))) {
     const ConversationEntry* entry = nullptr;
     Check(tables.conversations->FindByKey(key, &entry));
     if (!entry) continue;
-    if (const std::optional<Row> row = MakeRow(report, tables, *entry, type)) visit(*row);
+    ConversationEndpoints ends;
+    Check(tables.index->Resolve(entry->key, &ends));
+    if (ends.source == kNoAddress) continue;
+    const AddressRecord* source = nullptr;
+    Check(tables.addresses->GetRecord(ends.source, &source));
+    if (source && source->type == type) visit(*entry, ends, *source);
   }
 }
 
-/// Adds the conversations of one type; gives their number.
-std::uint64_t WriteType(XmlReport& report, const Tables& tables, std::uint8_t type, bool is_grouped,
-                        XmlElement element) {
+std::uint64_t CountRows(const XmlReport& report, const Tables& tables) {
   std::uint64_t rows = 0;
-  RowGroups groups(element, "SourceAddress", "Name");
-  ForEachRow(report, tables, type, [&](const Row& row) {
-    ++rows;
-    if (!is_grouped) return AddTexts<Row>(kFlat, row, element.AddElement("ConversationStat"));
-    RowGroups::Group& group = groups.Of(row.source);
-    group.bytes += row.entry.bytes;
-    AddAllTexts<Row>(kGrouped, row, group.element.AddElement("ConversationStat"));
-  });
-  for (const RowGroups::Group& group : groups.all()) {
-    XmlElement(group.element).AddElement("TotalPctBytesSent", RatioText(group.bytes, tables.total_bytes));
+  for (const XmlNodeFamily& family : kXmlNodeFamilies) {
+    if (report.IsOn(family.gate)) ForEachConversation(tables, family.type, [&](const auto&...) { ++rows; });
   }
   return rows;
+}
+
+/// Adds the conversations of one type.
+void WriteType(XmlReport& report, const Tables& tables, std::uint8_t type, bool is_grouped, XmlWriter element) {
+  RowGroups groups(element, "SourceAddress", "Name");
+  ForEachConversation(
+      tables, type,
+      [&](const ConversationEntry& entry, const ConversationEndpoints& ends, const AddressRecord& source) {
+        const Row row{.entry = entry,
+                      .source = AddressText(report, &source),
+                      .destination = TextOfAddress(report, tables, ends.destination),
+                      .protocol = TextOfAddress(report, tables, ends.protocol),
+                      .source_node = NodeOf(tables, ends.source),
+                      .destination_node = NodeOf(tables, ends.destination),
+                      .protocol_bytes = BytesOfProtocol(tables, ends.protocol)};
+        if (!is_grouped) return AddValues<Row>(kFlat, row, element.AddElement("ConversationStat"));
+        RowGroups::Group& group = groups.Of(row.source);
+        group.bytes += entry.bytes;
+        AddAllValues<Row>(kGrouped, row, group.element.AddElement("ConversationStat"));
+      });
+  groups.Finish(
+      [&](RowGroups::Group& group) { AddRatio("TotalPctBytesSent", group.bytes, tables.total_bytes, group.element); });
 }
 
 bool WriteDocument(XmlReport& report) {
@@ -149,18 +170,19 @@ bool WriteDocument(XmlReport& report) {
   Check(tables.conversations->GetCount(&count));
   const bool is_grouped = count <= kMostGrouped;
 
-  XmlTree document;
-  XmlElement root = document.AddRoot("ConversationStatistics");
+  XmlFile document(report.job.folder + std::u16string(kFile));
+  const XmlWriter root = document.Add("ConversationStatistics");
   root.SetAttribute("Version", is_grouped ? u"1.0" : u"1.1");
-  XmlElement summary = AddSummary(report, root, *report.job.live);
+  const XmlWriter summary = AddSummary(report, root, *report.job.live);
   Check(tables.nodes->GetCount(&count));
   AddNumber(summary, "NodeCount", count);
-  std::uint64_t rows = 0;
-  ForEachFamily(report, root.AddElement("Stats"), [&](const XmlNodeFamily& family, XmlElement type) {
-    rows += WriteType(report, tables, family.type, is_grouped, type);
-  });
+  const std::uint64_t rows = CountRows(report, tables);
   AddNumber(summary, "ConvoCount", rows);
-  SaveDocument(report, kFile, document, rows);
+  ForEachFamily(report, root.AddElement("Stats"), [&](const XmlNodeFamily& family, XmlWriter type) {
+    WriteType(report, tables, family.type, is_grouped, type);
+  });
+  document.Commit();
+  ReportSaved(report, kFile, rows);
   return nodes_status == S_OK;
 }
 

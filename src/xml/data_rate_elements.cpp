@@ -6,8 +6,8 @@
 namespace orvo {
 namespace {
 
-void AddRate(std::uint32_t rate, RateTitleKind kind, std::uint64_t value, XmlElement row) {
-  XmlElement element = row.AddElement("DataRate");
+void AddRate(std::uint32_t rate, RateTitleKind kind, std::uint64_t value, XmlWriter row) {
+  const XmlWriter element = row.AddElement("DataRate");
   element.SetAttribute("Name", ReportUtil::RateTitle(rate, kind));
   element.SetAttribute("Value", NumberText(value));
 }
@@ -25,7 +25,7 @@ DataRateElements::DataRateElements(const XmlReport& report, IStatsContext& stati
   rates_.emplace(ReportUtil::DataRateList(medium_type, medium_subtype));
 }
 
-void DataRateElements::AddTo(std::span<const WirelessRate> records, XmlElement row) {
+void DataRateElements::AddTo(std::span<const WirelessRate> records, XmlWriter row) {
   if (!rates_) return;
   std::int32_t index = 0;
   for (const FrameCount& traffic : rates_->Match(records)) {

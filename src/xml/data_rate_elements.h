@@ -18,7 +18,7 @@ class DataRateElements {
 
   /// False when no rates are asked for, so that nobody need read them.
   bool is_on() const { return rates_.has_value(); }
-  void AddTo(std::span<const WirelessRate> records, XmlElement row);
+  void AddTo(std::span<const WirelessRate> records, XmlWriter row);
 
  private:
   std::optional<DataRates> rates_;

@@ -81,12 +81,12 @@ std::vector<TableColumn> MediaColumns(AnalysisTable& table) {
 }
 
 /// Adds every row of a table, cell by cell; gives their number.
-std::uint64_t CopyTable(AnalysisTable& table, std::span<const TableColumn> columns, XmlElement parent) {
+std::uint64_t CopyTable(AnalysisTable& table, std::span<const TableColumn> columns, XmlWriter parent) {
   const std::uint32_t row_count = table.RowCount();
   for (std::uint32_t row = 0; row < row_count; ++row) {
-    XmlElement stats = parent.AddElement("Stats");
+    const XmlWriter stats = parent.AddElement("Stats");
     for (const TableColumn& column : columns) {
-      XmlElement cell = stats.AddElement(column.element);
+      const XmlWriter cell = stats.AddElement(column.element);
       cell.SetAttribute("Name", column.title);
       std::u16string& text = table.Cell(row, column.number);
       if (column.drops_commas) std::erase(text, u',');
@@ -97,17 +97,18 @@ std::uint64_t CopyTable(AnalysisTable& table, std::span<const TableColumn> colum
 }
 
 /// Fills an element from a table; gives the number of rows.
-std::uint64_t FillFrom(XmlReport& report, ITableProvider& tables, TableKind kind, XmlElement element) {
+std::uint64_t FillFrom(XmlReport& report, ITableProvider& tables, TableKind kind, XmlWriter element) {
   element.SetAttribute("TimeSaved", TimeSaved(report));
   AnalysisTable table(tables, kind);
   return CopyTable(table, AllColumns(table), element);
 }
 
 void WriteEventLog(XmlReport& report, ITableProvider& tables) {
-  XmlTree document;
-  const std::uint64_t rows = FillFrom(report, tables, kTableEventLog, document.AddRoot("ExpertLog"));
+  XmlFile document(report.job.folder + std::u16string(kLogFile));
+  const std::uint64_t rows = FillFrom(report, tables, kTableEventLog, document.Add("ExpertLog"));
   report.memory.written.event_log = true;
-  SaveDocument(report, kLogFile, document, rows);
+  document.Commit();
+  ReportSaved(report, kLogFile, rows);
 }
 
 bool WriteExpert(XmlReport& report, std::u16string_view* file) {
@@ -146,7 +147,7 @@ bool WriteMedia(XmlReport& report) {
   if (!tables) return false;
   IndexEntry entry(report, "VoIPStatistics", u"1.1");
   AnalysisTable table(*tables, kTableMedia);
-  XmlElement media = entry.element().AddElement("VoIPMediaStatistics");
+  const XmlWriter media = entry.element().AddElement("VoIPMediaStatistics");
   media.SetAttribute("TimeSaved", TimeSaved(report));
   const std::uint64_t rows = CopyTable(table, MediaColumns(table), media);
   if (rows == 0) return false;

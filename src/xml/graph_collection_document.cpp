@@ -5,7 +5,9 @@
 #include "graphs/chart_builder.h"
 #include "platform/error.h"
 #include "platform/utf.h"
+#include "platform/xml_tree.h"
 #include "prefs/switch_ids.h"
+#include "statistics/graph_file_name.h"
 #include "xml/graph_documents.h"
 #include "xml/picture_folder.h"
 #include "xml/report_document.h"
@@ -21,8 +23,6 @@ constexpr std::uint32_t kMostPoints = 300;
 constexpr std::uint32_t kPointsPerName = 20;
 constexpr std::uint64_t kShortestSpan = 3600;  // seconds
 constexpr std::uint64_t kNanosecondsPerSecond = 1'000'000'000;
-/// A name of a file has at most 255 bytes in UTF-8; the number and the extension take the rest.
-constexpr std::size_t kLongestName = 230;
 
 /// Which samples of a graph are shown, and in how many points.
 struct Span {
@@ -121,13 +121,6 @@ class GraphElements {
   std::unordered_map<std::u16string, XmlElement> by_name_;
 };
 
-/// Whether a character can stand in the name of a file and in the documents that lead to it.
-bool IsPlain(const CodePoint& one) {
-  constexpr std::u16string_view kForbidden = u"/:\\";
-  return one.valid && one.value >= 0x20 && one.value != 0x7F && one.value != 0xFFFE && one.value != 0xFFFF &&
-         (one.value > 0x7F || kForbidden.find(static_cast<char16_t>(one.value)) == kForbidden.npos);
-}
-
 bool WriteCollection(XmlReport& report) {
   const SwitchReading wanted = ReadSwitch(report, kSwitchOutputGraphs);
   if (wanted.value == 0) return false;
@@ -166,22 +159,7 @@ bool WriteCollection(XmlReport& report) {
 }  // namespace
 
 std::u16string PictureName(std::u16string_view graph, std::uint32_t number) {
-  std::u16string name;
-  std::size_t bytes = 0;
-  for (std::size_t at = 0; at < graph.size();) {
-    const CodePoint one = NextCodePoint(graph, at);
-    bytes += one.value < 0x80 ? 1 : one.value < 0x800 ? 2 : one.length == 1 ? 3 : 4;
-    if (bytes > kLongestName) break;
-    if (one.value == ' ') {
-      name += u'_';
-    } else if (IsPlain(one)) {
-      name += graph.substr(at, one.length);
-    } else {
-      name += u'-';
-    }
-    at += one.length;
-  }
-  return name + u"_" + NumberText(number) + u".png";
+  return GraphFileName(graph) + u"_" + NumberText(number) + u".png";
 }
 
 bool WriteGraphCollection(XmlReport& report) {

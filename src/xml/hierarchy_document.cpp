@@ -19,30 +19,42 @@ struct HierarchyRow {
 };
 
 using Row = HierarchyRow;
-using Text = std::optional<std::u16string>;
+using Column = RowColumn<Row>;
 
-constexpr RowText<Row> kPhysical{"PhysicalAddress", [](const Row& row) { return Text(row.physical); }};
-constexpr RowText<Row> kLogical{"LogicalAddress", [](const Row& row) { return Text(row.logical); }};
-constexpr RowText<Row> kPackets{
-    "Packets", [](const Row& row) { return Text(NumberText(row.entry.packets_sent + row.entry.packets_received)); }};
-constexpr RowText<Row> kBytes{
-    "Bytes", [](const Row& row) { return Text(NumberText(row.entry.bytes_sent + row.entry.bytes_received)); }};
-constexpr RowText<Row> kPacketsReceived{"PacketsReceived",
-                                        [](const Row& row) { return Text(NumberText(row.entry.packets_received)); }};
-constexpr RowText<Row> kBytesReceived{"BytesReceived",
-                                      [](const Row& row) { return Text(NumberText(row.entry.bytes_received)); }};
-constexpr RowText<Row> kShareReceived{
-    "PctBytesReceived", [](const Row& row) { return Text(RatioText(row.entry.bytes_received, row.total_bytes)); }};
-constexpr RowText<Row> kPacketsSent{"PacketsSent",
-                                    [](const Row& row) { return Text(NumberText(row.entry.packets_sent)); }};
-constexpr RowText<Row> kBytesSent{"BytesSent", [](const Row& row) { return Text(NumberText(row.entry.bytes_sent)); }};
-constexpr RowText<Row> kShareSent{
-    "PctBytesSent", [](const Row& row) { return Text(RatioText(row.entry.bytes_sent, row.total_bytes)); }};
+template <std::u16string Row::*text>
+bool Address(const Row& row, std::string_view name, XmlWriter element) {
+  element.AddElement(name, row.*text);
+  return true;
+}
 
-constexpr RowText<Row> kFlat[] = {kPhysical,      kLogical,       kPackets,     kBytes,     kPacketsReceived,
-                                  kBytesReceived, kShareReceived, kPacketsSent, kBytesSent, kShareSent};
-constexpr RowText<Row> kGrouped[] = {kLogical,       kBytes,     kPackets,   kPacketsReceived, kBytesReceived,
-                                     kShareReceived, kShareSent, kBytesSent, kPacketsSent};
+template <std::uint64_t HierarchyEntry::*... counts>
+bool Sum(const Row& row, std::string_view name, XmlWriter element) {
+  AddNumber(element, name, ((row.entry.*counts) + ...));
+  return true;
+}
+
+template <std::uint64_t HierarchyEntry::*bytes>
+bool Share(const Row& row, std::string_view name, XmlWriter element) {
+  AddRatio(name, row.entry.*bytes, row.total_bytes, element);
+  return true;
+}
+
+using Entry = HierarchyEntry;
+constexpr Column kPhysical{"PhysicalAddress", Address<&Row::physical>};
+constexpr Column kLogical{"LogicalAddress", Address<&Row::logical>};
+constexpr Column kPackets{"Packets", Sum<&Entry::packets_sent, &Entry::packets_received>};
+constexpr Column kBytes{"Bytes", Sum<&Entry::bytes_sent, &Entry::bytes_received>};
+constexpr Column kPacketsReceived{"PacketsReceived", Sum<&Entry::packets_received>};
+constexpr Column kBytesReceived{"BytesReceived", Sum<&Entry::bytes_received>};
+constexpr Column kShareReceived{"PctBytesReceived", Share<&Entry::bytes_received>};
+constexpr Column kPacketsSent{"PacketsSent", Sum<&Entry::packets_sent>};
+constexpr Column kBytesSent{"BytesSent", Sum<&Entry::bytes_sent>};
+constexpr Column kShareSent{"PctBytesSent", Share<&Entry::bytes_sent>};
+
+constexpr Column kFlat[] = {kPhysical,      kLogical,       kPackets,     kBytes,     kPacketsReceived,
+                            kBytesReceived, kShareReceived, kPacketsSent, kBytesSent, kShareSent};
+constexpr Column kGrouped[] = {kLogical,       kBytes,     kPackets,   kPacketsReceived, kBytesReceived,
+                               kShareReceived, kShareSent, kBytesSent, kPacketsSent};
 
 std::u16string TextOfAddress(XmlReport& report, IAddressTable& addresses, std::uint32_t address) {
   const AddressRecord* record = nullptr;
@@ -52,7 +64,7 @@ std::u16string TextOfAddress(XmlReport& report, IAddressTable& addresses, std::u
 
 /// Adds a row for every logical address behind a physical one; gives their number.
 std::uint64_t WriteRows(XmlReport& report, IAddressTable& addresses, IHierarchyStats& hierarchy, std::uint32_t count,
-                        XmlElement stats) {
+                        XmlWriter stats) {
   std::uint64_t total_bytes = 0;
   Check(report.job.live->GetTotalBytes(&total_bytes));
   RowGroups groups(stats, "PhysicalAddress", "Address");
@@ -67,11 +79,12 @@ std::uint64_t WriteRows(XmlReport& report, IAddressTable& addresses, IHierarchyS
                   .total_bytes = total_bytes};
     ++rows;
     if (count > kMostGrouped) {
-      AddTexts<Row>(kFlat, row, stats.AddElement("NodeStat"));
+      AddValues<Row>(kFlat, row, stats.AddElement("NodeStat"));
     } else {
-      AddTexts<Row>(kGrouped, row, groups.Of(row.physical).element.AddElement("NodeStat"));
+      AddValues<Row>(kGrouped, row, groups.Of(row.physical).element.AddElement("NodeStat"));
     }
   }
+  groups.Finish([](RowGroups::Group&) {});
   return rows;
 }
 
@@ -83,12 +96,14 @@ void WriteDocument(XmlReport& report) {
   std::uint32_t count = 0;
   Check(hierarchy->GetCount(&count));
 
-  XmlTree document;
-  XmlElement root = document.AddRoot("HierarchicalNodeStatistics");
+  XmlFile document(report.job.folder + std::u16string(kFile));
+  const XmlWriter root = document.Add("HierarchicalNodeStatistics");
   root.SetAttribute("Version", count > kMostGrouped ? u"2.1" : u"2.0");
   AddSummary(report, root, *report.job.live);
   const std::uint64_t rows = WriteRows(report, *addresses, *hierarchy, count, root.AddElement("Stats"));
-  if (rows != 0) SaveDocument(report, kFile, document, rows);
+  if (rows == 0) return;
+  document.Commit();
+  ReportSaved(report, kFile, rows);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <span>
 
 #include "platform/error.h"
+#include "platform/xml_tree.h"
 #include "util/ascii.h"
 
 namespace orvo {

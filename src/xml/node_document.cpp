@@ -1,6 +1,7 @@
 #include "platform/error.h"
 #include "prefs/switch_ids.h"
 #include "statistics/node_values.h"
+#include "statistics/node_walk.h"
 #include "xml/category_documents.h"
 #include "xml/node_families.h"
 #include "xml/report_document.h"
@@ -59,22 +60,13 @@ constexpr XmlColumn<NodeRow> kColumns[] = {
 
 /// Moves the nodes of the report before, which a kept index still holds, into the history.
 void MoveToHistory(XmlReport& report) {
-  XmlElement old = report.index_root.FirstChild(kElement);
-  if (!old) return;
-  XmlTree document;
-  XmlElement history = OpenGrowingDocument(report, kHistoryFile, kElement, &document).AddElement("History");
-  for (const char* part : {"Summary", "Stats"}) history.AddCopy(old.FirstChild(part));
-  report.index_root.RemoveChild(old);
-  SaveDocument(report, kHistoryFile, document, 0);
+  const std::string_view old = report.index.Take(kElement);
+  if (old.empty()) return;
+  AddHistory(report, kHistoryFile, kElement, "History", [&](XmlWriter history) {
+    for (const char* part : {"Summary", "Stats"}) history.AddLines(XmlChildLines(old, part));
+    return std::optional<std::uint64_t>(0);
+  });
   report.memory.written.node_history = true;
-}
-
-/// The record of a node entry when it is one of that type, else null.
-const AddressRecord* RecordOfType(IAddressTable& addresses, const NodeEntry& node, std::uint8_t type) {
-  if (node.address == kNoAddress) return nullptr;
-  const AddressRecord* record = nullptr;
-  Check(addresses.GetRecord(node.address, &record));
-  return record && record->type == type ? record : nullptr;
 }
 
 bool WriteEntry(XmlReport& report) {
@@ -92,19 +84,13 @@ bool WriteEntry(XmlReport& report) {
 
   const XmlColumns<NodeRow> columns(report, kColumns);
   std::uint64_t rows = 0;
-  ForEachFamily(report, entry.element().AddElement("Stats"), [&](const XmlNodeFamily& family, XmlElement type) {
-    std::uint32_t index = kNoAddress;
-    Check(addresses->FirstOfType(family.type, &index));
-    for (; index != kNoAddress; Check(addresses->NextOfType(index, &index))) {
-      const NodeEntry* node = nullptr;
-      Check(nodes->FindByAddress(index, &node));
-      const AddressRecord* record = node ? RecordOfType(*addresses, *node, family.type) : nullptr;
-      if (!record) continue;
-      XmlElement row = type.AddElement("NodeStat");
-      row.AddElement("Addr", AddressText(report, record));
-      columns.AddTo(report, {.node = *node, .total_bytes = total_bytes}, row);
+  ForEachFamily(report, entry.element().AddElement("Stats"), [&](const XmlNodeFamily& family, XmlWriter type) {
+    ForEachNode(*addresses, *nodes, family.type, [&](const AddressRecord& record, const NodeEntry& node) {
+      const XmlWriter row = type.AddElement("NodeStat");
+      row.AddElement("Addr", AddressText(report, &record));
+      columns.AddTo(report, {.node = node, .total_bytes = total_bytes}, row);
       ++rows;
-    }
+    });
   });
   entry.Keep(rows);
   return true;

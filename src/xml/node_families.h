@@ -28,10 +28,10 @@ inline constexpr XmlNodeFamily kXmlNodeFamilies[] = {
 
 /// Calls visit(family, element) with a new "Type" element for every family that is switched on, rows or none.
 template <class Visit>
-void ForEachFamily(const XmlReport& report, XmlElement stats, Visit&& visit) {
+void ForEachFamily(const XmlReport& report, XmlWriter stats, Visit&& visit) {
   for (const XmlNodeFamily& family : kXmlNodeFamilies) {
     if (!report.IsOn(family.gate)) continue;
-    XmlElement type = stats.AddElement("Type");
+    const XmlWriter type = stats.AddElement("Type");
     type.SetAttribute("Name", TextOf(family.name));
     visit(family, type);
   }

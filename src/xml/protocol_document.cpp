@@ -63,7 +63,7 @@ std::u16string Indented(const ProtocolTexts& texts) {
 
 /// Fills an entry of the index or of the history; nothing when the statistics have no protocols.
 std::optional<std::uint64_t> FillEntry(XmlReport& report, IStatsContext& statistics, IAddressTable& addresses,
-                                       XmlElement entry) {
+                                       XmlWriter entry) {
   const ComPtr<IProtocolStats> protocols = Obtain(statistics, kProtocolCategory);
   if (!protocols) return {};
   std::uint32_t count = 0;
@@ -73,7 +73,7 @@ std::optional<std::uint64_t> FillEntry(XmlReport& report, IStatsContext& statist
   Check(statistics.GetTotalBytes(&total_bytes));
 
   const XmlColumns<ProtocolRow> columns(report, kColumns);
-  XmlElement stats = entry.AddElement("Stats");
+  const XmlWriter stats = entry.AddElement("Stats");
   std::uint64_t rows = 0;
   for (std::uint32_t index = 0; index < count; ++index) {
     const ProtocolEntry* protocol = nullptr;
@@ -82,7 +82,7 @@ std::optional<std::uint64_t> FillEntry(XmlReport& report, IStatsContext& statist
     if (Failed(addresses.GetRecord(protocol->key, &record)) || !record) continue;
     const std::optional<ProtocolTexts> texts = TextsOf(report, *record);
     if (!texts) continue;
-    XmlElement row = stats.AddElement("ProtoStat");
+    const XmlWriter row = stats.AddElement("ProtoStat");
     row.SetAttribute("Protocol", Indented(*texts));
     row.AddElement("Name", texts->name);
     row.AddElement("Path", texts->path);
@@ -107,7 +107,7 @@ bool WriteProtocolDocument(XmlReport& report) {
     if (report.memory.extends_history()) {
       file = kHistoryFile;
       AddHistory(report, kHistoryFile, kElement, "History",
-                 [&](XmlElement history) { return FillEntry(report, *report.job.statistics, *addresses, history); });
+                 [&](XmlWriter history) { return FillEntry(report, *report.job.statistics, *addresses, history); });
     }
     return true;
   });

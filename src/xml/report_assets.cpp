@@ -37,18 +37,6 @@ constexpr AssetFile kFullFiles[] = {{u"ConversationStats.xsl"},
                                     {u"WLANStatsHistory.xsl"},
                                     {u"StatsReport.css"}};
 
-constexpr std::u16string_view kFullImages[] = {
-    u"application_stats.gif", u"blue_spacer.gif", u"BlueBar.gif",      u"channels.gif",
-    u"details.gif",           u"event_log.gif",   u"expert_off.gif",   u"expert_on.gif",
-    u"flow_stats.gif",        u"graphs.gif",      u"GreenBar.gif",     u"hierarchy.gif",
-    u"history.gif",           u"Info.gif",        u"LeftArrow.gif",    u"logo.gif",
-    u"main_off.gif",          u"main_on.gif",     u"media.gif",        u"minor.gif",
-    u"nodes_off.gif",         u"nodes_on.gif",    u"overview.gif",     u"protocols_off.gif",
-    u"protocols_on.gif",      u"PurpleBar.gif",   u"RedBar.gif",       u"RightArrow.gif",
-    u"snapshots.gif",         u"Stop.gif",        u"summary.gif",      u"VoIP_on.gif",
-    u"VoIP_off.gif",          u"Warning.gif",     u"white_spacer.gif", u"wireless_off.gif",
-    u"wireless_on.gif"};
-
 constexpr AssetFile kAdditionalNodeFiles[] = {{u"AdditionalNode_Conversation.xsl", u"ConversationStats.xsl"},
                                               {u"AdditionalNode_Conversation2.xsl", u"ConversationStats2.xsl"},
                                               {u"Conversations.htm"},
@@ -63,32 +51,6 @@ constexpr AssetFile kAdditionalNodeFiles[] = {{u"AdditionalNode_Conversation.xsl
                                               {u"Report.htm"},
                                               {u"StatsReport.css"}};
 
-constexpr std::u16string_view kAdditionalNodeImages[] = {u"blue_spacer.gif",
-                                                         u"BlueBar.gif",
-                                                         u"conversations_off.gif",
-                                                         u"conversations_on.gif",
-                                                         u"expert_off.gif",
-                                                         u"expert_on.gif",
-                                                         u"GreenBar.gif",
-                                                         u"history.gif",
-                                                         u"Info.gif",
-                                                         u"LeftArrow.gif",
-                                                         u"logo.gif",
-                                                         u"main_off.gif",
-                                                         u"main_on.gif",
-                                                         u"minor.gif",
-                                                         u"nodes_off.gif",
-                                                         u"nodes_on.gif",
-                                                         u"overview.gif",
-                                                         u"PurpleBar.gif",
-                                                         u"RedBar.gif",
-                                                         u"RightArrow.gif",
-                                                         u"snapshots.gif",
-                                                         u"Stop.gif",
-                                                         u"summary.gif",
-                                                         u"Warning.gif",
-                                                         u"white_spacer.gif"};
-
 constexpr AssetFile kExpertSummaryFiles[] = {{u"AdditionalNode_Conversation.xsl", u"ConversationStats.xsl"},
                                              {u"Expert.htm"},
                                              {u"AdditionalNode_Expert.xsl", u"ExpertFlowStats.xsl"},
@@ -99,31 +61,6 @@ constexpr AssetFile kExpertSummaryFiles[] = {{u"AdditionalNode_Conversation.xsl"
                                              {u"AdditionalExpert_Counts.xsl", u"ExpertCounts.xsl"},
                                              {u"Report.htm"},
                                              {u"StatsReport.css"}};
-
-constexpr std::u16string_view kExpertSummaryImages[] = {u"application_stats.gif",
-                                                        u"blue_spacer.gif",
-                                                        u"BlueBar.gif",
-                                                        u"expert_off.gif",
-                                                        u"expert_on.gif",
-                                                        u"flow_stats.gif",
-                                                        u"GreenBar.gif",
-                                                        u"history.gif",
-                                                        u"graphs.gif",
-                                                        u"Info.gif",
-                                                        u"LeftArrow.gif",
-                                                        u"logo.gif",
-                                                        u"main_off.gif",
-                                                        u"main_on.gif",
-                                                        u"minor.gif",
-                                                        u"overview.gif",
-                                                        u"PurpleBar.gif",
-                                                        u"RedBar.gif",
-                                                        u"RightArrow.gif",
-                                                        u"snapshots.gif",
-                                                        u"Stop.gif",
-                                                        u"summary.gif",
-                                                        u"Warning.gif",
-                                                        u"white_spacer.gif"};
 
 constexpr AssetFile kExecutiveSummaryFiles[] = {{u"AdditionalNode_Conversation.xsl", u"ConversationStats.xsl"},
                                                 {u"AdditionalNode_Conversation2.xsl", u"ConversationStats2.xsl"},
@@ -145,70 +82,39 @@ constexpr AssetFile kExecutiveSummaryFiles[] = {{u"AdditionalNode_Conversation.x
                                                 {u"Wireless.htm"},
                                                 {u"StatsReport.css"}};
 
-constexpr std::u16string_view kExecutiveSummaryImages[] = {u"blue_spacer.gif",
-                                                           u"BlueBar.gif",
-                                                           u"conversations_off.gif",
-                                                           u"conversations_on.gif",
-                                                           u"application_stats.gif",
-                                                           u"channels.gif",
-                                                           u"details.gif",
-                                                           u"event_log.gif",
-                                                           u"expert_off.gif",
-                                                           u"expert_on.gif",
-                                                           u"flow_stats.gif",
-                                                           u"graphs.gif",
-                                                           u"GreenBar.gif",
-                                                           u"hierarchy.gif",
-                                                           u"history.gif",
-                                                           u"Info.gif",
-                                                           u"LeftArrow.gif",
-                                                           u"logo.gif",
-                                                           u"main_off.gif",
-                                                           u"main_on.gif",
-                                                           u"minor.gif",
-                                                           u"nodes_off.gif",
-                                                           u"nodes_on.gif",
-                                                           u"overview.gif",
-                                                           u"protocols_off.gif",
-                                                           u"protocols_on.gif",
-                                                           u"PurpleBar.gif",
-                                                           u"RedBar.gif",
-                                                           u"RightArrow.gif",
-                                                           u"snapshots.gif",
-                                                           u"Stop.gif",
-                                                           u"summary.gif",
-                                                           u"Warning.gif",
-                                                           u"white_spacer.gif",
-                                                           u"wireless_off.gif",
-                                                           u"wireless_on.gif"};
-
 constexpr AssetFile kConversationsOnlyFiles[] = {
     {u"ConversationStats.xsl"}, {u"ConversationStats2.xsl"}, {u"Conversations.htm"}, {u"Main.xsl"},
     {u"MainHistory.xsl"},       {u"MainSnapshots.xsl"},      {u"Report.htm"},        {u"StatsReport.css"}};
 
-constexpr std::u16string_view kConversationsOnlyImages[] = {u"blue_spacer.gif",
-                                                            u"BlueBar.gif",
-                                                            u"conversations_off.gif",
-                                                            u"conversations_on.gif",
-                                                            u"GreenBar.gif",
-                                                            u"history.gif",
-                                                            u"Info.gif",
-                                                            u"LeftArrow.gif",
-                                                            u"logo.gif",
-                                                            u"main_off.gif",
-                                                            u"main_on.gif",
-                                                            u"minor.gif",
-                                                            u"overview.gif",
-                                                            u"PurpleBar.gif",
-                                                            u"RedBar.gif",
-                                                            u"RightArrow.gif",
-                                                            u"snapshots.gif",
-                                                            u"Stop.gif",
-                                                            u"summary.gif",
-                                                            u"Warning.gif",
-                                                            u"white_spacer.gif",
-                                                            u"wireless_off.gif",
-                                                            u"wireless_on.gif"};
+/// Images of every kind of report.
+constexpr std::u16string_view kCommon[] = {u"blue_spacer.gif", u"BlueBar.gif",    u"GreenBar.gif",    u"history.gif",
+                                           u"Info.gif",        u"LeftArrow.gif",  u"logo.gif",        u"main_off.gif",
+                                           u"main_on.gif",     u"minor.gif",      u"overview.gif",    u"PurpleBar.gif",
+                                           u"RedBar.gif",      u"RightArrow.gif", u"snapshots.gif",   u"Stop.gif",
+                                           u"summary.gif",     u"Warning.gif",    u"white_spacer.gif"};
+
+constexpr std::u16string_view kFullImages[] = {
+    u"application_stats.gif", u"channels.gif",     u"details.gif",       u"event_log.gif",    u"expert_off.gif",
+    u"expert_on.gif",         u"flow_stats.gif",   u"graphs.gif",        u"hierarchy.gif",    u"media.gif",
+    u"nodes_off.gif",         u"nodes_on.gif",     u"protocols_off.gif", u"protocols_on.gif", u"VoIP_on.gif",
+    u"VoIP_off.gif",          u"wireless_off.gif", u"wireless_on.gif"};
+
+constexpr std::u16string_view kAdditionalNodeImages[] = {u"conversations_off.gif", u"conversations_on.gif",
+                                                         u"expert_off.gif",        u"expert_on.gif",
+                                                         u"nodes_off.gif",         u"nodes_on.gif"};
+
+constexpr std::u16string_view kExpertSummaryImages[] = {u"application_stats.gif", u"expert_off.gif", u"expert_on.gif",
+                                                        u"flow_stats.gif", u"graphs.gif"};
+
+constexpr std::u16string_view kExecutiveSummaryImages[] = {
+    u"conversations_off.gif", u"conversations_on.gif", u"application_stats.gif", u"channels.gif",
+    u"details.gif",           u"event_log.gif",        u"expert_off.gif",        u"expert_on.gif",
+    u"flow_stats.gif",        u"graphs.gif",           u"hierarchy.gif",         u"nodes_off.gif",
+    u"nodes_on.gif",          u"protocols_off.gif",    u"protocols_on.gif",      u"wireless_off.gif",
+    u"wireless_on.gif"};
+
+constexpr std::u16string_view kConversationsOnlyImages[] = {u"conversations_off.gif", u"conversations_on.gif",
+                                                            u"wireless_off.gif", u"wireless_on.gif"};
 
 /// Copies one file over what has its name. A template that is missing is left out.
 void Copy(const std::u16string& source, const std::u16string& target) {
@@ -217,6 +123,7 @@ void Copy(const std::u16string& source, const std::u16string& target) {
 
 }  // namespace
 
+constexpr std::span<const std::u16string_view> kCommonImages{kCommon};
 constexpr ReportAssets kFullAssets{kFullFiles, kFullImages};
 constexpr ReportAssets kAdditionalNodeAssets{kAdditionalNodeFiles, kAdditionalNodeImages};
 constexpr ReportAssets kExpertSummaryAssets{kExpertSummaryFiles, kExpertSummaryImages};
@@ -231,8 +138,10 @@ void CopyAssets(const XmlReport& report, const ReportAssets& assets) {
   }
   const std::u16string images = PathBelow(report, u"Images\\");
   MakeFolders(images);  // one that is not there fails the copies
-  for (std::u16string_view image : assets.images) {
-    Copy(source + std::u16string(kImages) + std::u16string(image), images + std::u16string(image));
+  for (const std::span<const std::u16string_view>& list : {kCommonImages, assets.images}) {
+    for (std::u16string_view image : list) {
+      Copy(source + std::u16string(kImages) + std::u16string(image), images + std::u16string(image));
+    }
   }
 }
 

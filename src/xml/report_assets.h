@@ -13,7 +13,10 @@ struct AssetFile {
   std::u16string_view target = {};
 };
 
-/// What presents a kind of report in a browser.
+/// The images of every kind of report.
+extern const std::span<const std::u16string_view> kCommonImages;
+
+/// What presents a kind of report in a browser, besides the common images.
 struct ReportAssets {
   std::span<const AssetFile> files;
   std::span<const std::u16string_view> images;

@@ -2,6 +2,7 @@
 #include "prefs/switch_ids.h"
 #include "xml/graph_documents.h"
 #include "xml/picture_folder.h"
+#include "xml/report_document.h"
 
 namespace orvo {
 namespace {
@@ -46,12 +47,18 @@ constexpr Picture kPictures[] = {
 bool WriteReportGraphs(XmlReport& report) {
   return Contain(report, kIndexFile, [&] {
     if (!report.IsOn(kSwitchOutputGraphs)) return false;
-    report.index_root.RemoveChild(report.index_root.FirstChild("Graphs"));
-    XmlElement graphs = report.index_root.AddElement("Graphs");
-    for (const Picture& picture : kPictures) {
-      if (Check(picture.draw(report, picture)) == S_FALSE) continue;
-      graphs.AddElement(picture.element).SetAttribute("src", PictureSource(picture.file));
-    }
+    report.index.Take("Graphs");
+    XmlStream stream(kPartDepth);
+    const XmlWriter graphs = stream.Add("Graphs");
+    const Status status = Guard([&] {
+      for (const Picture& picture : kPictures) {
+        if (Check(picture.draw(report, picture)) == S_FALSE) continue;
+        graphs.AddElement(picture.element).SetAttribute("src", PictureSource(picture.file));
+      }
+    });
+    // The pictures before one that could not be drawn are there.
+    report.index.Add(stream.Finish(), 0);
+    Check(status);
     return true;
   });
 }

@@ -1,15 +1,14 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
+#include <deque>
 #include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <vector>
 
 #include "platform/error.h"
-#include "platform/xml_tree.h"
+#include "platform/xml_writer.h"
 
 namespace orvo {
 
@@ -17,56 +16,64 @@ namespace orvo {
 class RowGroups {
  public:
   struct Group {
-    XmlElement element;
+    explicit Group(std::size_t depth) : stream(depth) {}
+
+    XmlStream stream;
+    XmlWriter element{};
     std::uint64_t bytes = 0;  ///< for its user to add up
   };
 
   /// Groups become children of `parent`, their text an attribute.
-  RowGroups(XmlElement parent, std::string_view element, std::string_view attribute)
+  RowGroups(XmlWriter parent, std::string_view element, std::string_view attribute)
       : parent_(parent), element_(element), attribute_(attribute) {}
 
-  /// The group of a text, made when it is the first of it; valid until the next one is asked for.
+  /// The group of a text, made when it is the first of it.
   Group& Of(const std::u16string& text) {
     auto [place, is_new] = places_.try_emplace(text, groups_.size());
     if (is_new) {
-      groups_.push_back({.element = parent_.AddElement(element_)});
-      groups_.back().element.SetAttribute(attribute_, text);
+      Group& group = groups_.emplace_back(parent_.depth());
+      group.element = group.stream.Add(element_);
+      group.element.SetAttribute(attribute_, text);
     }
     return groups_[place->second];
   }
 
-  const std::vector<Group>& all() const { return groups_; }
+  /// Adds the groups to the parent, each once `end` has been called with it.
+  template <class End>
+  void Finish(End&& end) {
+    for (Group& group : groups_) {
+      end(group);
+      parent_.AddLines(group.stream.Finish());
+    }
+    groups_.clear();
+  }
 
  private:
-  XmlElement parent_;
+  XmlWriter parent_;
   std::string_view element_;
   std::string_view attribute_;
-  std::vector<Group> groups_;
+  std::deque<Group> groups_;
   std::unordered_map<std::u16string, std::size_t> places_;
 };
 
-/// One child element of a row that is copied from the flat into the grouped form.
+/// One child element of a row that has a flat and a grouped form. `add` answers false when the row lacks the value.
 template <class Row>
-struct RowText {
+struct RowColumn {
   std::string_view name;
-  std::optional<std::u16string> (*text)(const Row& row);
+  bool (*add)(const Row& row, std::string_view name, XmlWriter element);
 };
 
-/// Adds the texts that a row has.
+/// Adds the values that a row has.
 template <class Row>
-void AddTexts(std::span<const RowText<Row>> columns, const Row& values, XmlElement row) {
-  for (const RowText<Row>& column : columns) {
-    if (const std::optional<std::u16string> text = column.text(values)) row.AddElement(column.name, *text);
-  }
+void AddValues(std::span<const RowColumn<Row>> columns, const Row& values, XmlWriter row) {
+  for (const RowColumn<Row>& column : columns) column.add(values, column.name, row);
 }
 
-/// Adds all texts of a row; raises E_FAIL for one that it lacks, since a grouped row must be complete.
+/// Adds all values of a row; raises E_FAIL for one that it lacks, since a grouped row must be complete.
 template <class Row>
-void AddAllTexts(std::span<const RowText<Row>> columns, const Row& values, XmlElement row) {
-  for (const RowText<Row>& column : columns) {
-    const std::optional<std::u16string> text = column.text(values);
-    if (!text) Raise(E_FAIL);
-    row.AddElement(column.name, *text);
+void AddAllValues(std::span<const RowColumn<Row>> columns, const Row& values, XmlWriter row) {
+  for (const RowColumn<Row>& column : columns) {
+    if (!column.add(values, column.name, row)) Raise(E_FAIL);
   }
 }
 

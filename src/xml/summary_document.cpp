@@ -1,10 +1,10 @@
-#include <bit>
 #include <optional>
 #include <span>
 
 #include "platform/error.h"
 #include "prefs/switch_ids.h"
 #include "statistics/statistic_map.h"
+#include "statistics/summary_figures.h"
 #include "statistics/summary_reader.h"
 #include "util/date_time.h"
 #include "util/duration.h"
@@ -22,9 +22,7 @@ constexpr std::string_view kElement = "SummaryStatistics";
 
 /// One statistic as its row needs it.
 struct SummaryRow {
-  std::optional<std::uint64_t> packets{};
-  std::optional<std::uint64_t> bytes{};
-  std::u16string text{};  ///< of what is no count of packets or bytes
+  SummaryFigures figures;
   const ReferenceTotals& totals;
 };
 
@@ -36,35 +34,42 @@ struct SummaryColumn {
   std::u16string (*text)(XmlReport& report, const SummaryRow& row);
 };
 
-using Count = std::optional<std::uint64_t> SummaryRow::*;
+using Count = std::optional<std::uint64_t> SummaryFigures::*;
 
 template <Count count>
 std::u16string Plain(XmlReport& /*report*/, const SummaryRow& row) {
-  return row.*count ? NumberText(*(row.*count)) : std::u16string();
+  const std::optional<std::uint64_t>& figure = row.figures.*count;
+  return figure ? NumberText(*figure) : std::u16string();
 }
 
 template <Count count, std::uint64_t ReferenceTotals::*whole>
 std::u16string Percent(XmlReport& report, const SummaryRow& row) {
-  if (!(row.*count)) return {};
-  return ValueText(report, Value::Real(Percentage(*(row.*count), row.totals.*whole)));
+  const std::optional<std::uint64_t>& figure = row.figures.*count;
+  return figure ? ValueText(report, Value::Real(Percentage(*figure, row.totals.*whole))) : std::u16string();
 }
 
 template <Count count>
 std::u16string Rate(XmlReport& report, const SummaryRow& row) {
-  if (!(row.*count)) return {};
-  return ValueText(report, Value::Real(PerSecond(*(row.*count), row.totals.duration)));
+  const std::optional<std::uint64_t>& figure = row.figures.*count;
+  return figure ? ValueText(report, Value::Real(PerSecond(*figure, row.totals.duration))) : std::u16string();
 }
 
-constexpr SummaryColumn kPackets{"PacketsValue", kSwitchSumPackets, false, Plain<&SummaryRow::packets>};
-constexpr SummaryColumn kBytes{"BytesValue", kNoSwitch, false, Plain<&SummaryRow::bytes>};
+/// What is no count of packets or bytes.
+std::u16string Other(XmlReport& report, const SummaryRow& row) {
+  if (row.figures.integer) return NumberText(*row.figures.integer);
+  if (row.figures.real) return ValueText(report, Value::Real(*row.figures.real));
+  return row.figures.text;
+}
+
+constexpr SummaryColumn kPackets{"PacketsValue", kSwitchSumPackets, false, Plain<&SummaryFigures::packets>};
+constexpr SummaryColumn kBytes{"BytesValue", kNoSwitch, false, Plain<&SummaryFigures::bytes>};
 constexpr SummaryColumn kPctPackets{"PctOfPkts", kSwitchSumPctPackets, false,
-                                    Percent<&SummaryRow::packets, &ReferenceTotals::packets>};
+                                    Percent<&SummaryFigures::packets, &ReferenceTotals::packets>};
 constexpr SummaryColumn kPctBytes{"PctOfBytes", kSwitchSumPctBytes, false,
-                                  Percent<&SummaryRow::bytes, &ReferenceTotals::bytes>};
-constexpr SummaryColumn kPacketRate{"PktsPerSec", kSwitchSumPacketspSec, true, Rate<&SummaryRow::packets>};
-constexpr SummaryColumn kByteRate{"BytesPerSec", kSwitchSumBytespSec, true, Rate<&SummaryRow::bytes>};
-constexpr SummaryColumn kText{"Values", kNoSwitch, false,
-                              [](XmlReport& /*report*/, const SummaryRow& row) { return row.text; }};
+                                  Percent<&SummaryFigures::bytes, &ReferenceTotals::bytes>};
+constexpr SummaryColumn kPacketRate{"PktsPerSec", kSwitchSumPacketspSec, true, Rate<&SummaryFigures::packets>};
+constexpr SummaryColumn kByteRate{"BytesPerSec", kSwitchSumBytespSec, true, Rate<&SummaryFigures::bytes>};
+constexpr SummaryColumn kText{"Values", kNoSwitch, false, Other};
 
 // The order depends on what a statistic counts.
 constexpr SummaryColumn kColumnsOfValues[] = {kPackets, kBytes, kPctPackets, kPctBytes, kPacketRate, kByteRate, kText};
@@ -84,25 +89,6 @@ std::u16string DurationText(std::uint64_t duration) {
   std::u16string text;
   Check(FormatDuration(static_cast<std::int64_t>(duration), kNoFraction, TextOf(kStrDaysAndTime), &text));
   return text;
-}
-
-SummaryRow MakeRow(XmlReport& report, const SummaryValue& value, const ReferenceTotals& totals) {
-  SummaryRow row{.totals = totals};
-  switch (value.kind) {
-    case kSummaryDate: Check(FormatDate(value.first, &row.text)); break;
-    case kSummaryTime: Check(FormatTimeOfDay(value.first, kNoFraction, &row.text)); break;
-    case kSummaryDuration: row.text = DurationText(value.first); break;
-    case kSummaryPackets: row.packets = value.first; break;
-    case kSummaryBytes: row.bytes = value.first; break;
-    case kSummaryPacketsAndBytes:
-      row.packets = value.first;
-      row.bytes = value.second;
-      break;
-    case kSummaryInteger: row.text = NumberText(value.first); break;
-    case kSummaryReal: row.text = ValueText(report, Value::Real(std::bit_cast<double>(value.first))); break;
-    default: break;
-  }
-  return row;
 }
 
 /// The value of a statistic; nothing when the snapshot cannot give it.
@@ -137,9 +123,9 @@ class SnapshotWriter {
   }
 
   /// Adds the groups and rows of a snapshot; gives the number of rows.
-  std::uint64_t Write(ISummarySnapshot& snapshot, XmlElement parent) {
+  std::uint64_t Write(ISummarySnapshot& snapshot, XmlWriter parent) {
     std::u16string group_name = GroupName(snapshot, kStatFirstGroup);
-    XmlElement group = AddGroup(parent, group_name);
+    XmlWriter group = AddGroup(parent, group_name);
     const ReferenceTotals totals = ReadTotals(report_, snapshot);
     std::uint32_t count = 0;
     Check(snapshot.GetCount(&count));
@@ -154,9 +140,9 @@ class SnapshotWriter {
         group_name = std::move(name);
         group = AddGroup(parent, group_name);
       }
-      XmlElement row = group.AddElement("SummaryStat");
+      const XmlWriter row = group.AddElement("SummaryStat");
       row.AddElement("Name", SummaryName(snapshot, map_, statistic));
-      AddColumns(MakeRow(report_, value, totals), ColumnsOf(value.kind), row);
+      AddColumns({.figures = FiguresOf(value), .totals = totals}, ColumnsOf(value.kind), row);
       ++rows;
     }
     return rows;
@@ -169,13 +155,13 @@ class SnapshotWriter {
     return SummaryName(snapshot, map_, group);
   }
 
-  static XmlElement AddGroup(XmlElement parent, const std::u16string& name) {
-    XmlElement group = parent.AddElement("Group");
+  static XmlWriter AddGroup(XmlWriter parent, const std::u16string& name) {
+    const XmlWriter group = parent.AddElement("Group");
     group.SetAttribute("Name", name);
     return group;
   }
 
-  void AddColumns(const SummaryRow& values, std::span<const SummaryColumn> columns, XmlElement row) {
+  void AddColumns(const SummaryRow& values, std::span<const SummaryColumn> columns, XmlWriter row) {
     for (const SummaryColumn& column : columns) {
       if ((column.is_rate && report_.memory.no_rates) || !report_.IsOn(column.gate)) continue;
       row.AddElement(column.name, column.text(report_, values));
@@ -193,8 +179,8 @@ ComPtr<ISummarySnapshot> Current(ISummaryStats& summary) {
   return snapshot;
 }
 
-void AddSummaryTimes(XmlReport& report, ISummarySnapshot& snapshot, XmlElement entry) {
-  XmlElement summary = entry.AddElement("Summary");
+void AddSummaryTimes(XmlReport& report, ISummarySnapshot& snapshot, XmlWriter entry) {
+  const XmlWriter summary = entry.AddElement("Summary");
   summary.AddElement("TimeSaved", TimeSaved(report));
   std::u16string text;
   if (const auto date = Find(snapshot, kStatStartDate)) Check(FormatDate(*date, &text));
@@ -206,8 +192,8 @@ void AddSummaryTimes(XmlReport& report, ISummarySnapshot& snapshot, XmlElement e
 }
 
 std::uint64_t WriteSnapshots(XmlReport& report, ISummaryStats& summary, ISummarySnapshot& current,
-                             SnapshotWriter& writer, XmlElement stats) {
-  XmlElement element = stats.AddElement("Snapshot");
+                             SnapshotWriter& writer, XmlWriter stats) {
+  XmlWriter element = stats.AddElement("Snapshot");
   element.SetAttribute("Name", u"Current");
   std::uint64_t rows = writer.Write(current, element);
   if (!report.IsOn(kSwitchOutputSnapshots)) return rows;
@@ -230,7 +216,7 @@ void ExtendHistory(XmlReport& report, SnapshotWriter& writer) {
   const ComPtr<ISummaryStats> summary = Obtain(*report.job.statistics, kSummaryCategory);
   const ComPtr<ISummarySnapshot> current = summary ? Current(*summary) : ComPtr<ISummarySnapshot>();
   if (!current) return;
-  AddHistory(report, kHistoryFile, "History", "Snapshot", [&](XmlElement entry) {
+  AddHistory(report, kHistoryFile, "History", "Snapshot", [&](XmlWriter entry) {
     entry.SetAttribute("Time", TimeSaved(report));
     return std::optional(writer.Write(*current, entry));
   });

@@ -95,14 +95,14 @@ bool WriteEntry(XmlReport& report) {
   DataRateElements rates(report, *report.job.live);
   IndexEntry entry(report, "WirelessChannelStatistics", u"1.0");
   AddSummary(report, entry.element(), *report.job.live);
-  XmlElement stats = entry.element().AddElement("Stats");
+  const XmlWriter stats = entry.element().AddElement("Stats");
   const XmlColumns<Channel> columns(report, kColumns);
   std::uint32_t count = 0;
   Check(statistics->GetCount(&count));
   for (std::uint32_t index = 0; index < count; ++index) {
     const Channel* channel = nullptr;
     Check(statistics->GetEntry(index, &channel));
-    XmlElement row = stats.AddElement("ChannelStat");
+    const XmlWriter row = stats.AddElement("ChannelStat");
     columns.AddTo(report, *channel, row);
     if (rates.is_on()) rates.AddTo(RatesOf(*statistics, *channel), row);
   }

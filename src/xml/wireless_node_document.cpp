@@ -160,10 +160,10 @@ std::span<const WirelessRate> RatesOf(IWirelessNodeStats& statistics, std::uint3
   return {rates, count};
 }
 
-void AddWirelessSummary(XmlReport& report, IStatsContext& totals, IWirelessNodeStats& statistics, XmlElement entry) {
+void AddWirelessSummary(XmlReport& report, IStatsContext& totals, IWirelessNodeStats& statistics, XmlWriter entry) {
   WirelessCounts counts;
   Check(statistics.GetCounts(&counts));
-  XmlElement summary = AddSummary(report, entry, totals);
+  const XmlWriter summary = AddSummary(report, entry, totals);
   AddNumber(summary, "BSSNetworkCount", counts.networks);
   AddNumber(summary, "APNodeCount", counts.access_points);
   AddNumber(summary, "AdHocNetworkCount", counts.ad_hoc_networks);
@@ -183,10 +183,10 @@ std::uint64_t AddRows(XmlReport& report, IStatsContext& context, IAddressTable& 
   WirelessNodes nodes(statistics);
   std::uint64_t rows = 0;
   nodes.ForEach([&](std::uint32_t index, const Node& node) {
-    XmlElement parent = parent_of(node);
+    const XmlWriter parent = parent_of(node);
     const AddressRecord* record = parent ? FindRecord(addresses, node.address) : nullptr;
     if (!record) return;
-    XmlElement row = parent.AddElement("WirelessNodeStat");
+    const XmlWriter row = parent.AddElement("WirelessNodeStat");
     row.AddElement("Node", AddressText(report, record));
     columns.AddTo(report, {.index = index, .node = node, .nodes = nodes, .total_bytes = total_bytes}, row);
     if (rates && rates->is_on()) rates->AddTo(RatesOf(statistics, index), row);
@@ -197,29 +197,39 @@ std::uint64_t AddRows(XmlReport& report, IStatsContext& context, IAddressTable& 
 
 /// Fills an entry of the index or of the history; nothing when the statistics have no wireless nodes.
 std::optional<std::uint64_t> FillFull(XmlReport& report, IStatsContext& context, IAddressTable& addresses,
-                                      XmlElement entry) {
+                                      XmlWriter entry) {
   const ComPtr<IWirelessNodeStats> statistics = Obtain(context, kWirelessNodeCategory);
   if (!statistics) return {};
   AddWirelessSummary(report, context, *statistics, entry);
-  XmlElement stats = entry.AddElement("Stats");
+  const XmlWriter stats = entry.AddElement("Stats");
   return AddRows(report, context, addresses, *statistics, false, [&](const Node& /*node*/) { return stats; });
+}
+
+XmlWriter AddType(XmlStream& stream, std::u16string_view name) {
+  const XmlWriter type = stream.Add("Type");
+  type.SetAttribute("Name", name);
+  return type;
 }
 
 /// Access points and stations alone, apart from each other.
 std::optional<std::uint64_t> FillExecutive(XmlReport& report, IStatsContext& context, IAddressTable& addresses,
-                                           XmlElement entry) {
+                                           XmlWriter entry) {
   const ComPtr<IWirelessNodeStats> statistics = Obtain(context, kWirelessNodeCategory);
   if (!statistics) return {};
   AddWirelessSummary(report, context, *statistics, entry);
-  XmlElement stats = entry.AddElement("Stats");
-  XmlElement access_points = stats.AddElement("Type");
-  access_points.SetAttribute("Name", u"AP");
-  XmlElement stations = stats.AddElement("Type");
-  stations.SetAttribute("Name", u"STA");
-  return AddRows(report, context, addresses, *statistics, true, [&](const Node& node) {
+  const XmlWriter stats = entry.AddElement("Stats");
+  // Both kinds come mixed.
+  XmlStream of_access_points(stats.depth());
+  const XmlWriter access_points = AddType(of_access_points, u"AP");
+  XmlStream of_stations(stats.depth());
+  const XmlWriter stations = AddType(of_stations, u"STA");
+  const std::uint64_t rows = AddRows(report, context, addresses, *statistics, true, [&](const Node& node) {
     if (node.type == kWirelessAccessPoint) return access_points;
-    return node.type == kWirelessStation ? stations : XmlElement();
+    return node.type == kWirelessStation ? stations : XmlWriter();
   });
+  stats.AddLines(of_access_points.Finish());
+  stats.AddLines(of_stations.Finish());
+  return rows;
 }
 
 }  // namespace
@@ -242,7 +252,7 @@ bool WriteWirelessNodeDocument(XmlReport& report) {
     if (report.memory.extends_history()) {
       file = kHistoryFile;
       AddHistory(report, kHistoryFile, kElement, "History",
-                 [&](XmlElement history) { return FillFull(report, *report.job.statistics, *addresses, history); });
+                 [&](XmlWriter history) { return FillFull(report, *report.job.statistics, *addresses, history); });
     }
     return wanted.status == S_OK;
   });

@@ -15,21 +15,37 @@ namespace {
 
 constexpr int kDecimals = 3;
 
+/// A quotient of two 64-bit counts, which has at most 20 digits before its point.
+class RatioDigits {
+ public:
+  explicit RatioDigits(double value)
+      : end_(std::to_chars(std::begin(digits_), std::end(digits_), value, std::chars_format::fixed, 6).ptr) {}
+  std::string_view text() const { return {digits_, end_}; }
+
+ private:
+  char digits_[64];
+  const char* end_;
+};
+
 std::u16string RealText(double value, RealForm form) {
+  if (form == RealForm::kRatio) return WidenAscii(RatioDigits(value).text());
   std::u16string text;
-  if (form == RealForm::kThreeDecimals) {
-    Check(FormatNumber(value, kDecimals, &text));
-    return text;
-  }
-  char digits[64];  // a quotient of two 64-bit counts has at most 20 digits before its point
-  const auto end = std::to_chars(std::begin(digits), std::end(digits), value, std::chars_format::fixed, 6);
-  return WidenAscii({digits, end.ptr});
+  Check(FormatNumber(value, kDecimals, &text));
+  return text;
 }
 
 }  // namespace
 
-std::u16string RatioText(std::uint64_t part, std::uint64_t whole) {
-  return RealText(Ratio(part, whole).as_real(), RealForm::kRatio);
+void AddRatio(std::string_view name, std::uint64_t part, std::uint64_t whole, XmlWriter row) {
+  row.AddPlain(name, RatioDigits(Ratio(part, whole).as_real()).text());
+}
+
+void AddValue(XmlReport& report, std::string_view name, const Value& value, RealForm form, XmlWriter row) {
+  if (value.kind() == Value::Kind::kUnsigned) return AddNumber(row, name, value.as_unsigned());
+  if (value.kind() == Value::Kind::kReal && form == RealForm::kRatio) {
+    return row.AddPlain(name, RatioDigits(value.as_real()).text());
+  }
+  row.AddElement(name, ValueText(report, value, form));
 }
 
 std::u16string ValueText(XmlReport& report, const Value& value, RealForm form) {

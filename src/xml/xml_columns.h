@@ -29,11 +29,14 @@ constexpr Value Ratio(std::uint64_t part, std::uint64_t whole) {
   return Value::Real(whole == 0 ? 0 : static_cast<float>(part) / static_cast<float>(whole));
 }
 
+/// Adds a value as an element of its own. Raises the failure of a conversion.
+void AddValue(XmlReport& report, std::string_view name, const Value& value, RealForm form, XmlWriter row);
+
 /// A value as XML documents word it: empty for nothing and for a time of 0. Raises the failure of a conversion.
 std::u16string ValueText(XmlReport& report, const Value& value, RealForm form = RealForm::kThreeDecimals);
 
-/// The text of such a ratio.
-std::u16string RatioText(std::uint64_t part, std::uint64_t whole);
+/// Adds such a ratio as an element of its own.
+void AddRatio(std::string_view name, std::uint64_t part, std::uint64_t whole, XmlWriter row);
 
 /// The columns of a table that are switched on.
 template <class Record>
@@ -47,9 +50,9 @@ class XmlColumns {
   }
 
   /// Adds the record's values as children of its row.
-  void AddTo(XmlReport& report, const Record& record, XmlElement row) const {
+  void AddTo(XmlReport& report, const Record& record, XmlWriter row) const {
     for (const XmlColumn<Record>& column : enabled_) {
-      row.AddElement(column.name, ValueText(report, column.value(record), column.form));
+      AddValue(report, column.name, column.value(record), column.form, row);
     }
   }
 

@@ -47,8 +47,8 @@ std::u16string NumberText(std::uint64_t value) {
   return WidenAscii({text, end.ptr});
 }
 
-XmlElement AddSummary(XmlReport& report, XmlElement category, IStatsContext& totals) {
-  XmlElement summary = category.AddElement("Summary");
+XmlWriter AddSummary(XmlReport& report, XmlWriter category, IStatsContext& totals) {
+  const XmlWriter summary = category.AddElement("Summary");
   summary.AddElement("TimeSaved", TimeSaved(report));
   std::uint64_t total = 0;
   Check(totals.GetTotalPackets(&total));
@@ -58,8 +58,10 @@ XmlElement AddSummary(XmlReport& report, XmlElement category, IStatsContext& tot
   return summary;
 }
 
-void AddNumber(XmlElement parent, std::string_view name, std::uint64_t value) {
-  parent.AddElement(name, NumberText(value));
+void AddNumber(XmlWriter parent, std::string_view name, std::uint64_t value) {
+  char text[24];
+  const auto end = std::to_chars(std::begin(text), std::end(text), value);
+  parent.AddPlain(name, {text, end.ptr});
 }
 
 }  // namespace orvo

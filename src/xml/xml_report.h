@@ -5,9 +5,10 @@
 #include <string>
 #include <string_view>
 
-#include "engine/categories.h"
 #include "frame/output_method.h"
-#include "platform/xml_tree.h"
+#include "platform/xml_writer.h"
+#include "statistics/obtain.h"
+#include "xml/report_index.h"
 
 namespace orvo {
 
@@ -60,9 +61,7 @@ struct XmlReport {
   std::u16string_view template_root;
   std::uint64_t time_mark;
   std::uint32_t interval;  ///< seconds between two reports, 0 when unknown
-  XmlTree index{};
-  XmlElement index_root{};
-  std::uint64_t index_rows = 0;        ///< what this report has written into the index
+  ReportIndex index{};
   ComPtr<IReportObserver> observer{};  ///< null when nobody wants to know
 
   /// True for kNoSwitch; raises the failing status of a switch that cannot be read.
@@ -83,14 +82,6 @@ bool Contain(XmlReport& report, const std::u16string_view& file, const std::func
 /// The address table of the live context, asked for anew by every writer; null when there is none. Raises a failure.
 ComPtr<IAddressTable> Addresses(const XmlReport& report);
 
-/// The category of a context, null when it has none.
-template <class T>
-ComPtr<T> Obtain(IStatsContext& context, const Category<T>& category) {
-  ComPtr<T> object;
-  if (Failed(GetCategory(&context, category, &object))) object.Reset();
-  return object;
-}
-
 // Texts. Each raises the failure of a conversion or of a name service.
 
 /// The text of the report's time.
@@ -100,7 +91,7 @@ std::u16string AddressText(XmlReport& report, const AddressRecord* record);
 std::u16string NumberText(std::uint64_t value);
 
 /// Adds the "Summary" that every category begins with: the report's time and the context's totals.
-XmlElement AddSummary(XmlReport& report, XmlElement category, IStatsContext& totals);
-void AddNumber(XmlElement parent, std::string_view name, std::uint64_t value);
+XmlWriter AddSummary(XmlReport& report, XmlWriter category, IStatsContext& totals);
+void AddNumber(XmlWriter parent, std::string_view name, std::uint64_t value);
 
 }  // namespace orvo

@@ -10,22 +10,13 @@ namespace orvo {
 namespace {
 
 constexpr MethodTraits kTraits{.class_id = kXmlStatsOutputClass, .settings_element = u"xmlstatsoutput"};
-constexpr std::string_view kIndexRoot = "StatsReport";
-
 /// Opens the index: an earlier one is extended by a full report, and begun anew by one of another kind.
 void OpenIndex(XmlReport& report) {
-  const bool loaded = Succeeded(report.index.Load(report.job.folder + std::u16string(kIndexFile)));
-  XmlElement root = report.index.Root();
+  const bool loaded = report.index.Load(report.job.folder + std::u16string(kIndexFile));
   if (loaded && report.memory.special_kind) {
-    report.index.RemoveRoot();
-    report.index_root = report.index.AddRoot(kIndexRoot);
-  } else if (loaded && root.Name() == u"StatsReport") {
-    report.memory.index_kept = true;
-    report.index_root = root;
+    report.index.Clear();
   } else {
-    report.memory.index_kept = false;
-    report.index = XmlTree();
-    report.index_root = report.index.AddRoot(kIndexRoot);
+    report.memory.index_kept = loaded;
   }
 }
 
@@ -65,7 +56,8 @@ void XMLStatsOutput::WriteReport(const ReportJob& job) {
   WriteKind(report, kind);
   WriteSummaryDocument(report);
   WriteReportGraphs(report);
-  SaveDocument(report, kIndexFile, report.index, report.index_rows);
+  report.index.Save(job.folder + std::u16string(kIndexFile));
+  ReportSaved(report, kIndexFile, report.index.rows());
 }
 
 Status CreateXmlStatsOutput(const Guid& iid, void** out) {

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "capture/analysis/expert/expert_analysis.h"
+#include "capture/analysis/expert/expert_reader.h"
 #include "capture/classify/flow_table.h"
 #include "capture/decode/protocol_registry.h"
 #include "tests/capture/frames.h"
@@ -23,11 +24,29 @@ inline Buffer Text(std::string_view text) {
   return {text.begin(), text.end()};
 }
 
-/// The analysis behind decoding and a flow table, as the engine has it.
-class ExpertFixture {
+/// The analysis behind its reader.
+class ExpertParts {
+ public:
+  explicit ExpertParts(const ExpertOptions& options) : analysis(options) {}
+
+  void Inspect(const Packet& packet, const PacketFacts& facts) {
+    PacketNote note(packet, facts, 0);
+    reader_.Read({&packet, 1}, {&facts, 1}, &notes_);
+    analysis.Inspect({&note, 1}, notes_);
+  }
+
+  ExpertAnalysis analysis;
+
+ private:
+  ExpertReader reader_;
+  ExpertNotes notes_;
+};
+
+/// The same behind decoding and a flow table, as the engine has it.
+class ExpertFixture : public ExpertParts {
  public:
   explicit ExpertFixture(const ExpertOptions& options = {}, std::size_t flows = 1000)
-      : analysis(options), flows_(flows, [](Flow&) {}) {}
+      : ExpertParts(options), flows_(flows, [](Flow&) {}) {}
 
   /// `milliseconds` count from the new year.
   void Feed(const Buffer& frame, double milliseconds = 0, std::uint32_t original_length = 0) {
@@ -45,7 +64,7 @@ class ExpertFixture {
       facts.flow.from_first = flow_packet.from_first;
     }
     facts.applications = applications;
-    analysis.Inspect({&packet, 1}, {&facts, 1});
+    Inspect(packet, facts);
   }
 
   /// Between 10.0.0.1 and 10.0.0.2.
@@ -76,7 +95,6 @@ class ExpertFixture {
     return rows;
   }
 
-  ExpertAnalysis analysis;
   std::array<std::uint16_t, 2> applications{};  ///< those of the packets to come
 
  private:

@@ -15,7 +15,7 @@ class WirelessWatchTest : public testing::Test {
     Packet packet = WirelessPacket(frame, link, kNewYear + static_cast<std::uint64_t>(milliseconds_ * kMillisecond));
     PacketFacts facts;
     DecodePacket(packet, &facts);
-    expert_.Inspect({&packet, 1}, {&facts, 1});
+    expert_.Inspect(packet, facts);
   }
 
   /// Data of a station, of which the first so many are repeats.
@@ -28,7 +28,7 @@ class WirelessWatchTest : public testing::Test {
 
   std::string Events() {
     std::string text;
-    const FrozenEvents events = expert_.Freeze().events;
+    const FrozenEvents events = expert_.analysis.Freeze().events;
     for (std::uint64_t i = 0; i < events.size(); ++i) {
       const EventRecord& event = events[i];
       text += (text.empty() ? "" : ", ") + std::string(TypeOf(event.event).key) + " " + std::to_string(event.value) +
@@ -41,12 +41,12 @@ class WirelessWatchTest : public testing::Test {
   std::u16string Detail(std::uint32_t row) {
     constexpr std::uint32_t kDetail = 12;
     std::u16string text;
-    EXPECT_EQ(MakeEventLogTable(expert_.Freeze())->GetCell(row, kDetail, &text), S_OK);
+    EXPECT_EQ(MakeEventLogTable(expert_.analysis.Freeze())->GetCell(row, kDetail, &text), S_OK);
     return text;
   }
 
   double milliseconds_ = 0;
-  ExpertAnalysis expert_{ExpertOptions{}};
+  ExpertParts expert_{ExpertOptions{}};
 };
 
 TEST_F(WirelessWatchTest, JudgesHowMuchASenderRepeats) {

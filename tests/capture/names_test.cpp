@@ -167,8 +167,16 @@ class NamedEngine {
   }
 
   void Feed(const Buffer& transport, std::uint8_t protocol = 17) {
-    Buffer frame = Ethernet(Mac(2), Mac(1), 0x0800, Ipv4(Ip4(1), Ip4(2), protocol, transport));
+    const Buffer frame = Frame(transport, protocol);
     engine.Feed(MakePacket(frame));
+  }
+  /// Packets of UDP at once, as a source gives them.
+  void FeedAll(const std::vector<Buffer>& transports) {
+    std::vector<Buffer> frames;
+    std::vector<Packet> packets;
+    for (const Buffer& transport : transports) frames.push_back(Frame(transport, 17));
+    for (const Buffer& frame : frames) packets.push_back(MakePacket(frame));
+    engine.Feed(packets);
   }
   std::string Name(AddressType type, const Buffer& bytes) {
     AddressRecord record;
@@ -184,6 +192,10 @@ class NamedEngine {
   CaptureEngine engine;
 
  private:
+  static Buffer Frame(const Buffer& transport, std::uint8_t protocol) {
+    return Ethernet(Mac(2), Mac(1), 0x0800, Ipv4(Ip4(1), Ip4(2), protocol, transport));
+  }
+
   ComPtr<IAddressNameService> service_;
 };
 
@@ -212,6 +224,21 @@ TEST(Names, AreHeardFromNameServersOnly) {
     NamedEngine named;
     named.Feed(c.transport, c.protocol);
     EXPECT_EQ(named.Name(kAddressIp, Ip4(9)), c.heard ? "heard" : "10.0.0.9") << c.what;
+  }
+}
+
+// Also where one packet tells more than may wait.
+TEST(Names, OfManyPacketsTheLastOneCounts) {
+  NamedEngine named;
+  std::vector<Buffer> transports;
+  for (unsigned i = 0; i < 100; ++i) {
+    const std::vector<Buffer> answers(i == 70 ? 256 : 1, Record(Labels("name" + std::to_string(i)), kA, Ip4(9)));
+    transports.push_back(Udp(53, 4000, Message(answers)));
+  }
+  for (std::size_t count : {71U, 72U, 100U}) {
+    named.FeedAll({transports.begin(), transports.begin() + static_cast<std::ptrdiff_t>(count)});
+    EXPECT_EQ(View(named.engine).Value("Names Not Listed").first, 0U);  // by now everything is counted
+    EXPECT_EQ(named.Name(kAddressIp, Ip4(9)), "name" + std::to_string(count - 1));
   }
 }
 

@@ -22,7 +22,7 @@ TEST(NoteQueue, CountsInOrderAndEverythingBeforeItEnds) {
   std::iota(expected.begin(), expected.end(), 0);
   std::vector<std::uint64_t> counted;
   {
-    NoteQueue queue([&](const NoteBatch& batch) { counted.push_back(batch.packets().front().time); });
+    NoteQueue queue([&](NoteBatch& batch) { counted.push_back(batch.packets().front().time); });
     if (!queue.Start()) GTEST_SKIP() << "needs two processors";
     for (std::uint64_t number = 0; number < 500; ++number) Put(&queue, number);
     queue.Drain();
@@ -35,7 +35,7 @@ TEST(NoteQueue, CountsInOrderAndEverythingBeforeItEnds) {
 
 TEST(NoteQueue, HandsOnWhatIsRaisedAndCountsOn) {
   std::uint64_t sum = 0;
-  NoteQueue queue([&](const NoteBatch& batch) {
+  NoteQueue queue([&](NoteBatch& batch) {
     if (batch.packets().front().time == 3) throw std::bad_alloc();
     sum += batch.packets().front().time;
   });
@@ -50,8 +50,8 @@ TEST(NoteQueue, HandsOnWhatIsRaisedAndCountsOn) {
 }
 
 TEST(NoteQueue, EndsUnused) {
-  NoteQueue queue([](const NoteBatch&) { FAIL(); });
-  NoteQueue started([](const NoteBatch&) { FAIL(); });
+  NoteQueue queue([](NoteBatch&) { FAIL(); });
+  NoteQueue started([](NoteBatch&) { FAIL(); });
   started.Start();
 }
 

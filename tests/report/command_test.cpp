@@ -87,7 +87,7 @@ TEST(CommandTest, WrongUsageIsOneLineAndStatusTwo) {
 }
 
 TEST(CommandTest, HelpIsThereForEveryVerb) {
-  for (const std::string verb : {"", "make", "watch", "settings", "classes", "register", "unregister"}) {
+  for (const std::string verb : {"", "make", "watch", "view", "settings", "classes", "register", "unregister"}) {
     std::vector<std::string> arguments = {"--help"};
     if (!verb.empty()) arguments.insert(arguments.begin(), verb);
     const CommandResult result = RunCommand(arguments);
@@ -174,7 +174,31 @@ TEST(CommandTest, AnXmlReportTakesItsKindAndTemplates) {
       RunCommand({"make", kSample, "--out", folder.Path("both"), "--format", "xml,csv", "--report", "expert-summary"});
   EXPECT_EQ(both.exit_status, 0) << both.messages;
   EXPECT_FALSE(folder.Has("both/xml/ProtocolsMenu.htm"));
+  // Templates come with the command.
+  EXPECT_THAT(folder.Read("both/xml/Report.htm"), HasSubstr("MainMenu.htm"));
+  EXPECT_TRUE(folder.Has("both/xml/Images/logo.gif"));
   EXPECT_TRUE(folder.Has("both/csv/Node Statistics-IP.csv"));
+}
+
+TEST(CommandTest, APdfReportStandsBesideOthersAndSaysWhyItCannotBeSaved) {
+  TemporaryFolder folder;
+  fs::create_directories(folder.Path("a/pdf/Report.pdf"));
+  const std::vector<std::string> make = {"make", kSample, "--out", folder.Path("a"), "--format", "pdf,csv,xml"};
+  const CommandResult taken = RunCommand(make);
+  EXPECT_EQ(taken.exit_status, 1);
+  ExpectOneMessage(taken, folder.Path("a/pdf/Report.pdf") + ": ");
+  EXPECT_TRUE(folder.Has("a/csv/Node Statistics-IP.csv")) << "the other reports are written";
+  EXPECT_TRUE(folder.Has("a/xml/StatsReport.xml"));
+  fs::remove(folder.Path("a/pdf/Report.pdf"));
+  const CommandResult written = RunCommand(make);
+  EXPECT_EQ(written.exit_status, 0) << written.messages;
+  EXPECT_THAT(folder.Read("a/pdf/Report.pdf"), StartsWith("%PDF-"));
+
+  // A page of graphs goes missing without its folder of pictures, and nothing else does.
+  fs::remove(folder.Path("a/pdf/Temp"));
+  folder.Write("a/pdf/Temp", "in the way");
+  EXPECT_EQ(RunCommand(make).exit_status, 0);
+  EXPECT_EQ(folder.Read("a/pdf/Temp"), "in the way");
 }
 
 TEST(CommandTest, AFilterLeavesOutWhatItDoesNotHoldFor) {

@@ -1,14 +1,14 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
-#include <time.h>
-
+#include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <functional>
 #include <set>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "platform/code_page.h"
@@ -169,8 +169,10 @@ class NotingSink final : public Object<INotificationSink> {
 class Schedule : public Surroundings {
  public:
   /// Begins at `start` (UTC) with the attributes of a "statsoutput" element.
-  explicit Schedule(const char* start, const std::string& attributes = {}) : Surroundings(At(start)) {
-    EXPECT_EQ(CreateSkryStatsOutput(ISkryStatsOutput::kIid, scheduler.OutVoid()), S_OK);
+  explicit Schedule(const char* start, const std::string& attributes = {},
+                    Status (*create)(const Guid& iid, void** out) = CreateSkryStatsOutput)
+      : Surroundings(At(start)) {
+    EXPECT_EQ(create(ISkryStatsOutput::kIid, scheduler.OutVoid()), S_OK);
     EXPECT_EQ(Query(scheduler.get(), &startable), S_OK);
     scheduler->SetUserPath(Bstr(u"R:\\").get());
     scheduler->SetReportPath(Bstr(u"Reports").get());
@@ -180,7 +182,7 @@ class Schedule : public Surroundings {
     EXPECT_EQ(Set(attributes), S_OK);
   }
 
-  Status Set(const std::string& attributes) {
+  Status Set(const std::string& attributes) const {
     ComPtr<IXmlDocument> document;
     ComPtr<IXmlNode> node;
     ComPtr<IPersistXml> persist;
@@ -196,7 +198,7 @@ class Schedule : public Surroundings {
     EXPECT_EQ(startable->Start(), S_OK);
     clock.RunTo(At(time));
     if (note_outputs) LookForDeletions();
-    return std::move(log);
+    return std::exchange(log, {});
   }
 
   ComPtr<NotingMethod> method = MakeObject<NotingMethod>(this);

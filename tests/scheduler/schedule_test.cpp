@@ -206,8 +206,8 @@ TEST(Schedule, FollowsSecondsWhereClocksChange) {
          R"(05 01:30:00+1030 output | R:\Reports\Reports-2026-04-05 01.00.00 - 01.30.00\)",
          R"(05 02:30:00+1030 output | R:\Reports\Reports-2026-04-05 01.30.00 - 02.30.00\)"}}},
   };
-  for (const auto& [zone, c] : cases) {
-    InZone(zone, [&] {
+  for (const auto& entry : cases) {
+    InZone(entry.zone, [&c = entry.c] {
       Schedule schedule(c.start, c.attributes);
       schedule.time_format = "%d %H:%M:%S%z";
       EXPECT_THAT(schedule.RunTo(c.end), ElementsAreArray(c.log)) << c.what;
@@ -227,7 +227,7 @@ TEST(Schedule, WaitsOutItsTimeWhenTheClockIsSetBack) {
 TEST(Schedule, MakesUpForWhatItHasSleptThrough) {
   Schedule schedule("2007-11-14 10:10:00");
   schedule.RunTo("2007-11-14 10:30:00");
-  schedule.clock.Jump(3 * 3600);
+  schedule.clock.Jump(10'800);
   EXPECT_THAT(schedule.RunTo("2007-11-14 15:00:00"),
               ElementsAre(R"(14 14:00:00 output | R:\Reports\Reports-2007-11-14 10.00.00 - 11.00.00\)",
                           R"(14 14:00:00 output | R:\Reports\Reports-2007-11-14 11.00.00 - 12.00.00\)",
@@ -239,7 +239,7 @@ TEST(Schedule, MakesUpForWhatItHasSleptThrough) {
 TEST(Schedule, MakesUpForASlowOutput) {
   Schedule schedule("2007-11-14 10:10:00", "newSetEnabled='0'");
   schedule.on_output = [&] {
-    if (schedule.outputs == 1) schedule.clock.Jump(2 * 3600 + 60);
+    if (schedule.outputs == 1) schedule.clock.Jump(7'260);
     return S_OK;
   };
   // Which the clock shows at 14:01 after all.
@@ -255,7 +255,7 @@ TEST(Schedule, KeepsTimeForAYear) {
     const char* attributes;
     const char* end;
     int outputs;
-    std::int64_t step;     // every output's time is a multiple of it after the first
+    int step;              // every output's time is a multiple of it after the first
     std::size_t sets = 0;  // on the disk at the end
   } cases[] = {
       // A year has 8,760 hours. 2026 begins on a Thursday.

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <condition_variable>
 #include <cstdint>
-#include <limits>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -55,10 +54,18 @@ class VirtualClock final : public Clock {
     core_->passed = std::max(core_->passed, core_->limit);
   }
 
-  /// Waits end at once from now on, all time that they wait for being allowed.
-  void LetAllPass() {
+  /// Allows time to pass until the clock shows `time`, and gives back control when somebody's wait has ended then.
+  void PassTo(std::int64_t time) {
+    std::unique_lock hold(core_->mutex);
+    core_->limit = time * kSecond - core_->wall;
+    core_->changed.notify_all();
+    core_->changed.wait(hold, [&] { return core_->passed >= core_->limit; });
+  }
+
+  /// Lets every wait end at once that is not longer than this. 0 is how it begins.
+  void LetPass(std::int64_t seconds) {
     std::lock_guard hold(core_->mutex);
-    core_->limit = kEver;
+    core_->let_pass = seconds * kSecond;
     core_->changed.notify_all();
   }
 
@@ -70,13 +77,13 @@ class VirtualClock final : public Clock {
 
  private:
   static constexpr std::int64_t kSecond = 1'000'000'000;
-  static constexpr std::int64_t kEver = std::numeric_limits<std::int64_t>::max();
 
   struct Core {
     std::mutex mutex;
     std::condition_variable changed;
     std::int64_t passed = 0;  // nanoseconds, as all here
     std::int64_t limit = 0;
+    std::int64_t let_pass = 0;
     std::int64_t wall = 0;  // what the clock shows, less what has passed
     std::map<const Event*, std::int64_t> waiting;
   };
@@ -94,7 +101,7 @@ class VirtualClock final : public Clock {
     WaitResult Wait(std::uint32_t milliseconds) override {
       std::unique_lock hold(core_->mutex);
       const std::int64_t deadline = core_->passed + std::int64_t{milliseconds} * 1'000'000;
-      while (!set_ && deadline > core_->limit) {
+      while (!set_ && deadline > std::max(core_->limit, core_->passed + core_->let_pass)) {
         core_->waiting[this] = deadline;
         core_->changed.notify_all();
         core_->changed.wait(hold);
@@ -105,6 +112,7 @@ class VirtualClock final : public Clock {
         return WaitResult::kSignalled;
       }
       core_->passed = std::max(core_->passed, deadline);
+      core_->changed.notify_all();
       return WaitResult::kTimeOut;
     }
 

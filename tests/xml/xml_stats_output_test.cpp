@@ -127,5 +127,67 @@ TEST_F(XmlStatsOutputTest, AnIndexThatCannotBeSavedEndsTheReport) {
   EXPECT_TRUE(Failed(Output()));
 }
 
+/// A document in another encoding, of the same content.
+std::string InUtf16(const std::string& utf8) {
+  std::string wide("\xFF\xFE", 2);
+  for (char c : utf8.substr(utf8.find('\n') + 1)) wide += std::string{c, '\0'};
+  return wide;
+}
+
+TEST_F(XmlStatsOutputTest, DocumentsOfAnEarlierReportAreTakenUpOrBegunAnew) {
+  engine.protocol_tree = {{1, {u"Ethernet", 0}}};
+  engine.live.protocols.push_back({.key = engine.live.AddProtocol(1)});
+  Switch(kSwitchOutputGraphs, 0);
+  struct {
+    const char* what;
+    std::string (*bytes)(const std::string& good);
+    std::size_t entries;  // afterwards
+  } const cases[] = {
+      {"as it was", [](const std::string& good) { return good; }, 2},
+      {"another encoding", InUtf16, 2},
+      {"on one line",
+       [](const std::string& good) {
+         std::string line = good;
+         std::erase(line, '\n');
+         return line;
+       },
+       2},
+      {"cut off", [](const std::string& good) { return good.substr(0, good.size() / 2); }, 1},
+      {"empty", [](const std::string&) { return std::string(); }, 1},
+      {"too deep", [](const std::string&) { return std::string(100'000, '<') + "<a>"; }, 1},
+      {"another root", [](const std::string&) { return std::string("<Other><History/></Other>"); }, 1},
+      {"entities",
+       [](const std::string&) {
+         return std::string("<!DOCTYPE a [<!ENTITY b '&c;&c;'><!ENTITY c 'x'>]><ProtocolStatistics>&b;</Protocol>");
+       },
+       1},
+      {"zeros", [](const std::string& good) { return std::string(good.size(), '\0'); }, 1},
+  };
+  for (const auto& one : cases) {
+    NewMethod();
+    SetTemplates({});
+    for (const std::string& name : folder.Names()) std::filesystem::remove_all(folder.Path(name));
+    ASSERT_EQ(Output(), S_OK);
+    for (const char* file : {"StatsReport.xml", "ProtocolStatistics.xml", "MainMenu.htm"}) {
+      folder.Write(file, one.bytes(folder.Read(file)));
+    }
+    ASSERT_EQ(Output(), S_OK) << one.what;
+    EXPECT_EQ(Children("ProtocolStatistics.xml", {}).size(), one.entries) << one.what;
+    EXPECT_THAT(Sections(), testing::Contains("ProtocolStatistics")) << one.what;
+    EXPECT_THAT(Children("MainMenu.htm", {}), testing::Contains("img")) << one.what;
+  }
+}
+
+TEST_F(XmlStatsOutputTest, NamesThatNoDocumentMayHoldAreShownWithMarksInTheirPlaces) {
+  NodeEntry& node = engine.live.nodes.emplace_back();
+  node.address = engine.live.AddIp(10, 0, 0, 1);
+  engine.names[u"10.0.0.1"] = std::u16string(1, 0xD800) + std::u16string(1, 0) + u"\x1b]]>\uFFFE\n<&\"";
+  Switch(kSwitchOutputGraphs, 0);
+  for (int round = 0; round < 2; ++round) ASSERT_EQ(Output(), S_OK);
+  for (const char* file : {"StatsReport.xml", "NodeStatistics.xml"}) {
+    EXPECT_THAT(folder.Read(file), testing::HasSubstr("<Addr>\uFFFD\uFFFD\uFFFD]]&gt;\uFFFD&#10;&lt;&amp;\"</Addr>"));
+  }
+}
+
 }  // namespace
 }  // namespace orvo::test

@@ -7,6 +7,7 @@
 
 #include "capture/names/name_directory.h"
 #include "platform/error.h"
+#include "platform/fixed_text.h"
 #include "platform/locale.h"
 #include "platform/utf.h"
 
@@ -29,14 +30,14 @@ std::u16string Microseconds(std::uint64_t nanoseconds) {
 
 std::u16string CountCell(std::uint64_t value) {
   std::array<char, 24> text;
-  auto end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;
+  const char* end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;
   return Widened({text.data(), end});
 }
 
 std::u16string RealCell(double value, int digits) {
   if (!std::isfinite(value)) return {};
   std::array<char, 352> text;  // the largest double has 309 digits before the point
-  auto end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, digits).ptr;
+  const char* end = WriteFixed(value, digits, text.data(), text.data() + text.size());
   return Widened({text.data(), end});
 }
 

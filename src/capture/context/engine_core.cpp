@@ -50,10 +50,10 @@ EngineCore::EngineCore(const EngineOptions& options)
     : options_(options),
       names_(DirectoryFor(options)),
       detector_(DetectionLimitsOf(options)),
-      expert_(ExpertOptionsOf(options)),
       voice_({options.max_calls, options.max_media_streams}),
+      expert_(ExpertOptionsOf(options)),
       tables_(LimitsOf(options), TrustOf(options)),
-      queue_([this](const NoteBatch& batch) { Count(batch); }) {}
+      queue_([this](NoteBatch& batch) { Count(&batch); }) {}
 
 void EngineCore::Feed(std::span<const Packet> packets) {
   const bool hand_over = packets.size() >= kWorthHandingOver && queue_.Start();
@@ -67,7 +67,7 @@ void EngineCore::Feed(std::span<const Packet> packets) {
     if (hand_over) {
       queue_.Publish();
     } else {
-      Count(batch);
+      Count(&batch);
     }
   }
   if (hand_over) queue_.Flush();
@@ -78,13 +78,13 @@ void EngineCore::Decode(std::span<const Packet> packets, NoteBatch* batch) {
   const std::span<PacketFacts> facts(facts_.data(), packets.size());
   for (std::size_t i = 0; i < packets.size(); ++i) DecodePacket(packets[i], &facts[i]);
   detector_.Inspect(packets, facts);
-  if (options_.expert_analysis) expert_.Inspect(packets, facts);
+  if (options_.expert_analysis) expert_reader_.Read(packets, facts, &batch->expert);
   for (std::size_t i = 0; i < packets.size(); ++i) {
     if (VoiceAnalysis::Concerns(facts[i])) voice_.Inspect(packets[i], facts[i]);
   }
   ProtocolTree& tree = ProtocolTree::Get();
   for (std::size_t i = 0; i < packets.size(); ++i) {
-    if (names_ && MayHoldNames(facts[i])) Listen(facts[i]);
+    if (names_ && MayHoldNames(facts[i])) Listen(facts[i], batch);
     batch->notes[i] = PacketNote(packets[i], facts[i], tree.Classify(facts[i]));
     if (facts[i].is_wireless) batch->AddWireless(i, facts[i]);
   }
@@ -92,17 +92,27 @@ void EngineCore::Decode(std::span<const Packet> packets, NoteBatch* batch) {
   batch->flows = detector_.counts();
 }
 
-void EngineCore::Count(const NoteBatch& batch) {
+void EngineCore::Count(NoteBatch* batch) {
+  Learn(&batch->heard);
   std::lock_guard lock(mutex_);
   ++changes_;
-  tables_.Count(batch.packets());
-  tables_.SetFlows(batch.flows);
+  if (options_.expert_analysis) expert_.Inspect(batch->packets(), batch->expert);
+  tables_.Count(batch->packets());
+  tables_.SetFlows(batch->flows);
 }
 
-void EngineCore::Listen(const PacketFacts& facts) {
-  heard_.clear();
-  ReadHeardNames(facts, &heard_);
-  for (const KnownName& known : heard_) names_->Learn(known.address, known.name, NameSource::kHeard);
+/// Names are learnt when the batch is counted, so that the last one that was heard of an address stays. Packets that
+/// tell more names than may wait are learnt from at once, after all that were read before.
+void EngineCore::Listen(const PacketFacts& facts, NoteBatch* batch) {
+  ReadHeardNames(facts, &batch->heard);
+  if (batch->heard.size() <= kMostHeard) return;
+  queue_.Drain();
+  Learn(&batch->heard);
+}
+
+void EngineCore::Learn(std::vector<KnownName>* heard) {
+  for (const KnownName& known : *heard) names_->Learn(known.address, known.name, NameSource::kHeard);
+  heard->clear();
 }
 
 std::uint64_t EngineCore::packets() {

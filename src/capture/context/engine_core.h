@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "capture/analysis/expert/expert_analysis.h"
+#include "capture/analysis/expert/expert_reader.h"
 #include "capture/analysis/voice_analysis.h"
 #include "capture/classify/application_detector.h"
 #include "capture/classify/protocol_tree.h"
@@ -53,23 +54,26 @@ class EngineCore {
  private:
   /// Spans of fewer packets are counted by the feeding thread, as waking another costs more.
   static constexpr std::size_t kWorthHandingOver = 16;
+  /// Names that wait in one batch, besides those of the last packet that was read.
+  static constexpr std::size_t kMostHeard = 256;
 
   void Decode(std::span<const Packet> packets, NoteBatch* batch);
-  void Count(const NoteBatch& batch);
-  void Listen(const PacketFacts& facts);
+  void Count(NoteBatch* batch);
+  void Listen(const PacketFacts& facts, NoteBatch* batch);
+  void Learn(std::vector<KnownName>* heard);
 
   const EngineOptions options_;
   const std::shared_ptr<NameDirectory> names_;
   FeedGate gate_;
   // The feeding thread's, within a pass of the gate:
   std::array<PacketFacts, NoteBatch::kMost> facts_;
-  NoteBatch batch_;               // of packets that it counts itself
-  std::vector<KnownName> heard_;  // of the packet in work
+  NoteBatch batch_;  // of packets that it counts itself
   ApplicationDetector detector_;
-  ExpertAnalysis expert_;
+  ExpertReader expert_reader_;
   VoiceAnalysis voice_;
 
   mutable std::mutex mutex_;  // guards what follows; held for one batch, or while pages are shared
+  ExpertAnalysis expert_;
   StatisticsTables tables_;
   std::deque<std::shared_ptr<const SummaryRecord>> stored_;
   std::uint64_t changes_ = 0;

@@ -118,7 +118,7 @@ std::uint64_t LengthOf(const MediaStream& stream) {
 
 std::u16string MeanDeltaCell(R row) {
   if (row.stream.packets < 2) return {};
-  double gaps = static_cast<double>(row.stream.packets - 1);
+  const auto gaps = static_cast<double>(row.stream.packets - 1);
   return RealCell(static_cast<double>(LengthOf(row.stream)) / kMillisecond / gaps, 3);
 }
 

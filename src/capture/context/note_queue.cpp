@@ -59,7 +59,7 @@ void NoteQueue::Run() {
   for (;;) {
     published_some_.wait(lock, [this] { return published_ != counted_ || ending_; });
     if (published_ == counted_) return;
-    const NoteBatch& batch = (*batches_)[counted_ % kBatches];
+    NoteBatch& batch = (*batches_)[counted_ % kBatches];
     lock.unlock();
     std::exception_ptr problem;
     try {

@@ -10,7 +10,10 @@
 #include <mutex>
 #include <span>
 #include <thread>
+#include <vector>
 
+#include "capture/analysis/expert/expert_notes.h"
+#include "capture/names/name_directory.h"
 #include "capture/tables/counters.h"
 #include "capture/tables/packet_note.h"
 
@@ -20,7 +23,7 @@ namespace orvo {
 struct NoteBatch {
   static constexpr std::size_t kMost = 64;
 
-  std::span<const PacketNote> packets() const { return {notes.data(), size}; }
+  std::span<PacketNote> packets() { return {notes.data(), size}; }
 
   /// For the note at that place, which is there, when its packet is wireless.
   void AddWireless(std::size_t place, const PacketFacts& facts) {
@@ -33,6 +36,8 @@ struct NoteBatch {
   std::size_t size = 0;
   FlowCounts flows;
   std::array<PacketNote, kMost> notes;
+  std::vector<KnownName> heard;                               ///< names that the packets tell, in their order
+  ExpertNotes expert;                                         ///< as many, if there is an expert analysis
   std::unique_ptr<std::array<WirelessNote, kMost>> wireless;  ///< made with the first wireless packet
 };
 
@@ -42,7 +47,7 @@ class NoteQueue {
  public:
   /// `count` runs on the queue's thread. What it raises reaches the next Fill or Drain, once; the rest of its batch is
   /// lost, later batches are counted.
-  explicit NoteQueue(std::function<void(const NoteBatch&)> count) : count_(std::move(count)) {}
+  explicit NoteQueue(std::function<void(NoteBatch&)> count) : count_(std::move(count)) {}
   NoteQueue(const NoteQueue&) = delete;
   NoteQueue& operator=(const NoteQueue&) = delete;
   /// What waits is still counted.
@@ -61,14 +66,14 @@ class NoteQueue {
   void Drain();
 
  private:
-  static constexpr std::size_t kBatches = 16;
+  static constexpr std::size_t kBatches = 32;
   /// How many are worth waking the thread for.
-  static constexpr std::size_t kSome = 4;
+  static constexpr std::size_t kSome = 8;
 
   void Run();
   void RaiseProblem();
 
-  const std::function<void(const NoteBatch&)> count_;
+  const std::function<void(NoteBatch&)> count_;
   std::unique_ptr<std::array<NoteBatch, kBatches>> batches_;  // made with the thread
   std::mutex mutex_;                                          // guards what follows
   std::condition_variable published_some_;

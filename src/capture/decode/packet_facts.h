@@ -47,7 +47,6 @@ struct PacketFacts {
     ip_protocol = 0;
     source_port = destination_port = 0;
     has_network_pair = has_ports = is_fragment = is_icmp_error = malformed = false;
-    is_retransmission = false;
     missing = original - std::min(captured, original);
     cut_off = missing != 0;
     goes_on = false;
@@ -121,9 +120,7 @@ struct PacketFacts {
   /// Identifiers of the protocols that the packet's flow was found to carry: what is spoken, then what it is spoken to
   /// (TLS, then a mail service); 0 for not known. Decoders leave them alone.
   std::array<std::uint16_t, 2> applications{};
-  FlowMark flow;  ///< which flow the packet is of; decoders leave it alone
-  /// A TCP segment with bytes that its flow had before, or that were lost; decoders leave it alone.
-  bool is_retransmission = false;
+  FlowMark flow;           ///< which flow the packet is of; decoders leave it alone
   WirelessFacts wireless;  ///< set for a wireless frame only
 
  private:

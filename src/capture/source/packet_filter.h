@@ -48,8 +48,9 @@ class FilteredSource final : public PacketSource {
     for (;;) {
       const std::span<Packet> all = room.first(source_->NextBatch(room));
       if (all.empty()) return 0;
-      const auto end = std::ranges::remove_if(all, [this](const Packet& packet) { return !filter_->Matches(packet); });
-      if (end.size() < all.size()) return all.size() - end.size();
+      const auto end =
+          std::remove_if(all.begin(), all.end(), [this](const Packet& packet) { return !filter_->Matches(packet); });
+      if (end != all.begin()) return static_cast<std::size_t>(end - all.begin());
     }
   }
   SourceProgress progress() const override { return source_->progress(); }

@@ -24,7 +24,6 @@ struct PacketNote {
         has_vlan_tag(facts.vlan_tags != 0),
         is_fragment(facts.is_fragment),
         is_icmp_error(facts.is_icmp_error),
-        is_retransmission(facts.is_retransmission),
         malformed(facts.malformed),
         cut_off(facts.cut_off),
         flow_names_network(facts.flow.serial != 0 && facts.network.data() == facts.datagram.data()),
@@ -44,9 +43,10 @@ struct PacketNote {
   bool has_vlan_tag = false;
   bool is_fragment = false;
   bool is_icmp_error = false;
-  bool is_retransmission = false;
   bool malformed = false;
   bool cut_off = false;
+  /// A TCP segment with bytes that its flow had before, or that were lost; what the expert analysis found.
+  bool is_retransmission = false;
   bool flow_names_network = false;         ///< the flow's ends are those of the outermost datagram: there is no tunnel
   const WirelessNote* wireless = nullptr;  ///< of a wireless frame; kept by whoever keeps this
   std::array<AddressPair, PacketFacts::kMaxPairs> pairs;  ///< those beyond the count are left over

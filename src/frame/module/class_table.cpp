@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "frame/stats_output_method.h"
+#include "pdf/pdf_stats_output.h"
 #include "prefs/stats_output_prefs.h"
 #include "scheduler/skry_stats_output.h"
 #include "text/csv_stats_output.h"
@@ -21,6 +22,8 @@ constexpr ModuleClass kClasses[] = {
      104, CreateStatsOutputPrefs},
     {kXmlStatsOutputClass, "OrvoReports.XMLStatsOutput.1", "OrvoReports.XMLStatsOutput", "XMLStatsOutput Class", 105,
      CreateXmlStatsOutput},
+    {kPdfStatsOutputClass, "OrvoReports.PDFStatsOutput.1", "OrvoReports.PDFStatsOutput", "PDFStatsOutput Class", 106,
+     CreatePdfStatsOutput},
 };
 static_assert(std::ranges::is_sorted(kClasses, {}, &ModuleClass::script));
 

@@ -7,12 +7,19 @@ namespace orvo {
 ExpertAnalysis::ExpertAnalysis(const ExpertOptions& options)
     : options_(options), flows_(options.flows, options.apdex_target), log_(options.events) {}
 
-void ExpertAnalysis::Inspect(std::span<const Packet> packets, std::span<PacketFacts> facts) {
-  if (packets.size() > 1) flows_.Prepare(facts);
-  for (std::size_t i = 0; i < packets.size(); ++i) {
-    flows_.Inspect(packets[i], &facts[i], &log_);
-    network_.Inspect(packets[i], facts[i], &log_);
-    wireless_.Inspect(packets[i], facts[i], &log_);
+void ExpertAnalysis::Inspect(std::span<PacketNote> packets, const ExpertNotes& notes) {
+  // Some packets run ahead, so that what they need is on its way when it is their turn.
+  constexpr std::size_t kAhead = 8;
+  const std::size_t count = packets.size();
+  std::size_t event = 0;
+  for (std::size_t i = 0; i < count + 2 * kAhead; ++i) {
+    if (i < count) flows_.PrefetchTrack(packets[i].flow);
+    if (i >= kAhead && i - kAhead < count) flows_.PrefetchRow(packets[i - kAhead].flow);
+    if (i < 2 * kAhead) continue;
+    PacketNote& packet = packets[i - 2 * kAhead];
+    const ExpertNotes::Entry& entry = notes.packets[i - 2 * kAhead];
+    packet.is_retransmission = flows_.Inspect(packet, entry.flow, &log_);
+    for (; event < entry.events_so_far; ++event) log_.Add(notes.events[event]);
   }
 }
 

@@ -6,12 +6,10 @@
 #include <vector>
 
 #include "capture/analysis/expert/event_log.h"
+#include "capture/analysis/expert/expert_notes.h"
 #include "capture/analysis/expert/flow_expert.h"
-#include "capture/analysis/expert/network_watch.h"
-#include "capture/analysis/expert/wireless_watch.h"
-#include "capture/decode/packet_facts.h"
-#include "capture/source/packet.h"
 #include "capture/tables/counters.h"
+#include "capture/tables/packet_note.h"
 
 namespace orvo {
 
@@ -34,19 +32,18 @@ struct FrozenExpert {
   std::vector<ApplicationRow> Applications() const;
 };
 
-/// Watches packets for what is slow and what goes wrong.
+/// Finds out what is slow and what goes wrong, from what ExpertReader has read of packets.
 ///
-/// Belongs to one thread; others may call it while that thread is stopped.
-/// Memory: a row and a track, about 280 bytes together, for each flow that the flow table knows, and what ExpertOptions
+/// Belongs to one thread at a time.
+/// Memory: a row and a track, about 300 bytes together, for each flow that the flow table knows, and what ExpertOptions
 /// allows.
 class ExpertAnalysis {
  public:
   explicit ExpertAnalysis(const ExpertOptions& options);
 
-  /// Takes packets in their order, and as many facts, with `flow` and `applications` filled in; fills in what it finds
-  /// of each packet, `is_retransmission`. The packets' bytes must still be there. The more at a time, the faster it
-  /// goes, up to some hundred.
-  void Inspect(std::span<const Packet> packets, std::span<PacketFacts> facts);
+  /// Takes packets in their order, and what was read of as many; fills in what it finds of each packet,
+  /// `is_retransmission`. The more at a time, the faster it goes, up to some hundred.
+  void Inspect(std::span<PacketNote> packets, const ExpertNotes& notes);
   FrozenExpert Freeze();
   ExpertCounts counts();
   /// Starts over.
@@ -55,8 +52,6 @@ class ExpertAnalysis {
  private:
   const ExpertOptions options_;
   FlowExpert flows_;
-  NetworkWatch network_;
-  WirelessWatch wireless_;
   EventLog log_;
 };
 

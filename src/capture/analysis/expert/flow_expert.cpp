@@ -1,7 +1,6 @@
 #include "capture/analysis/expert/flow_expert.h"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 #include "capture/analysis/expert/flow_judge.h"
@@ -21,18 +20,18 @@ bool IsWellKnown(Layer layer, std::uint16_t port) {
 }
 
 /// Judged by the first packet of a flow.
-bool SenderIsClient(const PacketFacts& facts) {
-  if ((facts.tcp_flags & TcpSegment::kSyn) != 0) return (facts.tcp_flags & TcpSegment::kAck) == 0;
-  Layer layer = PortLayer(facts);
-  bool from_known = IsWellKnown(layer, facts.source_port);
-  bool to_known = IsWellKnown(layer, facts.destination_port);
+bool SenderIsClient(const PacketNote& packet, const FlowNote& note) {
+  if ((packet.tcp_flags & TcpSegment::kSyn) != 0) return (packet.tcp_flags & TcpSegment::kAck) == 0;
+  Layer layer = PortLayer(packet.ip_protocol);
+  bool from_known = IsWellKnown(layer, note.source_port);
+  bool to_known = IsWellKnown(layer, note.destination_port);
   if (from_known != to_known) return to_known;
-  return !from_known || facts.source_port >= facts.destination_port;
+  return !from_known || note.source_port >= note.destination_port;
 }
 
-void CountPacket(const Packet& packet, FlowSide sender, FlowRow* row) {
+void CountPacket(const PacketNote& packet, FlowSide sender, FlowRow* row) {
   ++row->packets[sender];
-  row->bytes[sender] += packet.original_length;
+  row->bytes[sender] += packet.bytes;
   if (row->first_time == 0) {
     row->first_time = row->last_time = packet.time;
   } else if (packet.time > row->last_time) {
@@ -45,37 +44,36 @@ void CountPacket(const Packet& packet, FlowSide sender, FlowRow* row) {
 
 }  // namespace
 
-void FlowExpert::Prepare(std::span<const PacketFacts> facts) const {
-  for (const PacketFacts& packet : facts) {
-    if (packet.flow.number >= tracks_.size()) continue;
-    const auto* track = reinterpret_cast<const char*>(&tracks_[packet.flow.number]);
-    __builtin_prefetch(track, 1);
-    __builtin_prefetch(track + sizeof(FlowTrack) - 1, 1);
-  }
-  for (const PacketFacts& packet : facts) {
-    if (packet.flow.number >= tracks_.size()) continue;
-    std::uint32_t row = tracks_[packet.flow.number].row;
-    if (row != kNoRow) rows_.Prefetch(row);
-  }
+void FlowExpert::PrefetchTrack(const FlowMark& flow) const {
+  if (flow.number >= tracks_.size()) return;
+  const auto* track = reinterpret_cast<const char*>(&tracks_[flow.number]);
+  __builtin_prefetch(track, 1);
+  __builtin_prefetch(track + sizeof(FlowTrack) - 1, 1);
 }
 
-void FlowExpert::Inspect(const Packet& packet, PacketFacts* facts, EventLog* log) {
-  if (facts->flow.serial == 0) return;
-  FlowTrack& track = TrackOf(*facts, log);
+void FlowExpert::PrefetchRow(const FlowMark& flow) const {
+  if (flow.number >= tracks_.size()) return;
+  std::uint32_t row = tracks_[flow.number].row;
+  if (row != kNoRow) rows_.Prefetch(row);
+}
+
+bool FlowExpert::Inspect(const PacketNote& packet, const FlowNote& note, EventLog* log) {
+  if (packet.flow.serial == 0) return false;
+  FlowTrack& track = TrackOf(packet, note, log);
   FlowRow& row = rows_.Edit(track.row);
-  if (facts->applications[0] != 0 && facts->applications != row.applications) {
-    row.applications = facts->applications;
+  if (note.applications[0] != 0 && note.applications != row.applications) {
+    row.applications = note.applications;
     track.spoken = SpokenBy(row.applications[0]);
   }
-  FlowSide sender = facts->flow.from_first == track.client_is_first ? kClient : kServer;
+  FlowSide sender = packet.flow.from_first == track.client_is_first ? kClient : kServer;
   CountPacket(packet, sender, &row);
   const std::uint32_t before = row.retransmissions[sender];
-  FlowJudge(&track, &row, log, packet.time, apdex_target_).Judge(packet, *facts, sender);
-  facts->is_retransmission = row.retransmissions[sender] != before;
+  FlowJudge(&track, &row, log, packet.time, apdex_target_).Judge(packet, note, sender);
+  return row.retransmissions[sender] != before;
 }
 
-FlowTrack& FlowExpert::TrackOf(const PacketFacts& facts, EventLog* log) {
-  const FlowMark& mark = facts.flow;
+FlowTrack& FlowExpert::TrackOf(const PacketNote& packet, const FlowNote& note, EventLog* log) {
+  const FlowMark& mark = packet.flow;
   if (mark.number >= tracks_.size()) tracks_.resize(std::size_t{mark.number} + 1);
   FlowTrack& track = tracks_[mark.number];
   if (track.serial != mark.serial) {
@@ -86,28 +84,28 @@ FlowTrack& FlowExpert::TrackOf(const PacketFacts& facts, EventLog* log) {
     }
     track = {};
     track.serial = mark.serial;
-    track.client_is_first = mark.from_first == SenderIsClient(facts);
-    if (facts.ip_protocol == kUdp) track.transport.dns = {};
+    track.client_is_first = mark.from_first == SenderIsClient(packet, note);
+    if (packet.ip_protocol == kUdp) track.transport.dns = {};
   }
-  if (track.row == kNoRow) BeginRow(facts, &track);
+  if (track.row == kNoRow) BeginRow(packet, note, &track);
   return track;
 }
 
-void FlowExpert::BeginRow(const PacketFacts& facts, FlowTrack* track) {
-  FlowSide sender = facts.flow.from_first == track->client_is_first ? kClient : kServer;
+void FlowExpert::BeginRow(const PacketNote& packet, const FlowNote& note, FlowTrack* track) {
+  FlowSide sender = packet.flow.from_first == track->client_is_first ? kClient : kServer;
   FlowSide receiver = sender == kClient ? kServer : kClient;
   FlowRow row;
   row.id = ++begun_;
-  row.ip_version = facts.datagram[0] >> 4;
-  row.ip_protocol = facts.ip_protocol;
-  std::size_t length = row.ip_version == 4 ? 4 : 16;
-  const std::uint8_t* source = facts.datagram.data() + (row.ip_version == 4 ? 12 : 8);
-  std::memcpy(row.addresses[sender].data(), source, length);
-  std::memcpy(row.addresses[receiver].data(), source + length, length);
-  row.ports[sender] = facts.source_port;
-  row.ports[receiver] = facts.destination_port;
-  row.applications = facts.applications;
-  if (row.applications[0] == 0) row.applications[0] = PortApplication(facts);
+  row.ip_version = note.ip_version;
+  row.ip_protocol = packet.ip_protocol;
+  row.addresses[sender] = note.addresses[0];
+  row.addresses[receiver] = note.addresses[1];
+  row.ports[sender] = note.source_port;
+  row.ports[receiver] = note.destination_port;
+  row.applications = note.applications;
+  if (row.applications[0] == 0) {
+    row.applications[0] = PortApplication(PortLayer(packet.ip_protocol), note.source_port, note.destination_port);
+  }
   track->spoken = SpokenBy(row.applications[0]);
   track->row = FreeRow();
   rows_.Edit(track->row) = row;

@@ -4,14 +4,13 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
-#include <span>
 #include <vector>
 
 #include "capture/analysis/expert/application_totals.h"
 #include "capture/analysis/expert/event_log.h"
+#include "capture/analysis/expert/expert_notes.h"
 #include "capture/analysis/expert/flow_track.h"
-#include "capture/decode/packet_facts.h"
-#include "capture/source/packet.h"
+#include "capture/tables/packet_note.h"
 #include "capture/tables/paged_vector.h"
 
 namespace orvo {
@@ -33,12 +32,12 @@ class FlowExpert {
   /// `kept` flows that are over keep their rows. `apdex_target` is in microseconds.
   FlowExpert(std::size_t kept, std::uint64_t apdex_target) : kept_(kept), apdex_target_(apdex_target) {}
 
-  /// Fetches what packets to come will need into the cache, all at the same time instead of one after the other. May be
-  /// left out.
-  void Prepare(std::span<const PacketFacts> facts) const;
-  /// Takes a packet, which counts if it is of a flow, and notes in its facts whether it is a retransmission. Its bytes
-  /// must still be there.
-  void Inspect(const Packet& packet, PacketFacts* facts, EventLog* log);
+  // Begin to fetch what a packet to come will need, the second some packets after the first. May be left out.
+  void PrefetchTrack(const FlowMark& flow) const;
+  void PrefetchRow(const FlowMark& flow) const;
+
+  /// Takes a packet, which counts if it is of a flow; true for a retransmission.
+  bool Inspect(const PacketNote& packet, const FlowNote& note, EventLog* log);
   FrozenFlows Freeze();
   /// As in FrozenFlows.
   std::uint64_t dropped() const { return dropped_; }
@@ -46,8 +45,8 @@ class FlowExpert {
   void Reset();
 
  private:
-  FlowTrack& TrackOf(const PacketFacts& facts, EventLog* log);
-  void BeginRow(const PacketFacts& facts, FlowTrack* track);
+  FlowTrack& TrackOf(const PacketNote& packet, const FlowNote& note, EventLog* log);
+  void BeginRow(const PacketNote& packet, const FlowNote& note, FlowTrack* track);
   std::uint32_t FreeRow();
   void Keep(std::uint32_t row);
 

@@ -44,26 +44,25 @@ FlowSide Other(FlowSide side) {
 
 }  // namespace
 
-void FlowJudge::Judge(const Packet& packet, const PacketFacts& facts, FlowSide sender) {
+void FlowJudge::Judge(const PacketNote& packet, const FlowNote& note, FlowSide sender) {
   sender_ = sender;
-  if (facts.ip_protocol == kTcp) {
-    JudgeTcp(packet, facts);
-  } else if (!facts.payload.empty()) {
-    JudgeUdp(facts);
+  if (packet.ip_protocol == kTcp) {
+    if (note.has_segment) JudgeTcp(note);
+  } else if (!note.payload().empty()) {
+    JudgeUdp(note.payload());
   }
 }
 
-void FlowJudge::JudgeTcp(const Packet& packet, const PacketFacts& facts) {
-  TcpSegment segment;
-  if (!ReadTcpSegment(packet, facts, &segment)) return;
+void FlowJudge::JudgeTcp(const FlowNote& note) {
+  const TcpSegment& segment = note.segment;
   std::uint32_t reorder_time = std::clamp(row_.connect_time, kLeastReorderTime, kMostReorderTime);
   TcpTrack& tcp = track_.transport.tcp;
   TcpFindings findings = tcp[sender_].Note(segment, now_, reorder_time, &tcp[Other(sender_)]);
   NoteTroubles(findings);
   if (!track_.connected) NoteConnecting(segment);
   if (findings.new_data) {
-    if (track_.spoken == SpokenProtocol::kTls) NoteTlsRecord(facts.payload);
-    sender_ == kClient ? NoteRequest() : NoteAnswer(facts.payload, segment.length);
+    if (track_.spoken == SpokenProtocol::kTls) NoteTlsRecord(note.payload());
+    sender_ == kClient ? NoteRequest() : NoteAnswer(note.payload(), segment.length);
   }
   if (segment.Has(TcpSegment::kRst)) NoteReset();
   if (segment.Has(TcpSegment::kRst | TcpSegment::kFin)) EndAnswer();
@@ -173,9 +172,9 @@ void FlowJudge::NoteTlsRecord(Bytes payload) {
   }
 }
 
-void FlowJudge::JudgeUdp(const PacketFacts& facts) {
+void FlowJudge::JudgeUdp(Bytes payload) {
   if (track_.spoken == SpokenProtocol::kDns) {
-    NoteDnsMessage(facts.payload);
+    NoteDnsMessage(payload);
   } else if (track_.spoken == SpokenProtocol::kAskedOverUdp) {
     if (sender_ == kClient) {
       if (track_.request_time == 0) track_.request_time = time_;  // asked again, it still waits since the first time

@@ -3,10 +3,10 @@
 #include <cstdint>
 
 #include "capture/analysis/expert/event_log.h"
+#include "capture/analysis/expert/expert_notes.h"
 #include "capture/analysis/expert/flow_row.h"
 #include "capture/analysis/expert/flow_track.h"
-#include "capture/decode/packet_facts.h"
-#include "capture/source/packet.h"
+#include "capture/tables/packet_note.h"
 
 namespace orvo {
 
@@ -17,13 +17,13 @@ class FlowJudge {
   FlowJudge(FlowTrack* track, FlowRow* row, EventLog* log, std::uint64_t time, std::uint64_t apdex_target)
       : track_(*track), row_(*row), log_(*log), time_(time), now_(TickOf(time)), apdex_target_(apdex_target) {}
 
-  void Judge(const Packet& packet, const PacketFacts& facts, FlowSide sender);
+  void Judge(const PacketNote& packet, const FlowNote& note, FlowSide sender);
   /// Nothing more will come of the flow.
   void Close() { EndAnswer(); }
 
  private:
-  void JudgeTcp(const Packet& packet, const PacketFacts& facts);
-  void JudgeUdp(const PacketFacts& facts);
+  void JudgeTcp(const FlowNote& note);
+  void JudgeUdp(Bytes payload);
   void NoteTroubles(const TcpFindings& findings);
   void NoteConnecting(const TcpSegment& segment);
   void NoteReset();

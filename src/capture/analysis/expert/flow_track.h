@@ -21,8 +21,9 @@ struct DnsTrack {
 
 using TcpTrack = std::array<TcpDirection, 2>;
 
-/// What is remembered of a flow under way besides its row, to judge its next packet by.
-struct FlowTrack {
+/// What is remembered of a flow under way besides its row, to judge its next packet by. Fills two lines of the
+/// cache.
+struct alignas(64) FlowTrack {
   union Transport {
     TcpTrack tcp;  ///< by FlowSide
     DnsTrack dns;  ///< of UDP
@@ -46,6 +47,6 @@ struct FlowTrack {
   bool tls_agreed : 1 = false;
   Transport transport;
 };
-static_assert(sizeof(FlowTrack) <= 112);
+static_assert(sizeof(FlowTrack) == 128);
 
 }  // namespace orvo

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "capture/analysis/expert/address_claims.h"
 #include "capture/analysis/expert/event_log.h"
@@ -15,15 +16,17 @@ class NetworkWatch {
  public:
   NetworkWatch();
 
-  void Inspect(const Packet& packet, const PacketFacts& facts, EventLog* log);
+  /// Appends what it finds.
+  void Inspect(const Packet& packet, const PacketFacts& facts, std::vector<EventRecord>* events);
 
  private:
-  void InspectArp(const Packet& packet, const PacketFacts& facts, EventLog* log);
-  void InspectIcmp(const Packet& packet, const PacketFacts& facts, EventLog* log);
-  void InspectIcmpv6(const Packet& packet, const PacketFacts& facts, EventLog* log);
-  void InspectNeighbour(const Packet& packet, const PacketFacts& facts, EventLog* log);
-  void NoteClaim(const AddressRecord& address, const std::uint8_t* physical, std::uint64_t time, EventLog* log);
-  void CountBroadcast(const Packet& packet, const PacketFacts& facts, EventLog* log);
+  void InspectArp(const Packet& packet, const PacketFacts& facts, std::vector<EventRecord>* events);
+  void InspectIcmp(const Packet& packet, const PacketFacts& facts, std::vector<EventRecord>* events);
+  void InspectIcmpv6(const Packet& packet, const PacketFacts& facts, std::vector<EventRecord>* events);
+  void InspectNeighbour(const Packet& packet, const PacketFacts& facts, std::vector<EventRecord>* events);
+  void NoteClaim(const AddressRecord& address, const std::uint8_t* physical, std::uint64_t time,
+                 std::vector<EventRecord>* events);
+  void CountBroadcast(const Packet& packet, const PacketFacts& facts, std::vector<EventRecord>* events);
 
   std::uint16_t arp_;  // identifiers in the registry
   std::uint16_t icmp_;

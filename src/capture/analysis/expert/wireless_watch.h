@@ -22,7 +22,8 @@ class WirelessWatch {
  public:
   static constexpr std::uint16_t kFrames = 50;
 
-  void Inspect(const Packet& packet, const PacketFacts& facts, EventLog* log);
+  /// Appends what it finds.
+  void Inspect(const Packet& packet, const PacketFacts& facts, std::vector<EventRecord>* events);
 
  private:
   struct Node {
@@ -37,11 +38,11 @@ class WirelessWatch {
     bool is_weak = false;
   };
   static constexpr std::size_t kPlaces = 4096;
-  static_assert(kPlaces * sizeof(Node) <= 256 * 1024);
+  static_assert(kPlaces * sizeof(Node) <= std::size_t{256} * 1024);
 
   Node& NodeOf(const AddressRecord& address);
-  void CountData(const Packet& packet, const WirelessFacts& wireless, EventLog* log);
-  void CountFarewell(const Packet& packet, const WirelessFacts& wireless, EventLog* log);
+  void CountData(const Packet& packet, const WirelessFacts& wireless, std::vector<EventRecord>* events);
+  void CountFarewell(const Packet& packet, const WirelessFacts& wireless, std::vector<EventRecord>* events);
 
   KeyedHash hash_;
   std::vector<Node> nodes_;  // empty until the first frame that is counted, then kPlaces

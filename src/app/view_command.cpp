@@ -1,0 +1,82 @@
+#include <fmt/core.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "app/browser.h"
+#include "app/messages.h"
+#include "app/options.h"
+#include "app/report_server.h"
+#include "app/served_folder.h"
+
+namespace orvo::app {
+namespace {
+
+struct ViewOptions {
+  std::string folder;
+  int port = 0;
+  bool open = false;
+};
+
+/// Ends the command when the folder has no page to begin with.
+void RequirePages(const ServedFolder& folder, const std::string& path) {
+  if (folder.Open("Report.htm")) return;
+  std::string advice = "make one with --format xml";
+  if (folder.Open("xml/Report.htm"))
+    advice = fmt::format("did you mean {}?", (std::filesystem::path(path) / "xml").string());
+  throw CommandError(kFailed,
+                     fmt::format("{}: holds no report with pages, as Report.htm is missing ({})", path, advice));
+}
+
+int View(const ViewOptions& options) {
+  const ServedFolder folder(options.folder);
+  RequirePages(folder, options.folder);
+  ReportServer server(folder);
+  server.Bind(options.port);
+
+  // Blocked before there is a second thread, so that only the wait below gets them.
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&signals, signal);
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  bool ended_well = false;
+  std::thread work([&] {
+    ended_well = server.Run();
+    if (!ended_well) kill(getpid(), SIGTERM);
+  });
+  try {
+    PrintOutput(server.Address() + "\n");
+    if (isatty(STDERR_FILENO)) PrintMessage("press Ctrl-C to stop");
+    if (options.open && !OpenInBrowser(server.Address()))
+      PrintWarning("xdg-open cannot be started; open the address yourself");
+    int signal = 0;
+    sigwait(&signals, &signal);
+  } catch (...) {
+    server.Stop();
+    work.join();
+    throw;
+  }
+  server.Stop();
+  work.join();
+  if (!ended_well) throw CommandError(kFailed, "the system ended the server");
+  return kDone;
+}
+
+}  // namespace
+
+void AddViewCommand(CLI::App& parser, Verb* verb) {
+  CLI::App* command = parser.add_subcommand("view", "Show a report of format xml in a browser");
+  auto options = std::make_shared<ViewOptions>();
+  command->add_option("DIR", options->folder, "Folder of the report")->required()->type_name("")->check(NotEmpty());
+  command->add_option("--port", options->port, "Port of 127.0.0.1 to show it on (default: a free one)")
+      ->type_name("N")
+      ->check(CLI::Range(0, 65535));
+  command->add_flag("--open", options->open, "Start the desktop's browser");
+  command->callback([verb, options] { *verb = [options] { return View(*options); }; });
+}
+
+}  // namespace orvo::app

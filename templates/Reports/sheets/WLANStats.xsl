@@ -1,0 +1,36 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!-- The nodes of wireless networks. -->
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
+  <xsl:output method="html" encoding="utf-8"/>
+
+  <xsl:template match="/">
+    <article class="view">
+      <xsl:for-each select="StatsReport/WirelessNodeStatistics">
+        <header class="view-head">
+          <h1>Wireless nodes</h1>
+          <p><xsl:value-of select="Summary/TimeSaved"/></p>
+        </header>
+        <xsl:for-each select="Summary"><xsl:call-template name="wireless-totals"/></xsl:for-each>
+        <xsl:for-each select="Stats[WirelessNodeStat]">
+          <xsl:call-template name="wireless-nodes">
+            <xsl:with-param name="title" select="'Wireless nodes'"/>
+          </xsl:call-template>
+          <xsl:call-template name="data-rates"/>
+        </xsl:for-each>
+      </xsl:for-each>
+      <xsl:if test="not(StatsReport/WirelessNodeStatistics/Stats/WirelessNodeStat)">
+        <xsl:call-template name="no-wireless">
+          <xsl:with-param name="title" select="'No wireless nodes'"/>
+        </xsl:call-template>
+      </xsl:if>
+    </article>
+  </xsl:template>
+
+  <?include cards?>
+  <?include empty?>
+  <?include wireless-totals?>
+  <?include wireless-head?>
+  <?include wireless-nodes?>
+  <?include data-rates?>
+  <?include no-wireless?>
+</xsl:stylesheet>

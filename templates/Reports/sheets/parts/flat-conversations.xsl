@@ -1,0 +1,38 @@
+  <!-- The conversations of one type of addresses, the current node, one after the other. -->
+  <xsl:template name="flat-conversations">
+    <section class="part">
+      <div class="part-head">
+        <h2><xsl:value-of select="@Name"/><span class="count"><xsl:value-of select="count(ConversationStat)"/></span></h2>
+      </div>
+      <table class="grid">
+        <caption>Conversations - <xsl:value-of select="@Name"/></caption>
+        <thead>
+          <tr>
+            <th data-kind="address">From</th>
+            <th data-kind="address">To</th>
+            <th data-kind="text">Protocol</th>
+            <th data-kind="bytes">Bytes</th>
+            <th data-kind="number">Packets</th>
+            <th data-kind="ratio">Share of sender</th>
+            <th data-kind="ratio">Share of receiver</th>
+            <th data-kind="ratio">Share of protocol</th>
+          </tr>
+        </thead>
+        <tbody>
+          <xsl:for-each select="ConversationStat">
+            <tr>
+              <th scope="row"><xsl:value-of select="SourceAddress"/></th>
+              <td><xsl:value-of select="DestinationAddress"/></td>
+              <td><xsl:value-of select="Protocol"/></td>
+              <td><xsl:value-of select="Bytes"/></td>
+              <td><xsl:value-of select="Packets"/></td>
+              <td><xsl:value-of select="PctBytesSent"/></td>
+              <td><xsl:value-of select="PctBytesReceived"/></td>
+              <td><xsl:value-of select="PctBytesProtocol"/></td>
+            </tr>
+          </xsl:for-each>
+        </tbody>
+      </table>
+    </section>
+  </xsl:template>
+

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "pdf/pdf_stats_output.h"
+#include "platform/clock.h"
+#include "prefs/stats_output_prefs.h"
+#include "prefs/switch_ids.h"
+#include "tests/support/pdf_pages.h"
+#include "tests/support/scripted_engine.h"
+#include "tests/support/temporary_folder.h"
+#include "tests/support/text.h"
+
+namespace orvo::test {
+
+/// 2026-11-22 14:05:09 UTC, and so many seconds later.
+inline std::uint64_t Moment(std::int64_t seconds = 0) {
+  return TimeFromUnix((1'795'356'309 + seconds) * 1'000'000'000);
+}
+
+/// A failure that nothing but a test's own engine answers with.
+inline constexpr Status kDenied = StatusFromError(kErrorAccessDenied);
+
+/// A PDF report from a scripted engine into a folder of its own.
+class PdfReportTest : public testing::Test {
+ protected:
+  using Page = std::vector<std::string>;
+
+  PdfReportTest() {
+    engine.snapshot_time = Moment();
+    engine.live.start_time = Moment(-7);
+    engine.live.duration = 7'000'000'000;
+    engine.live.total_packets = 10;
+    engine.live.total_bytes = 1000;
+    EXPECT_EQ(CreatePdfStatsOutput(IStatsOutputMethod::kIid, method.OutVoid()), S_OK);
+    EXPECT_EQ(CreateStatsOutputPrefs(IStatsOutputPrefs::kIid, preferences.OutVoid()), S_OK);
+    EXPECT_EQ(method->SetFormat(nullptr, nullptr, preferences.get(), nullptr), S_OK);
+  }
+
+  void Switch(std::uint32_t identifier, std::int32_t value) { preferences->SetPreference(identifier, value); }
+
+  Status Output(IGraphCollection* graphs = nullptr) {
+    return method->Output(Bstr(folder.ReportFolder()).get(), engine.Context().get(), graphs);
+  }
+  Status OutputLive(IGraphCollection* graphs = nullptr) {
+    return method->OutputLive(engine.Context().get(), Bstr(folder.ReportFolder()).get(), graphs);
+  }
+
+  std::string Report() const { return folder.Path("Report.pdf"); }
+  /// The pages whose first line is this title, with the time of the report behind it.
+  std::vector<Page> PagesTitled(const std::string& title) const {
+    std::vector<Page> found;
+    for (const Page& page : PdfPages(Report())) {
+      if (!page.empty() && page.front().ends_with(":" + title + ": Reported 11/22/2026 14:05:09"))
+        found.push_back(page);
+    }
+    return found;
+  }
+  /// The same after a new report.
+  std::vector<Page> Print(const std::string& title) {
+    EXPECT_EQ(Output(), S_OK);
+    return PagesTitled(title);
+  }
+  /// What stands below title and header.
+  static Page Rows(const Page& page) { return {page.begin() + 3, page.end()}; }
+  /// The entries of the outline, without what every report has: the root, the dashboard and the statistics.
+  std::vector<std::string> Entries() const {
+    std::vector<std::string> entries = PdfOutlineOf(Report());
+    EXPECT_GE(entries.size(), 3U);
+    return {entries.begin() + 3, entries.end()};
+  }
+  /// What the observer heard last of the report.
+  ScriptedEngine::FileReport Heard() const {
+    EXPECT_FALSE(engine.files.empty());
+    return engine.files.empty() ? ScriptedEngine::FileReport() : engine.files.back();
+  }
+
+  TemporaryFolder folder;
+  ScriptedEngine engine;
+  ComPtr<IStatsOutputMethod> method;
+  ComPtr<IStatsOutputPrefs> preferences;
+};
+
+}  // namespace orvo::test
