@@ -370,36 +370,5 @@ TEST(WirelessSnapshot, IsReadWithDistrust) {
   }
 }
 
-TEST(WirelessSample, IsUnderstood) {
-  CaptureEngine engine;
-  ForEachSamplePacket([&](const Packet& packet) { engine.Feed(packet); });
-  View view(engine);
-  EXPECT_EQ(DescribeNodes(view),
-            "02:00:5e:10:00:03 AP 'office' ch=1/1 enc=3 auth=3 private shown\n"
-            "ff:ff:ff:ff:ff:ff admin '' ch=1/1 enc=0 auth=0\n"
-            "- name 'office' ch=0/0 enc=0 auth=0\n"
-            "02:00:5e:10:00:01 AP 'lab' ch=6/6 enc=0 auth=0 private shown\n"
-            "- name 'lab' ch=0/0 enc=0 auth=0\n"
-            "02:00:5e:10:00:05 AP 'guest' ch=6/6 enc=0 auth=0 shown\n"
-            "- name 'guest' ch=0/0 enc=0 auth=0\n"
-            "02:00:5e:10:00:04 AP 'store' ch=11/11 enc=1 auth=0 private\n"
-            "02:00:5e:10:00:02 AP 'lab' ch=36/36 enc=0 auth=0 private shown\n"
-            "02:00:5e:30:00:01 ad hoc 'party' ch=11/11 enc=0 auth=0 shown\n"
-            "- name 'party' ch=0/0 enc=0 auth=0\n"
-            "02:00:5e:20:00:01 STA 'lab' of 02:00:5e:10:00:02 strong ch=36/36 enc=0 auth=0 private\n"
-            "02:00:5e:20:00:02 STA 'office' of 02:00:5e:10:00:03 strong ch=1/1 enc=3 auth=3 private\n"
-            "02:00:5e:20:00:03 STA 'store' of 02:00:5e:10:00:04 weak ch=11/11 enc=1 auth=0 private\n"
-            "- name 'store' ch=0/0 enc=0 auth=0\n"
-            "02:00:5e:20:00:04 STA 'guest' of 02:00:5e:10:00:05 strong ch=6/6 enc=0 auth=0\n"
-            "02:00:5e:20:00:05 STA 'lab' of 02:00:5e:10:00:01 weak ch=6/6 enc=0 auth=0\n"
-            "02:00:5e:30:00:02 ad hoc 'party' ch=11/11 enc=0 auth=0\n"
-            "02:00:5e:20:00:06 STA 'elsewhere' of - weak ch=1/1 enc=0 auth=0\n"
-            "- name 'elsewhere' ch=0/0 enc=0 auth=0\n"
-            "02:00:5e:10:00:06 STA 'guest' of 02:00:5e:10:00:05 strong ch=6/6 enc=0 auth=0\n"
-            "02:00:5e:50:00:01 STA '' of - none ch=0/0 enc=0 auth=0\n"
-            "networks=4 access-points=5 ad-hoc=1 clients=8\n");
-  EXPECT_EQ(view.Value("Malformed Packets").first, 0U);
-}
-
 }  // namespace
 }  // namespace orvo::test

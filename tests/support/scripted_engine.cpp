@@ -75,28 +75,36 @@ class Addresses final : public ViewObject<IAddressTable> {
     return *record ? S_OK : S_FALSE;
   }
   Status FirstOfType(std::uint8_t type, std::uint32_t* index) override {
-    ANSWER("IAddressTable::FirstOfType");
     auto found = view_->first_of_type.find(type);
     *index = found == view_->first_of_type.end() ? kNoAddress : found->second;
     return *index == kNoAddress ? S_FALSE : S_OK;
   }
   Status NextOfType(std::uint32_t index, std::uint32_t* next) override {
-    ANSWER("IAddressTable::NextOfType");
     *next = view_->next_of_type[index];
     return *next == kNoAddress ? S_FALSE : S_OK;
   }
 };
 
-class Nodes final : public ViewObject<INodeStats> {
+/// What tables that are lists of the script answer alike.
+template <class Interface, class Record, std::vector<Record> Script::*records>
+class TableOf : public ViewObject<Interface> {
  public:
-  using ViewObject::ViewObject;
+  using ViewObject<Interface>::ViewObject;
   Status GetCount(std::uint32_t* count) override {
-    *count = static_cast<std::uint32_t>(view_->script.nodes.size());
+    *count = static_cast<std::uint32_t>(Records().size());
     return S_OK;
   }
-  Status GetEntry(std::uint32_t index, const NodeEntry** entry) override {
-    return Entry(view_->script.nodes, index, entry);
+  Status GetEntry(std::uint32_t index, const Record** entry) override {
+    return ViewObject<Interface>::Entry(Records(), index, entry);
   }
+
+ protected:
+  const std::vector<Record>& Records() const { return this->view_->script.*records; }
+};
+
+class Nodes final : public TableOf<INodeStats, NodeEntry, &Script::nodes> {
+ public:
+  using TableOf::TableOf;
   Status FindByAddress(std::uint32_t address, const NodeEntry** entry) override {
     ANSWER("INodeStats::FindByAddress");
     *entry = address < view_->node_of_address.size() ? view_->node_of_address[address] : nullptr;
@@ -104,32 +112,14 @@ class Nodes final : public ViewObject<INodeStats> {
   }
 };
 
-class Hierarchy final : public ViewObject<IHierarchyStats> {
- public:
-  using ViewObject::ViewObject;
-  Status GetCount(std::uint32_t* count) override {
-    *count = static_cast<std::uint32_t>(view_->script.hierarchy.size());
-    return S_OK;
-  }
-  Status GetEntry(std::uint32_t index, const HierarchyEntry** entry) override {
-    ANSWER("IHierarchyStats::GetEntry");
-    return Entry(view_->script.hierarchy, index, entry);
-  }
-};
+using Hierarchy = TableOf<IHierarchyStats, HierarchyEntry, &Script::hierarchy>;
 
-class Protocols final : public ViewObject<IProtocolStats> {
+class Protocols final : public TableOf<IProtocolStats, ProtocolEntry, &Script::protocols> {
  public:
-  using ViewObject::ViewObject;
-  Status GetCount(std::uint32_t* count) override {
-    *count = static_cast<std::uint32_t>(view_->script.protocols.size());
-    return S_OK;
-  }
-  Status GetEntry(std::uint32_t index, const ProtocolEntry** entry) override {
-    return Entry(view_->script.protocols, index, entry);
-  }
+  using TableOf::TableOf;
   Status FindByKey(std::uint32_t key, const ProtocolEntry** entry) override {
-    auto found = std::ranges::find(view_->script.protocols, key, &ProtocolEntry::key);
-    *entry = found == view_->script.protocols.end() ? nullptr : &*found;
+    auto found = std::ranges::find(Records(), key, &ProtocolEntry::key);
+    *entry = found == Records().end() ? nullptr : &*found;
     return *entry ? S_OK : S_FALSE;
   }
 };
@@ -138,7 +128,6 @@ class Conversations final : public ViewObject<IConversationStats> {
  public:
   using ViewObject::ViewObject;
   Status GetCount(std::uint32_t* count) override {
-    ANSWER("IConversationStats::GetCount");
     *count = static_cast<std::uint32_t>(view_->conversations.size());
     return S_OK;
   }
@@ -184,7 +173,6 @@ class SummarySnapshot final : public ViewObject<ISummarySnapshot> {
     return S_OK;
   }
   Status GetCount(std::uint32_t* count) override {
-    ANSWER("ISummarySnapshot::GetCount");
     *count = static_cast<std::uint32_t>(view_->script.summary.size());
     return S_OK;
   }
@@ -230,7 +218,6 @@ class Summary final : public ViewObject<ISummaryStats> {
     return S_OK;
   }
   Status GetSnapshot(std::uint32_t index, ISummarySnapshot** snapshot) override {
-    ANSWER("ISummaryStats::GetSnapshot");
     if (index != 0) return E_INVALIDARG;
     *snapshot = MakeObject<SummarySnapshot>(view_).Detach();
     return S_OK;
@@ -278,7 +265,6 @@ class ContextBase : public Object<IStatsContext, Interfaces...> {
   Status GetCategory(const Guid& category, const Guid& /*iid*/, void** out) override {
     *out = nullptr;
     SharedView view = CurrentView();
-    if (Status answer = engine_->Answer("IStatsContext::GetCategory"); answer != S_OK) return answer;
     if (std::ranges::count(view->script.missing, category) != 0) return E_NOINTERFACE;
     for (const CategoryMaker& maker : kCategories) {
       if (maker.identifier == category) return maker.make(view, out);
@@ -297,7 +283,6 @@ class ContextBase : public Object<IStatsContext, Interfaces...> {
     return S_OK;
   }
   Status GetConversationIndex(IConversationIndex** index) override {
-    if (Status answer = engine_->Answer("IStatsContext::GetConversationIndex"); answer != S_OK) return answer;
     *index = MakeObject<ConversationIndex>(CurrentView()).Detach();
     return S_OK;
   }
@@ -359,7 +344,6 @@ class LiveContext final : public ContextBase<IStatsSnapshotSource, IReportObserv
   }
 
   void* FindInterface(const Guid& iid) override {
-    if (iid == IReportObserver::kIid && !engine_->offers_observer) return nullptr;
     if (iid == IStatsSnapshotSource::kIid && !engine_->offers_snapshots) return nullptr;
     return ContextBase::FindInterface(iid);
   }

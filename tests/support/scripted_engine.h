@@ -129,7 +129,6 @@ class ScriptedEngine {
   /// Replaces the text of an address.
   std::map<std::u16string, std::u16string> names;
   std::map<std::uint16_t, ScriptedProtocol> protocol_tree;
-  bool offers_observer = true;
   bool offers_snapshots = true;
   /// The script changes no more: a context makes its tables once instead of anew for every report.
   bool fixed = false;

@@ -21,29 +21,6 @@ class NodeFilesTest : public TextReportTest {
  protected:
   NodeFilesTest() { OnlySection(kSwitchOutputNodeStats); }
 
-  /// One node that has sent and received, with a different number in every field.
-  void AddBusyNode() {
-    NodeEntry node;
-    node.address = engine.live.AddIp(10, 0, 0, 1);
-    node.first_time_sent = Moment(-60);
-    node.last_time_sent = Moment(-50);
-    node.first_time_received = Moment(-40);
-    node.last_time_received = Moment(-30);
-    node.packets_sent = 1;
-    node.bytes_sent = 2;
-    node.packets_received = 3;
-    node.bytes_received = 18446744073709551615U;
-    node.broadcast_packets = 5;
-    node.broadcast_bytes = 6;
-    node.multicast_packets = 7;
-    node.multicast_bytes = 8;
-    node.min_size_sent = 9;
-    node.max_size_sent = 65535;
-    node.min_size_received = 0;
-    node.max_size_received = 12;
-    engine.live.nodes.push_back(node);
-  }
-
   void AddNode(std::uint32_t address, std::uint64_t bytes_sent) {
     NodeEntry node;
     node.address = address;
@@ -56,31 +33,19 @@ class NodeFilesTest : public TextReportTest {
   }
 };
 
-TEST_F(NodeFilesTest, WritesEveryColumnInOrder) {
-  AddBusyNode();
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(
-      FileLines(kIpFile),
-      ElementsAre("Time Saved,Address,First Time Sent,Last Time Sent,First Time Received,Last Time Received,"
-                  "Packets Sent,Bytes Sent,Packets Received,Bytes Received,Broadcast Packets,Broadcast Bytes,"
-                  "Multicast Packets,Multicast Bytes,Min Size Sent,Max Size Sent,Min Size Received,Max Size Received",
-                  std::string(kSaved) +
-                      ",10.0.0.1,11/22/2026 14:04:09,11/22/2026 14:04:19,11/22/2026 14:04:29,11/22/2026 14:04:39,"
-                      "1,2,3,18446744073709551615,5,6,7,8,9,65535,0,12"));
-}
-
-TEST_F(NodeFilesTest, LeavesWhatNeverHappenedEmpty) {
+TEST_F(NodeFilesTest, LeavesWhatNeverHappenedEmptyButNotASizeOfZero) {
   AddNode(engine.live.AddIp(10, 0, 0, 2), 42);
+  engine.live.nodes[0].min_size_received = 0;
   ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(FileLines(kIpFile).at(1), std::string(kSaved) + ",10.0.0.2,,,,,0,42,0,0,0,0,0,0,,,,");
+  EXPECT_EQ(FileLines(kIpFile).at(1), std::string(kSaved) + ",10.0.0.2,,,,,0,42,0,0,0,0,0,0,,,0,");
 }
 
 TEST_F(NodeFilesTest, SwitchesDecideEachColumn) {
-  AddBusyNode();
+  AddNode(engine.live.AddIp(10, 0, 0, 1), 2);
   SwitchColumnsOff();
   ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(FileLines(kIpFile), ElementsAre("Time Saved,Address,Bytes Sent,Bytes Received",
-                                              std::string(kSaved) + ",10.0.0.1,2,18446744073709551615"));
+  EXPECT_THAT(FileLines(kIpFile),
+              ElementsAre("Time Saved,Address,Bytes Sent,Bytes Received", std::string(kSaved) + ",10.0.0.1,2,0"));
 
   struct {
     std::uint32_t id;
@@ -117,10 +82,6 @@ TEST_F(NodeFilesTest, EachFamilyHasItsFileInTheOrderOfTheAddressTable) {
   EXPECT_THAT(FileLines("Node Statistics-Physical.csv"),
               ElementsAre(testing::_, std::string(kSaved) + ",2.0.0.0.0.1,2,0"));
   EXPECT_THAT(FileLines("Node Statistics-IPv6.csv"), ElementsAre("Time Saved,Address,Bytes Sent,Bytes Received"));
-  EXPECT_THAT(folder.Names(),
-              ElementsAre("Node Statistics-AppleTalk.csv", "Node Statistics-DECnet.csv",
-                          "Node Statistics-Hierarchy.csv", kIpFile, "Node Statistics-IPX.csv",
-                          "Node Statistics-IPv6.csv", "Node Statistics-Physical.csv", "Summary Statistics.csv"));
 }
 
 TEST_F(NodeFilesTest, SwitchesDecideEachFile) {
@@ -172,7 +133,7 @@ TEST_F(NodeFilesTest, HierarchyNamesThePhysicalAddressFirst) {
 }
 
 TEST_F(NodeFilesTest, MissingObjectsSkipTheirFilesOnly) {
-  AddBusyNode();
+  AddNode(engine.live.AddIp(10, 0, 0, 1), 2);
   engine.live.missing = {kHierarchyCategory.identifier};
   ASSERT_EQ(Output(), S_OK);
   EXPECT_FALSE(folder.Has("Node Statistics-Hierarchy.csv"));
@@ -185,7 +146,7 @@ TEST_F(NodeFilesTest, MissingObjectsSkipTheirFilesOnly) {
 }
 
 TEST_F(NodeFilesTest, WithoutAnAddressTableThereAreNoNodeFiles) {
-  AddBusyNode();
+  AddNode(engine.live.AddIp(10, 0, 0, 1), 2);
   engine.Fail("IStatsContext::GetAddressTable", 1, S_FALSE);  // no failure, and no table
   ASSERT_EQ(Output(), S_OK);
   EXPECT_THAT(folder.Names(), ElementsAre("Summary Statistics.csv"));

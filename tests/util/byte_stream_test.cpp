@@ -109,17 +109,6 @@ TEST(ByteStream, GrowsAndShrinksInSteps) {
   EXPECT_EQ(Content(stream), "again");
 }
 
-TEST(ByteStream, KeepsItsBytesWhileItGrows) {
-  CByteStream stream(8);
-  std::string expected;
-  for (int i = 0; i < 500; ++i) {
-    std::string piece = std::to_string(i);
-    ASSERT_TRUE(stream.Write(piece.data(), static_cast<std::uint32_t>(piece.size())));
-    expected += piece;
-  }
-  EXPECT_EQ(Content(stream), expected);
-}
-
 TEST(ByteStream, RefusesMoreThan32Bits) {
   CByteStream stream;
   stream.Write("abc", 3);
