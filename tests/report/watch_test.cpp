@@ -191,8 +191,8 @@ TEST(WatchTest, HangupReadsTheSettingsAgain) {
   watch.Signal(SIGTERM);
   const CommandResult result = watch.Finish();
   EXPECT_EQ(result.exit_status, 0) << result.messages;
-  EXPECT_TRUE(folder.Has("out/Summary Statistics.csv") || folder.Has("out/Summary Statistics.txt"))
-      << "sets have been switched off: " << result.output;
+  EXPECT_TRUE(folder.Has("out/Summary Statistics.csv"))
+      << "sets have been switched off, and the type is the old one: " << result.output;
   EXPECT_FALSE(folder.Has("out/Node Statistics-IP.csv")) << "and nodes";
 
   RunningCommand without(Endless(folder.Path("out2"), {}));
