@@ -184,7 +184,7 @@ TEST(WatchTest, HangupReadsTheSettingsAgain) {
 
   folder.Write("s.xml",
                "<OrvoSettings><statsoutput newSetEnabled='0' outputType='1'/>"
-               "<StatsOutputPrefs><StatsOutput OutputNodeStats='0'/></StatsOutputPrefs></OrvoSettings>");
+               "<StatsOutputPrefs><NodeStats OutputNodeStats='0'/></StatsOutputPrefs></OrvoSettings>");
   watch.Signal(SIGHUP);
   EXPECT_TRUE(watch.WaitFor("outputType was changed from 0 to 1, which takes a restart"));
   EXPECT_TRUE(watch.WaitFor(kRunning, 2));
