@@ -113,6 +113,13 @@ void ApplySchedule(const std::string& settings_file, const ScheduleChoice& choic
   }
 }
 
+std::uint64_t OutputSeconds(ISkryStatsOutput& scheduler) {
+  std::uint32_t value = 0;
+  std::int32_t unit = 0;
+  Require(scheduler.GetOutputInterval(&value, &unit), kSubject);
+  return std::max(SecondsOf(value, unit), kShortest);
+}
+
 void CopySchedule(ISkryStatsOutput& from, ISkryStatsOutput& to) {
   ComPtr<IXmlDocument> document;
   ComPtr<IXmlElement> root;

@@ -37,6 +37,9 @@ ComPtr<ISkryStatsOutput> MakeScheduler();
 /// settings that cannot be used, intervals that a scheduler cannot wait among them.
 void ApplySchedule(const std::string& settings_file, const ScheduleChoice& choice, ISkryStatsOutput& scheduler);
 
+/// The time between its reports.
+std::uint64_t OutputSeconds(ISkryStatsOutput& scheduler);
+
 /// Gives a scheduler the settings of another.
 void CopySchedule(ISkryStatsOutput& from, ISkryStatsOutput& to);
 

@@ -29,6 +29,16 @@ std::string TimeText(std::uint64_t time) {
 
 }  // namespace
 
+/// What an output method is told before its first report, and never again.
+struct Watch::ToldOnce {
+  explicit ToldOnce(ISkryStatsOutput& scheduler) : seconds(OutputSeconds(scheduler)) {
+    Require(scheduler.GetOutputType(&type), kScheduler);
+  }
+
+  std::int32_t type = 0;
+  std::uint64_t seconds;
+};
+
 Watch::Watch(const WatchParts& parts)
     : parts_(parts),
       notifications_(MakeObject<Notifications>([this] { parts_.wakeup.Wake(); })),
@@ -39,7 +49,10 @@ Watch::Watch(const WatchParts& parts)
             notifications_->EndReport();
             parts_.wakeup.Wake();
           },
-          [this] { reported_ = feeder_.packets(); }),
+          [this] {
+            reported_ = feeder_.packets();
+            has_reported_ = true;
+          }),
       status_(!parts.options.no_progress),
       context_(parts.engine.Context()),
       graphs_(parts.engine.Graphs()) {
@@ -162,8 +175,7 @@ void Watch::Reload() {
     PrintWarning("SIGHUP: there are no settings to read again, as --settings was not given");
     return;
   }
-  std::int32_t before = 0;
-  std::int32_t after = 0;
+  std::string restart;
   try {
     // Settings that are wrong are found before anything is changed.
     const ComPtr<ISkryStatsOutput> trial = MakeScheduler();
@@ -172,19 +184,30 @@ void Watch::Reload() {
     LoadPreferences(parts_.options.settings);
 
     Require(startable_->Stop(), kScheduler);
-    Require(scheduler_->GetOutputType(&before), kScheduler);
+    const ToldOnce before(*scheduler_);
     ApplySchedule(file, parts_.choice, *scheduler_);
+    const ToldOnce after(*scheduler_);
+    // The output method is the one of the old type, and may not have been told its format yet.
+    Require(scheduler_->SetOutputType(before.type), kScheduler);
+    restart = NeedsRestart(before, after);
     ApplyPreferences(parts_.options.settings, *preferences_);
     ChooseReport(parts_.options.report, *preferences_);
-    Require(scheduler_->GetOutputType(&after), kScheduler);
   } catch (const CommandError& error) {
     PrintWarning(fmt::format("SIGHUP: {}; the settings stay as they are", error.message()));
   }
   announced_ = clock_.waits_until().has_value();
   Require(startable_->Start(), kScheduler);
-  if (before != after) {
-    PrintWarning(fmt::format("{}: outputType was changed from {} to {}, which takes a restart", file, before, after));
+  if (!restart.empty()) PrintWarning(fmt::format("{}: {}", file, restart));
+}
+
+std::string Watch::NeedsRestart(const ToldOnce& before, const ToldOnce& after) const {
+  if (before.type != after.type) {
+    return fmt::format("outputType was changed from {} to {}, which takes a restart", before.type, after.type);
   }
+  if (has_reported_ && before.type == kOutputXml && before.seconds != after.seconds) {
+    return fmt::format("outputInterval was changed; graphs show the last {} seconds until a restart", before.seconds);
+  }
+  return {};
 }
 
 void Watch::Announce() {

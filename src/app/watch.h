@@ -42,12 +42,16 @@ class Watch {
   bool Run();
 
  private:
+  struct ToldOnce;
+
   void SetUp();
   void TakeSignals();
   void Tell();
   void Advance();
   void End();
   void Reload();
+  /// What of a change takes a restart, for the user; empty when nothing does.
+  std::string NeedsRestart(const ToldOnce& before, const ToldOnce& after) const;
   void Announce();
   void ShowStatus();
   void FinishPrograms();
@@ -64,6 +68,7 @@ class Watch {
   ComPtr<IStartable> startable_;
   std::atomic<std::uint64_t> reported_ = 0;  // packets that were counted when the latest report began
   std::optional<std::chrono::steady_clock::time_point> asked_to_end_;  // by a signal
+  std::atomic<bool> has_reported_ = false;
   bool announced_ = false;
   bool reload_ = false;
   bool ending_ = false;

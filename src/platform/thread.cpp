@@ -33,7 +33,8 @@ bool HoldLibrary(const void* address, void** library) {
   return *library != nullptr;
 }
 
-/// This library is the one place from which another can be let go by the thread that has just left it.
+/// This library is never unloaded, and so the one place from which another can be let go by the thread that has just
+/// left it.
 void* RunTask(void* argument) {
   const Task task = *std::unique_ptr<Task>(static_cast<Task*>(argument));
   const Status status = task.function(task.argument);

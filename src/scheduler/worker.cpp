@@ -106,7 +106,7 @@ Status Worker::Loop() {
     // After a failure the waits stay as they were.
     const Status status = Guard([&] {
       DoWhatIsDue();
-      FindWaits();
+      if (!IsLeaving()) FindWaits();
     });
     if (Failed(status)) recorded = status;
   }

@@ -44,13 +44,12 @@ WorkerThread::~WorkerThread() {
   state_->calls.WakeUp();
   if (thread_.IsCurrent()) {
     control_->parting = Parting::kAfterOutput;
-    thread_.Detach();
-  } else if (control_->ended->Wait(kPatience) == WaitResult::kSignalled) {
-    thread_.Join();
-  } else {
+  } else if (control_->ended->Wait(kPatience) != WaitResult::kSignalled) {
     control_->parting = Parting::kAtOnce;
-    thread_.Detach();
   }
+  // Nobody joins the thread, which now lets the library go: whoever stops a scheduler while a library is being unloaded
+  // holds the lock that this takes.
+  thread_.Detach();
 }
 
 }  // namespace orvo

@@ -1,6 +1,8 @@
 #include "platform/thread.h"
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <link.h>
 #include <pthread.h>
 
 #include <atomic>
@@ -63,6 +65,19 @@ TEST(PlatformThread, TellsWhyItCannotStart) {
   seen.may_go = true;
   EXPECT_EQ(thread.Start(Look, &seen), S_OK);
   thread.Join();
+}
+
+// A thread comes back here from the last library that it held, which may have been the only one that needs this layer.
+TEST(PlatformThread, LiesInALibraryThatStays) {
+  void* platform = dlopen("liborvo_platform.so", RTLD_NOW | RTLD_NOLOAD);
+  ASSERT_NE(platform, nullptr);
+  const link_map* map = nullptr;
+  ASSERT_EQ(dlinfo(platform, RTLD_DI_LINKMAP, static_cast<void*>(&map)), 0);
+  const ElfW(Dyn)* entry = map->l_ld;
+  while (entry->d_tag != DT_NULL && entry->d_tag != DT_FLAGS_1) ++entry;
+  EXPECT_EQ(entry->d_tag, DT_FLAGS_1);
+  EXPECT_NE(entry->d_un.d_val & DF_1_NODELETE, 0U);
+  dlclose(platform);
 }
 
 }  // namespace

@@ -184,15 +184,15 @@ TEST(WatchTest, HangupReadsTheSettingsAgain) {
 
   folder.Write("s.xml",
                "<OrvoSettings><statsoutput newSetEnabled='0' outputType='1'/>"
-               "<StatsOutputPrefs><StatsOutput OutputNodeStats='0'/></StatsOutputPrefs></OrvoSettings>");
+               "<StatsOutputPrefs><NodeStats OutputNodeStats='0'/></StatsOutputPrefs></OrvoSettings>");
   watch.Signal(SIGHUP);
   EXPECT_TRUE(watch.WaitFor("outputType was changed from 0 to 1, which takes a restart"));
   EXPECT_TRUE(watch.WaitFor(kRunning, 2));
   watch.Signal(SIGTERM);
   const CommandResult result = watch.Finish();
   EXPECT_EQ(result.exit_status, 0) << result.messages;
-  EXPECT_TRUE(folder.Has("out/Summary Statistics.csv") || folder.Has("out/Summary Statistics.txt"))
-      << "sets have been switched off: " << result.output;
+  EXPECT_TRUE(folder.Has("out/Summary Statistics.csv"))
+      << "sets have been switched off, and the type is the old one: " << result.output;
   EXPECT_FALSE(folder.Has("out/Node Statistics-IP.csv")) << "and nodes";
 
   RunningCommand without(Endless(folder.Path("out2"), {}));

@@ -289,12 +289,23 @@ Status CreateFromModule(const Guid& iid, void** out) {
   return CreateInstance(kSkryStatsOutputClass, iid, out);
 }
 
+// A scheduler of the library as hosts load it.
+class SchedulerOfAModule : public testing::Test {
+ protected:
+  SchedulerOfAModule() {
+    setenv("ORVO_REGISTRY", folder_.Path("registry.xml").c_str(), 1);
+    EXPECT_EQ(AddLibrary(PathFromSystem(kLibrary)), S_OK);
+  }
+  ~SchedulerOfAModule() override { unsetenv("ORVO_REGISTRY"); }
+
+  static constexpr char kLibrary[] = ORVO_BINARY_DIR "/lib/OrvoReports.so";
+
+ private:
+  TemporaryFolder folder_;
+};
+
 // The library in which the worker's code lies stays until the worker has left it, and goes then.
-TEST(SchedulerThread, LeavesAModuleThatIsUnloaded) {
-  TemporaryFolder folder;
-  setenv("ORVO_REGISTRY", folder.Path("registry.xml").c_str(), 1);
-  constexpr char kLibrary[] = ORVO_BINARY_DIR "/lib/OrvoReports.so";
-  ASSERT_EQ(AddLibrary(PathFromSystem(kLibrary)), S_OK);
+TEST_F(SchedulerOfAModule, LeavesAModuleThatIsUnloaded) {
   for (int turn = 0; turn < 20; ++turn) {
     Schedule schedule("2007-11-14 10:10:00", {}, CreateFromModule);
     const auto release = [&] {
@@ -316,7 +327,22 @@ TEST(SchedulerThread, LeavesAModuleThatIsUnloaded) {
     }
     EXPECT_EQ(schedule.outputs, 1);
   }
-  unsetenv("ORVO_REGISTRY");
+}
+
+// Whoever unloads a library holds a lock, without which the worker cannot let its own go.
+TEST_F(SchedulerOfAModule, MayBeStoppedWhileAnotherIsUnloaded) {
+  static IStartable* startable = nullptr;
+  static bool stopped = false;
+  Schedule schedule("2007-11-14 10:10:00", {}, CreateFromModule);
+  startable = schedule.startable.get();
+  ASSERT_EQ(startable->Start(), S_OK);
+  void* host = dlopen(ORVO_BINARY_DIR "/tests/platform_test_module.so", RTLD_NOW);
+  ASSERT_NE(host, nullptr) << dlerror();
+  auto* on_unload = static_cast<void (**)()>(dlsym(host, "on_unload"));
+  ASSERT_NE(on_unload, nullptr);
+  *on_unload = [] { stopped = startable->Stop() == S_OK; };
+  dlclose(host);
+  EXPECT_TRUE(stopped);
 }
 
 }  // namespace

@@ -58,3 +58,11 @@ TEST_EXPORT orvo::Status DllCanUnloadNow() {
 TEST_EXPORT orvo::Status DllRegisterServer() {
   return orvo::S_FALSE;
 }
+
+/// Called while the library is being unloaded.
+TEST_EXPORT void (*on_unload)();
+void (*on_unload)() = nullptr;
+
+__attribute__((destructor)) static void Unload() {
+  if (on_unload) on_unload();
+}
