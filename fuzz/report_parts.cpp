@@ -20,19 +20,20 @@ void TestOneInput(Input input) {
     Require(parts.parts().empty(), "nothing is kept of a document that cannot be read");
     return;
   }
-  XmlStream stream(0);
-  const XmlWriter root = stream.Add(parts.root());
+  std::string text(parts.head());
   for (const XmlParts::Part& part : parts.parts()) {
-    root.AddLines(part.lines);
+    text += part.lines;
+    if (part.name.empty()) continue;
     for (const char* name : {"Summary", "Stats"}) {
       XmlStream history(1);
-      history.Add("History").AddLines(XmlChildLines(part.lines, name));
+      history.Add("History").AddLines(XmlChildLines(part, name));
       XmlTree entry;
       Require(entry.LoadText(history.Finish()) == S_OK, "a child of a part is whole");
     }
   }
+  text.append("</").append(parts.root()).append(">").append(parts.tail());
   XmlTree again;
-  Require(again.LoadText(stream.Finish()) == S_OK, "the parts make a document again");
+  Require(again.LoadText(text) == S_OK, "the parts make a document again");
 }
 
 void MakeSeeds(const SeedSink& add) {
@@ -42,6 +43,7 @@ void MakeSeeds(const SeedSink& add) {
       "<StatsReport>\n  <NodeStatistics Version=\"2.0\">\n    <Summary>\n      <Packets>1</Packets>\n    </Summary>\n"
       "    <Stats />\n  </NodeStatistics>\n  <Graphs />\n</StatsReport>\n");
   add("<StatsReport><!-- c --><A v='1&amp;'><![CDATA[x]]></A></StatsReport>");
+  add("<?xml version='1.0' encoding='iso-8859-1'?><!-- a --><S:R N='1'>t<A><Stats>x<B/>y</Stats></A></S:R><?p i?>");
 }
 
 }  // namespace orvo::fuzz

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
+#include <limits>
 #include <mutex>
 #include <optional>
 
@@ -196,6 +197,24 @@ void AppendInCodePage(std::u16string_view text, UConverter* converter, std::stri
 }
 
 }  // namespace
+
+std::optional<std::string> DecodeToUtf8(std::string_view name, std::string_view bytes) {
+  const std::optional<Encoding> encoding = FindEncoding(name);
+  if (!encoding || encoding->converter == kUtf8 || encoding->converter == "US-ASCII") return std::nullopt;
+  if (bytes.size() > std::numeric_limits<std::int32_t>::max()) return std::nullopt;
+  const Converter converter(encoding->converter);
+  std::string text;
+  std::int32_t length = 0;
+  // The first round measures.
+  for (int round = 0; round < 2; ++round) {
+    text.resize(static_cast<std::size_t>(length));
+    UErrorCode error = U_ZERO_ERROR;
+    length = ucnv_toAlgorithmic(UCNV_UTF8, converter.get(), text.data(), length, bytes.data(),
+                                static_cast<std::int32_t>(bytes.size()), &error);
+    if (U_FAILURE(error) && error != U_BUFFER_OVERFLOW_ERROR) return std::nullopt;
+  }
+  return text;
+}
 
 Status SetCodePage(std::string_view name) {
   return Guard([&] {

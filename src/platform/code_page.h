@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -20,6 +21,10 @@ ORVO_PLATFORM_API Status AppendNarrow(std::u16string_view text, std::string* out
 
 /// Appends the text in ASCII with best fit (an accented letter loses its accent), "?" for what has none.
 ORVO_PLATFORM_API Status AppendSystemNarrow(std::u16string_view text, std::string* out);
+
+/// The bytes of an encoding that code pages may have, known by its name, in UTF-8 with U+FFFD for what it lacks.
+/// Nothing for any other encoding, and for UTF-8 and ASCII, which need no decoding.
+ORVO_PLATFORM_API std::optional<std::string> DecodeToUtf8(std::string_view encoding, std::string_view bytes);
 
 /// Strict for valid text, U+FFFD for what is not.
 ORVO_PLATFORM_API std::string ToUtf8(std::u16string_view text);

@@ -102,7 +102,9 @@ bool XmlLineCheck::Take(std::string_view line) {
       line.substr(line.size() - tail + 2, name.size()) != name) {
     return false;
   }
-  return IsText(line.substr(0, line.size() - tail));
+  // "]]>" has no place in a text, and the writer leaves no ">" there.
+  const std::string_view text = line.substr(0, line.size() - tail);
+  return text.find('>') == text.npos && IsText(text);
 }
 
 }  // namespace orvo

@@ -41,64 +41,23 @@ std::string_view NameIn(std::string_view line) {
   return line.substr(0, line.find_first_of(" >"));
 }
 
-/// Finds the parts of a text in the known layout. False for any other.
-bool FindParts(std::string_view text, std::string* root, std::vector<XmlParts::Part>* parts) {
-  XmlLineCheck check;
-  const char* begin = nullptr;
-  const bool is_known = ForEachLine(text, [&](std::string_view line) {
-    const bool begins = check.depth() == 1 && !begin;
-    if (!check.Take(line)) return false;
-    if (begins) begin = line.data();
-    if (begin && check.depth() == 1) {
-      const std::string_view lines(begin, static_cast<std::size_t>(line.data() + line.size() + 1 - begin));
-      parts->push_back({NameIn(lines), lines});
-      begin = nullptr;
-    }
-    return true;
-  });
-  if (!is_known || !check.is_complete()) return false;
-  *root = check.root();
-  return true;
+std::string NewHead(std::string_view root) {
+  return std::string(kXmlFileDeclaration).append("<").append(root).append(">\n");
 }
 
-/// Adds an element of a tree with all that is in it.
-void AddTree(pugi::xml_node node, XmlWriter parent) {
-  std::string text;
-  bool has_elements = false;
-  for (pugi::xml_node child : node.children()) {
-    if (child.type() == pugi::node_element) has_elements = true;
-    if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata) text += child.value();
-  }
-  // Documents of reports hold no text beside elements or attributes.
-  if (!has_elements && !text.empty() && !node.first_attribute()) {
-    parent.AddElement(node.name(), FromUtf8(text));
-    return;
-  }
-  const XmlWriter element = parent.AddElement(node.name());
-  for (pugi::xml_attribute attribute : node.attributes()) {
-    element.SetAttribute(attribute.name(), FromUtf8(attribute.value()));
-  }
-  for (pugi::xml_node child : node.children()) {
-    if (child.type() == pugi::node_element) AddTree(child, element);
-  }
+std::string EndLine(std::string_view root) {
+  return std::string("</").append(root).append(">\n");
 }
 
-/// The root of a tree and its elements in the known layout.
-std::string Normalise(pugi::xml_node document) {
-  const pugi::xml_node root = DocumentElement(document);
-  XmlStream stream(0);
-  const XmlWriter writer = stream.Add(root.name());
-  for (pugi::xml_node child : root.children()) {
-    if (child.type() == pugi::node_element) AddTree(child, writer);
-  }
-  return std::string(kXmlFileDeclaration).append(stream.Finish());
-}
-
-/// The lines between the first and the last of a document's root; nothing for a root without elements.
-std::string_view InnerLines(const std::vector<XmlParts::Part>& parts) {
-  if (parts.empty()) return {};
-  const char* begin = parts.front().lines.data();
-  return {begin, static_cast<std::size_t>(parts.back().lines.data() + parts.back().lines.size() - begin)};
+/// The line that begins an element of a tree.
+std::string StartLine(pugi::xml_node element) {
+  pugi::xml_document alone;
+  pugi::xml_node copy = alone.append_child(element.name());
+  for (pugi::xml_attribute attribute : element.attributes()) copy.append_copy(attribute);
+  std::string line;
+  AppendXml(copy, 0, &line);
+  constexpr std::string_view kEmptyEnd = " />\n";
+  return line.replace(line.size() - kEmptyEnd.size(), kEmptyEnd.size(), ">\n");
 }
 
 /// Copies a file in the known layout, checking it on the way, but for the line that ends its root. False when it is in
@@ -120,55 +79,33 @@ bool CopyForMore(int from, std::string_view root, int to) {
     pending.erase(0, whole);
     if (pending.size() > kLongestLine) return false;
   } while (block.size() == kBlock);
-  const off_t end = size - static_cast<off_t>(root.size() + std::string_view("</>\n").size());
+  const off_t end = size - static_cast<off_t>(EndLine(root).size());
   if (!pending.empty() || !check.is_complete() || check.root() != root || check.is_empty()) return false;
   if (ftruncate(to, end) != 0 || lseek(to, end, SEEK_SET) != end) Raise(StatusFromErrno(errno));
   return true;
 }
 
-/// Begins the file with what is kept of the old one, up to the line that ends the root.
-void BeginFrom(std::u16string_view path, std::string_view root, int to) {
+/// Begins the file with what is kept of the old one, up to the line that ends the root; gives what stands behind that.
+std::string BeginFrom(std::u16string_view path, std::string_view root, int to) {
   std::string system;
   Check(PathToSystem(path, &system));
   Descriptor from;
-  if (Succeeded(OpenForReading(system, &from)) && CopyForMore(from.get(), root, to)) return;
-  XmlParts old;
-  std::string text = std::string(kXmlFileDeclaration).append("<").append(root).append(">\n");
-  if (Succeeded(old.Load(path)) && old.root() == root) text += InnerLines(old.parts());
+  if (Succeeded(OpenForReading(system, &from)) && CopyForMore(from.get(), root, to)) return {};
   if (ftruncate(to, 0) != 0 || lseek(to, 0, SEEK_SET) != 0) Raise(StatusFromErrno(errno));
-  Check(WriteAll(to, text));
-}
-
-}  // namespace
-
-Status XmlParts::Load(std::u16string_view path) {
-  const Status status = Guard([&] {
-    Clear();
-    Check(ReadFile(path, kXmlSizeLimit, &text_));
-    if (FindParts(text_, &root_, &parts_)) return;
-    pugi::xml_document document;
-    Check(ParseXml(text_, pugi::encoding_auto, &document));
-    text_ = Normalise(document);
-    Clear();
-    if (!FindParts(text_, &root_, &parts_)) Raise(E_FAIL);
-  });
-  if (Failed(status)) {
-    Clear();
-    root_.clear();
+  XmlParts old;
+  const Status status = old.Load(path);
+  if (status == E_OUTOFMEMORY) Raise(status);  // nothing wrong with the file
+  if (Failed(status) || old.root() != root) {
+    Check(WriteAll(to, NewHead(root)));
+    return {};
   }
-  return status;
+  Check(WriteAll(to, old.head()));
+  for (const XmlParts::Part& part : old.parts()) Check(WriteAll(to, part.lines));
+  return std::string(old.tail());
 }
 
-std::string_view XmlParts::Take(std::string_view name) {
-  const auto found = std::ranges::find(parts_, name, &Part::name);
-  if (found == parts_.end()) return {};
-  const std::string_view lines = found->lines;
-  parts_.erase(found);
-  return lines;
-}
-
-std::string_view XmlChildLines(std::string_view part, std::string_view name) {
-  // Of a text in the known layout only what stands in the part itself is indented like this.
+/// The lines of a child in a part of the known layout: only what stands in the part itself is indented like this.
+std::string_view FindChild(std::string_view part, std::string_view name) {
   constexpr std::string_view kIndent = "    <";
   std::string_view child;
   ForEachLine(part, [&](std::string_view line) {
@@ -184,14 +121,125 @@ std::string_view XmlChildLines(std::string_view part, std::string_view name) {
   return child;
 }
 
+}  // namespace
+
+bool XmlParts::FindLines() {
+  XmlLineCheck check;
+  const char* begin = nullptr;
+  const bool is_known = ForEachLine(text_, [&](std::string_view line) {
+    const bool begins = check.depth() == 1 && !begin;
+    if (!check.Take(line)) return false;
+    const char* const end = line.data() + line.size() + 1;
+    if (begins) begin = line.data();
+    if (!begin && check.depth() == 1) head_ = {text_.data(), end};
+    if (begin && check.depth() == 1) {
+      const std::string_view lines(begin, end);
+      parts_.push_back({.name = NameIn(lines), .lines = lines});
+      begin = nullptr;
+    }
+    return true;
+  });
+  if (!is_known || !check.is_complete() || check.is_empty()) return false;
+  root_ = check.root();
+  return true;
+}
+
+void XmlParts::TakeTree(pugi::xml_node_struct* document) {
+  const pugi::xml_node root = DocumentElement(pugi::xml_node(document));
+  root_ = root.name();
+  text_ = kXmlFileDeclaration;
+  for (pugi::xml_node node = pugi::xml_node(document).first_child(); node != root; node = node.next_sibling()) {
+    AppendXml(node, 0, &text_);
+  }
+  text_ += StartLine(root);
+  const std::size_t head_size = text_.size();
+  std::vector<std::size_t> ends;
+  for (pugi::xml_node child : root.children()) {
+    AppendXml(child, 1, &text_);
+    ends.push_back(text_.size());
+  }
+  const std::size_t inner_end = text_.size();
+  for (pugi::xml_node node = root.next_sibling(); node; node = node.next_sibling()) AppendXml(node, 0, &text_);
+
+  const std::string_view text = text_;
+  head_ = text.substr(0, head_size);
+  tail_ = text.substr(inner_end);
+  std::size_t begin = head_size;
+  auto end = ends.begin();
+  for (pugi::xml_node child : root.children()) {
+    const std::string_view lines = text.substr(begin, *end - begin);
+    const bool is_element = child.type() == pugi::node_element;
+    parts_.push_back({.name = is_element ? NameIn(lines) : std::string_view(), .lines = lines, .in_layout = false});
+    begin = *end++;
+  }
+}
+
+Status XmlParts::Load(std::u16string_view path) {
+  const Status status = Guard([&] {
+    Clear();
+    Check(ReadFile(path, kXmlSizeLimit, &text_));
+    if (FindLines()) return;
+    Clear();
+    pugi::xml_document document;
+    Check(ParseXml(text_, pugi::encoding_auto, &document));
+    TakeTree(document.internal_object());
+  });
+  if (Failed(status)) Clear();
+  return status;
+}
+
+void XmlParts::Clear() {
+  root_.clear();
+  head_ = tail_ = {};
+  parts_.clear();
+}
+
+XmlParts::Part XmlParts::Take(std::string_view name) {
+  const auto found = std::ranges::find(parts_, name, &Part::name);
+  if (found == parts_.end()) return {};
+  const Part part = *found;
+  parts_.erase(found);
+  return part;
+}
+
+void XmlParts::Save(std::u16string_view path, std::string_view root, const std::vector<std::string>& added) const {
+  std::string system;
+  Check(PathToSystem(path, &system));
+  Replacement file(system);
+  const auto put = [&](std::string_view text) { Check(WriteAll(file.descriptor(), text)); };
+  if (head_.empty()) {
+    put(NewHead(root));
+  } else {
+    put(head_);
+  }
+  for (const Part& part : parts_) put(part.lines);
+  for (const std::string& lines : added) put(lines);
+  put(EndLine(root));
+  put(tail_);
+  file.Commit(/*durable=*/true);
+}
+
+std::string XmlChildLines(const XmlParts::Part& part, std::string_view name) {
+  if (part.in_layout) return std::string(FindChild(part.lines, name));
+  pugi::xml_document document;
+  Check(ParseXml(part.lines, pugi::encoding_utf8, &document));
+  std::string lines;
+  for (pugi::xml_node child : DocumentElement(document).children()) {
+    if (child.type() != pugi::node_element || name != child.name()) continue;
+    AppendXml(child, 2, &lines);
+    break;
+  }
+  return lines;
+}
+
 Status ExtendXmlFile(std::u16string_view path, std::string_view root, std::string_view lines) {
   return Guard([&] {
     std::string system;
     Check(PathToSystem(path, &system));
     Replacement replacement(system);
-    BeginFrom(path, root, replacement.descriptor());
+    const std::string tail = BeginFrom(path, root, replacement.descriptor());
     Check(WriteAll(replacement.descriptor(), lines));
-    Check(WriteAll(replacement.descriptor(), std::string("</").append(root).append(">\n")));
+    Check(WriteAll(replacement.descriptor(), EndLine(root).append(tail)));
     replacement.Commit(/*durable=*/true);
   });
 }

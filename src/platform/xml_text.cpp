@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 #include <unordered_set>
 
+#include "platform/code_page.h"
 #include "platform/file.h"
 #include "platform/utf.h"
 #include "platform/xml_tree.h"
@@ -116,6 +118,19 @@ bool IsWide(std::string_view bytes) {
          bytes.starts_with(std::string_view("\0\0", 2));
 }
 
+/// The encoding that a document of one-byte units declares; empty when it declares none.
+std::string_view DeclaredEncoding(std::string_view bytes) {
+  constexpr std::string_view kKey = "encoding";
+  constexpr std::size_t kLongestDeclaration = 256;
+  if (!bytes.starts_with("<?xml ")) return {};
+  std::string_view rest = bytes.substr(0, std::min(bytes.find("?>"), kLongestDeclaration));
+  if (rest.find(kKey) == rest.npos) return {};
+  rest.remove_prefix(rest.find(kKey) + kKey.size());
+  const std::size_t quote = rest.find_first_of("'\"");
+  if (quote == rest.npos || rest.substr(0, quote).find_first_not_of("= \t\r\n") != rest.npos) return {};
+  return rest.substr(quote + 1, rest.find(rest[quote], quote + 1) - quote - 1);
+}
+
 class StringWriter final : public pugi::xml_writer {
  public:
   explicit StringWriter(std::string* out) : out_(out) {}
@@ -154,6 +169,12 @@ Status ParseXml(std::string_view bytes, pugi::xml_encoding encoding, pugi::xml_d
   // The parser would take a zero for the end.
   bool is_wide = encoding == pugi::encoding_auto && IsWide(bytes);
   if (!is_wide && bytes.find('\0') != bytes.npos) return E_FAIL;
+  std::optional<std::string> decoded;
+  if (encoding == pugi::encoding_auto && !is_wide) decoded = DecodeToUtf8(DeclaredEncoding(bytes), bytes);
+  if (decoded) {
+    bytes = *decoded;
+    encoding = pugi::encoding_utf8;
+  }
   // As a fragment, text beside the document element is seen rather than skipped.
   constexpr unsigned kOptions = pugi::parse_default | pugi::parse_comments | pugi::parse_pi | pugi::parse_fragment;
   pugi::xml_parse_result result = document->load_buffer(bytes.data(), bytes.size(), kOptions, encoding);
@@ -175,11 +196,15 @@ pugi::xml_node DocumentElement(pugi::xml_node document) {
   return document.find_child([](pugi::xml_node node) { return node.type() == pugi::node_element; });
 }
 
+void AppendXml(pugi::xml_node node, unsigned depth, std::string* out) {
+  StringWriter writer(out);
+  node.print(writer, "  ", pugi::format_indent, pugi::encoding_utf8, depth);
+}
+
 std::string PrintXml(std::string_view declaration, pugi::xml_node document, pugi::xml_node hidden) {
   std::string text(declaration);
-  StringWriter writer(&text);
   for (pugi::xml_node node : document.children()) {
-    if (node != hidden) node.print(writer, "  ", pugi::format_indent, pugi::encoding_utf8);
+    if (node != hidden) AppendXml(node, 0, &text);
   }
   return text;
 }

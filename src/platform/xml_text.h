@@ -32,6 +32,9 @@ Status ParseXmlFile(std::u16string_view path, pugi::xml_document* document);
 /// The document element.
 pugi::xml_node DocumentElement(pugi::xml_node document);
 
+/// Appends a node with all that is in it in UTF-8, on lines of its own at that level.
+void AppendXml(pugi::xml_node node, unsigned depth, std::string* out);
+
 /// Appends a declaration and the children of `document` in UTF-8, indented by two blanks a level, without `hidden`.
 std::string PrintXml(std::string_view declaration, pugi::xml_node document, pugi::xml_node hidden = {});
 

@@ -108,14 +108,23 @@ class GraphElements {
 
   /// Those of the reports before are looked for in a kept document only.
   XmlElement Of(const std::u16string& name) {
-    if (auto found = by_name_.find(name); is_kept_ && found != by_name_.end()) return found->second;
+    const std::u16string stored = AsStored(name);
+    if (auto found = by_name_.find(stored); is_kept_ && found != by_name_.end()) return found->second;
     XmlElement graph = root_.AddElement("Graph");
     graph.SetAttribute("Name", name);
-    by_name_.try_emplace(name, graph);
+    by_name_.try_emplace(stored, graph);
     return graph;
   }
 
  private:
+  /// A name as a document gives it back, without the characters that none can hold.
+  static std::u16string AsStored(const std::u16string& name) {
+    XmlTree document;
+    XmlElement element = document.AddRoot("Graph");
+    element.SetAttribute("Name", name);
+    return element.Attribute("Name").value_or(name);
+  }
+
   XmlElement root_;
   bool is_kept_;
   std::unordered_map<std::u16string, XmlElement> by_name_;

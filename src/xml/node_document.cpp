@@ -60,8 +60,8 @@ constexpr XmlColumn<NodeRow> kColumns[] = {
 
 /// Moves the nodes of the report before, which a kept index still holds, into the history.
 void MoveToHistory(XmlReport& report) {
-  const std::string_view old = report.index.Take(kElement);
-  if (old.empty()) return;
+  const XmlParts::Part old = report.index.Take(kElement);
+  if (old.lines.empty()) return;
   AddHistory(report, kHistoryFile, kElement, "History", [&](XmlWriter history) {
     for (const char* part : {"Summary", "Stats"}) history.AddLines(XmlChildLines(old, part));
     return std::optional<std::uint64_t>(0);

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/xml_writer.h"
+#include "platform/error.h"
 
 namespace orvo {
 namespace {
@@ -12,7 +12,9 @@ constexpr std::string_view kRoot = "StatsReport";
 }  // namespace
 
 bool ReportIndex::Load(std::u16string_view path) {
-  if (Succeeded(old_.Load(path)) && old_.root() == kRoot) return true;
+  const Status status = old_.Load(path);
+  if (status == E_OUTOFMEMORY) Raise(status);  // nothing wrong with the file
+  if (Succeeded(status) && old_.root() == kRoot) return true;
   Clear();
   return false;
 }
@@ -23,11 +25,7 @@ void ReportIndex::Add(std::string lines, std::uint64_t rows) {
 }
 
 void ReportIndex::Save(std::u16string_view path) const {
-  XmlFile file(path);
-  const XmlWriter root = file.Add(kRoot);
-  for (const XmlParts::Part& part : old_.parts()) root.AddLines(part.lines);
-  for (const std::string& lines : added_) root.AddLines(lines);
-  file.Commit();
+  old_.Save(path, kRoot, added_);
 }
 
 }  // namespace orvo

@@ -13,13 +13,13 @@ namespace orvo {
 class ReportIndex {
  public:
   /// Reads the index of an earlier report. False, and the index is empty, when there is none to be read or it has
-  /// another root.
+  /// another root. Raises E_OUTOFMEMORY.
   bool Load(std::u16string_view path);
   /// Forgets what was read.
   void Clear() { old_.Clear(); }
 
-  /// Removes the element of a category that an earlier report left; gives its lines.
-  std::string_view Take(std::string_view name) { return old_.Take(name); }
+  /// Removes the element of a category that an earlier report left; gives it.
+  XmlParts::Part Take(std::string_view name) { return old_.Take(name); }
   /// Adds a category's element with the rows that this report wrote there.
   void Add(std::string lines, std::uint64_t rows);
   /// The rows of this report.

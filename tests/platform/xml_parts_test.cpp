@@ -83,30 +83,68 @@ TEST_F(XmlPartsTest, FindsPartsAndWhatIsInThem) {
   std::string names;
   for (const XmlParts::Part& part : parts.parts()) names += part.name;
   EXPECT_EQ(names, "ABCA");
-  const std::string_view first = parts.Take("A");
+  const XmlParts::Part first = parts.Take("A");
   EXPECT_EQ(XmlChildLines(first, "Summary"), "    <Summary>\n      <N>1</N>\n    </Summary>\n");
   EXPECT_EQ(XmlChildLines(first, "Stats"), "    <Stats />\n");
   EXPECT_EQ(XmlChildLines(first, "N"), "");
-  EXPECT_EQ(parts.Take("C"), "  <C>c</C>\n");
-  EXPECT_EQ(parts.Take("A"), "  <A />\n");
-  EXPECT_EQ(parts.Take("A"), "");
+  EXPECT_EQ(parts.Take("C").lines, "  <C>c</C>\n");
+  EXPECT_EQ(parts.Take("A").lines, "  <A />\n");
+  EXPECT_EQ(parts.Take("A").lines, "");
 }
 
 TEST_F(XmlPartsTest, ExtendsDocumentsOfAnyLayout) {
   const std::string kept = std::string(kHead) + "<Root>\n  <Old>1</Old>\n  <New />\n</Root>\n";
-  const std::string body = "<Root><!-- c --><Old>1</Old></Root>";
+  const std::string body = "<Root><Old>1</Old></Root>";
   std::string wide("\xFF\xFE", 2);
   for (char c : body) wide += std::string{c, '\0'};
   for (const std::string& bytes :
        {std::string(kHead) + "<Root>\n  <Old>1</Old>\n</Root>\n", body, "\xEF\xBB\xBF" + body, wide,
-        std::string(kHead) + "<Root>\r\n  <Old>1</Old>\r\n</Root>\r\n",
-        std::string(kHead) + "<Root>\n  <Old><![CDATA[1]]></Old>\n</Root>"}) {
+        std::string(kHead) + "<Root>\r\n  <Old>1</Old>\r\n</Root>\r\n"}) {
     EXPECT_EQ(Extended(bytes), kept) << bytes;
   }
   const std::string fresh = std::string(kHead) + "<Root>\n  <New />\n</Root>\n";
   EXPECT_EQ(Extended(std::string(kHead) + "<Root />\n"), fresh);
   EXPECT_EQ(ExtendXmlFile(Path("none.xml"), "Root", {}), S_OK);
   EXPECT_EQ(folder_.Read("none.xml"), std::string(kHead) + "<Root>\n</Root>\n");
+}
+
+TEST_F(XmlPartsTest, NothingThatAnotherProgramWroteIsLost) {
+  const std::pair<std::string, std::string> cases[] = {
+      {R"(<!-- a --><?style x?><Root A="1"><Old N="x">text</Old></Root><!-- z -->)",
+       "<!-- a -->\n<?style x?>\n<Root A=\"1\">\n  <Old N=\"x\">text</Old>\n  <New />\n</Root>\n<!-- z -->\n"},
+      {"<Root>\n  <o:Old o:N=\"1\" />\n  <Gr\u00F6\u00DFe />\n</Root>\n",
+       "<Root>\n  <o:Old o:N=\"1\" />\n  <Gr\u00F6\u00DFe />\n  <New />\n</Root>\n"},
+      {"<Root><Old>a<B />c<!-- d --></Old><!-- e --></Root>",
+       "<Root>\n  <Old>a<B />c<!-- d -->\n  </Old>\n  <!-- e -->\n  <New />\n</Root>\n"},
+      {"<Root><Old><![CDATA[a<\n</Root>]]></Old></Root>",
+       "<Root>\n  <Old><![CDATA[a<\n</Root>]]></Old>\n  <New />\n</Root>\n"},
+      {"<Root>\n  <Old>]]></Old>\n</Root>\n", "<Root>\n  <Old>]]&gt;</Old>\n  <New />\n</Root>\n"},
+  };
+  for (const auto& [bytes, kept] : cases) {
+    EXPECT_EQ(Extended(kHead + bytes), kHead + kept);
+    // As a document that is written again.
+    folder_.Write("x.xml", kHead + bytes);
+    XmlParts parts;
+    ASSERT_EQ(parts.Load(Path("x.xml")), S_OK);
+    parts.Save(Path("x.xml"), "Root", {"  <New />\n"});
+    EXPECT_EQ(folder_.Read("x.xml"), kHead + kept);
+  }
+  EXPECT_THAT(Extended("<?xml version='1.0' encoding = 'windows-1252'?><Root><Old N=\"\x80\xE9\" /></Root>"),
+              testing::HasSubstr("N=\"\u20AC\u00E9\""));
+  std::string many = "<Root>\n  <Old";
+  for (char name = 'a'; name <= 'z'; ++name) many += std::string(" ") + name + "=\"\"";
+  EXPECT_THAT(Extended(kHead + many + " />\n</Root>\n"), testing::HasSubstr("z=\"\""));
+}
+
+TEST_F(XmlPartsTest, ChildrenAreFoundWhereTextLooksLikeMarkup) {
+  const std::string text = "<![CDATA[\n    </Summary>\n    <Stats>\n]]>";
+  folder_.Write("x.xml", "<Root><A><Summary>" + text + "</Summary><Stats /></A></Root>");
+  XmlParts parts;
+  ASSERT_EQ(parts.Load(Path("x.xml")), S_OK);
+  const XmlParts::Part part = parts.Take("A");
+  EXPECT_EQ(XmlChildLines(part, "Summary"), "    <Summary>" + text + "</Summary>\n");
+  EXPECT_EQ(XmlChildLines(part, "Stats"), "    <Stats />\n");
+  EXPECT_EQ(XmlChildLines(part, "None"), "");
 }
 
 TEST_F(XmlPartsTest, WhatIsNoSuchDocumentIsBegunAnew) {

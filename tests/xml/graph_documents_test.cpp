@@ -114,6 +114,15 @@ TEST_F(GraphDocumentsTest, TheCollectionGrowsFromReportToReport) {
   EXPECT_THAT(folder.Read("Graphs.xml"), HasSubstr("Late_4.png"));
 }
 
+TEST_F(GraphDocumentsTest, ANameThatNoDocumentHoldsIsFoundAgain) {
+  engine.live.graphs.clear();
+  AddGraph(u"a\x01/..\\b");
+  for (int round = 0; round < 2; ++round) ASSERT_EQ(Output(engine.Graphs().get()), S_OK);
+  EXPECT_THAT(Children("Graphs.xml", {}), ElementsAre("Graph"));
+  EXPECT_THAT(Children("Graphs.xml", {"Graph"}), ElementsAre("Image", "Image"));
+  EXPECT_TRUE(folder.Has("Graphs/a--..-b_2.png"));
+}
+
 TEST_F(GraphDocumentsTest, OtherKindsShowTheCollectionOfLiveReportsOnly) {
   Switch(kSwitchOutputConversationsOnly, 1);
   ASSERT_EQ(Output(engine.Graphs().get()), S_OK);

@@ -42,7 +42,7 @@ TEST_F(XmlStatsOutputTest, TheFirstReportMakesAnIndexTheSecondExtendsIt) {
   Switch(kSwitchOutputGraphs, 0);
   engine.live.missing = {kSummaryCategory.identifier};
   ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(folder.Read("StatsReport.xml"), std::string(kDeclaration) + "<StatsReport />\n");
+  EXPECT_EQ(folder.Read("StatsReport.xml"), std::string(kDeclaration) + "<StatsReport>\n</StatsReport>\n");
   folder.Write("StatsReport.xml", "<StatsReport><Foreign/></StatsReport>");
   ASSERT_EQ(Output(), S_OK);
   EXPECT_THAT(Sections(), ElementsAre("Foreign"));
