@@ -34,7 +34,8 @@ constexpr std::string_view kPageSuffix = ".htm";
 constexpr std::uint64_t kLargestPage = std::uint64_t{8} << 20;
 constexpr std::size_t kBlock = std::size_t{256} << 10;
 constexpr int kRequestsPerConnection = 1000;
-constexpr std::size_t kThreads = 16;
+/// One for each connection, so that clients which send nothing, or little by little, do not keep others waiting.
+constexpr std::size_t kThreads = 128;
 
 /// The kinds of files that a report has. There are no others to be seen.
 struct FileType {

@@ -373,6 +373,20 @@ TEST_F(ViewTest, BearsWithBadClients) {
   EXPECT_EQ(Status(viewer.Get("/StatsReport.xml")), "HTTP/1.1 200");
 }
 
+TEST_F(ViewTest, SlowClientsDoNotKeepOthersWaiting) {
+  const Viewer viewer({report()});
+  std::vector<int> slow;
+  for (int i = 0; i < 60; ++i) {
+    slow.push_back(viewer.Connect());
+    ASSERT_EQ(send(slow.back(), "GET /", 5, 0), 5);
+  }
+  EXPECT_EQ(Status(viewer.Get("/StatsReport.xml")), "HTTP/1.1 200");
+  // Those that came before are still being waited for.
+  char byte = 0;
+  EXPECT_TRUE(recv(slow.back(), &byte, 1, MSG_DONTWAIT) < 0 && errno == EAGAIN);
+  for (const int socket : slow) close(socket);
+}
+
 TEST_F(ViewTest, AFileThatShrinksBreaksItsAnswerOff) {
   folder_.Write("report/Shrinking.xml", std::string(64 << 20, 'x'));
   const Viewer viewer({report(), "--templates", folder_.Path("templates")});

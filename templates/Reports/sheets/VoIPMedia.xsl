@@ -56,7 +56,7 @@
             <caption>Media streams</caption>
             <thead>
               <tr>
-                <th data-kind="address">Stream</th>
+                <th data-kind="stream">Stream</th>
                 <xsl:for-each select="Stats[1]/*"><xsl:call-template name="expert-head"/></xsl:for-each>
               </tr>
             </thead>
