@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
+#include <cstdlib>
 #include <initializer_list>
 
 #include "app/messages.h"
@@ -63,11 +64,12 @@ std::optional<int> Wakeup::NextSignal() {
   return static_cast<int>(signal.ssi_signo);
 }
 
-void Wakeup::LetSignalsEnd() {
-  const sigset_t ending = SetOf({SIGINT, SIGTERM});
-  std::signal(SIGINT, SIG_DFL);
-  std::signal(SIGTERM, SIG_DFL);
+void Wakeup::EndBy(int signal) {
+  const sigset_t ending = SetOf({signal});
+  std::signal(signal, SIG_DFL);
   pthread_sigmask(SIG_UNBLOCK, &ending, nullptr);
+  std::raise(signal);
+  std::abort();
 }
 
 }  // namespace orvo::app

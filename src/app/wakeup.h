@@ -20,8 +20,8 @@ class Wakeup {
   void Wake() noexcept;
   /// A signal that has arrived and was not taken yet.
   std::optional<int> NextSignal();
-  /// From now on, SIGINT and SIGTERM end the process at once.
-  void LetSignalsEnd();
+  /// Ends the process at once, as if nobody had taken the signal.
+  [[noreturn]] static void EndBy(int signal);
 
  private:
   int signals_;

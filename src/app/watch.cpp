@@ -17,6 +17,7 @@ constexpr const char* kScheduler = "the scheduler";
 constexpr std::uint32_t kWritten = 0;     // the severity of a report that was written
 constexpr int kBetweenStatusLines = 500;  // milliseconds
 constexpr std::chrono::seconds kPatienceWithPrograms(10);
+constexpr std::chrono::milliseconds kOneWish(500);  // signals to end so close to each other mean the same
 
 /// "2026-11-23 04:00:05", in local time.
 std::string TimeText(std::uint64_t time) {
@@ -102,8 +103,10 @@ void Watch::TakeSignals() {
   while (const std::optional<int> signal = parts_.wakeup.NextSignal()) {
     if (*signal == SIGHUP) reload_ = true;
     if (*signal != SIGINT && *signal != SIGTERM) continue;
-    // Whoever is in a hurry sends a second one.
-    parts_.wakeup.LetSignalsEnd();
+    const auto now = std::chrono::steady_clock::now();
+    if (!asked_to_end_) asked_to_end_ = now;
+    // Whoever is in a hurry sends a second one; some programs send each signal twice.
+    if (now - *asked_to_end_ > kOneWish) Wakeup::EndBy(*signal);
     ending_ = true;
   }
 }
@@ -208,9 +211,7 @@ void Watch::FinishPrograms() {
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
     if (parts_.programs.running() == 0 || left.count() <= 0) break;
     parts_.wakeup.Wait(static_cast<int>(left.count()));
-    while (const std::optional<int> signal = parts_.wakeup.NextSignal()) {
-      if (*signal == SIGINT || *signal == SIGTERM) return;
-    }
+    TakeSignals();
   }
   if (parts_.programs.running() == 0) return;
   PrintWarning(fmt::format("--on-report: {} programs still run, {} were not started", parts_.programs.running(),

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "app/feeder.h"
@@ -61,6 +63,7 @@ class Watch {
   ComPtr<ISkryStatsOutput> scheduler_;
   ComPtr<IStartable> startable_;
   std::atomic<std::uint64_t> reported_ = 0;  // packets that were counted when the latest report began
+  std::optional<std::chrono::steady_clock::time_point> asked_to_end_;  // by a signal
   bool announced_ = false;
   bool reload_ = false;
   bool ending_ = false;
