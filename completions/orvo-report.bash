@@ -6,7 +6,7 @@
 declare -gA _orvo_report_options=(
   [make]='--out --format --report --templates --filter --settings --set --live --no-names --hosts --trust --limit --apdex --locale --code-page --no-progress --help'
   [watch]='--interface --replay --speed --out --format --every --new-set --keep --on-report --report --templates --filter --settings --set --no-names --hosts --trust --limit --apdex --locale --code-page --no-progress --help'
-  [view]='--port --open --help'
+  [view]='--port --templates --open --help'
   [settings]='--settings --set --help'
   [classes]='--help'
   [register]='--help'

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <array>
-#include <set>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 
 namespace orvo::app {
 namespace {
@@ -41,7 +43,7 @@ constexpr std::string_view kCommonRules =
     "frame-ancestors 'self'";
 
 /// Texts that may run or style, each once.
-using Sources = std::set<std::string>;
+using Sources = Scripts;
 
 /// 'sha256-...': a text by its hash, as policies name it.
 std::string HashSource(std::string_view text) {
@@ -66,6 +68,11 @@ Sources Between(std::string_view bytes, std::string_view begin, std::string_view
     at = last + end.size();
   }
   return sources;
+}
+
+/// The scripts that stand in a page of the front end, which has them in elements without attributes.
+Sources ScriptsOf(std::string_view bytes) {
+  return Between(bytes, "<script>", "</script>", [](std::string_view) { return true; });
 }
 
 /// True for a style that says no more than where a picture stands and how large it is.
@@ -98,8 +105,17 @@ bool IsOneOf(const std::string_view (&names)[count], std::string_view name) {
 
 }  // namespace
 
-std::string ContentPolicy(std::string_view file, std::string_view bytes) {
-  const auto all = [](std::string_view) { return true; };
+Scripts TrustedScripts(const std::string& templates) {
+  Scripts scripts;
+  for (const std::string_view page : kFrontPages) {
+    std::ifstream file(std::filesystem::path(templates) / "Reports" / page, std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    scripts.merge(ScriptsOf(bytes));
+  }
+  return scripts;
+}
+
+std::optional<std::string> ContentPolicy(std::string_view file, std::string_view bytes, const Scripts& trusted) {
   if (IsOneOf(kMenuPages, file)) {
     const auto is_call = [](std::string_view call) { return IsOneOf(kCalls, call); };
     return std::string(kCommonRules) +
@@ -107,8 +123,8 @@ std::string ContentPolicy(std::string_view file, std::string_view bytes) {
            Rule("style-src", "'unsafe-hashes'", Between(bytes, "style=\"", "\"", IsPosition));
   }
   if (IsOneOf(kFrontPages, file)) {
-    return std::string(kCommonRules) + Rule("script-src", "", Between(bytes, "<script>", "</script>", all)) +
-           Rule("style-src", "'self'", Between(bytes, "<style>", "</style>", all));
+    if (!std::ranges::includes(trusted, ScriptsOf(bytes))) return {};
+    return std::string(kCommonRules) + Rule("script-src", "", trusted) + Rule("style-src", "'self'", {});
   }
   return kInertPolicy;
 }

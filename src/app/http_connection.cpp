@@ -17,7 +17,7 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
 constexpr std::size_t kMostHeadBytes = std::size_t{64} << 10;
-constexpr milliseconds kMostHeadTime{10'000};
+constexpr milliseconds kMostHeadTime{5'000};
 constexpr milliseconds kMostIdleTime{5'000};
 constexpr milliseconds kMostWriteTime{10'000};
 

@@ -14,6 +14,7 @@
 #include <mutex>
 #include <optional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "app/content_policy.h"
@@ -33,7 +34,8 @@ constexpr std::string_view kPageSuffix = ".htm";
 constexpr std::uint64_t kLargestPage = std::uint64_t{8} << 20;
 constexpr std::size_t kBlock = std::size_t{256} << 10;
 constexpr int kRequestsPerConnection = 1000;
-constexpr std::size_t kThreads = 16;
+/// One for each connection, so that clients which send nothing, or little by little, do not keep others waiting.
+constexpr std::size_t kThreads = 128;
 
 /// The kinds of files that a report has. There are no others to be seen.
 struct FileType {
@@ -110,11 +112,19 @@ std::optional<std::string> ReadPage(const ServedFile& file) {
   return bytes;
 }
 
-void SendPage(const ServedFile& file, const std::string& name, Response& response) {
+void SendPage(const ServedFile& file, const std::string& name, const Scripts& trusted, Response& response) {
   const std::optional<std::string> bytes = ReadPage(file);
   if (!bytes) return Refuse(response, 500, "this page cannot be read");
+  const std::optional<std::string> policy = ContentPolicy(name, *bytes, trusted);
+  if (!policy) {
+    return Refuse(response, 403,
+                  name +
+                      " has another script than the pages of this version of orvo-report, and is not shown.\n"
+                      "Make the report again into a new folder; or, when you trust the templates that it was made "
+                      "with, name their folder: orvo-report view DIR --templates FOLDER");
+  }
   response.status = 200;
-  response.set_header("Content-Security-Policy", ContentPolicy(name, *bytes));
+  response.set_header("Content-Security-Policy", *policy);
   response.set_content(*bytes, TypeOf(name));
 }
 
@@ -147,7 +157,8 @@ void SendFile(std::shared_ptr<const ServedFile> file, const std::string& range, 
 
 class ReportServer::Impl final : public httplib::Server {
  public:
-  explicit Impl(const ServedFolder& folder) : folder_(folder), stop_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+  Impl(const ServedFolder& folder, Scripts trusted)
+      : folder_(folder), trusted_(std::move(trusted)), stop_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     if (stop_ < 0) Require(StatusFromErrno(errno), "the server");
     new_task_queue = [] { return new httplib::ThreadPool(kThreads); };
     // Unlike the library's own choice, a port that somebody else listens on is not shared with him.
@@ -234,11 +245,12 @@ class ReportServer::Impl final : public httplib::Server {
     const char* type = TypeOf(path);
     std::shared_ptr<const ServedFile> file = type ? folder_.Open(path) : nullptr;
     if (!file) return Refuse(response, 404, "the report has no such file");
-    if (path.ends_with(kPageSuffix)) return SendPage(*file, path, response);
+    if (path.ends_with(kPageSuffix)) return SendPage(*file, path, trusted_, response);
     SendFile(std::move(file), request.get_header_value("Range"), type, response);
   }
 
   const ServedFolder& folder_;
+  const Scripts trusted_;
   int stop_;
   int port_ = -1;
   std::atomic<bool> is_stopping_ = false;
@@ -247,7 +259,8 @@ class ReportServer::Impl final : public httplib::Server {
   bool has_ended_ = false;
 };
 
-ReportServer::ReportServer(const ServedFolder& folder) : impl_(std::make_unique<Impl>(folder)) {}
+ReportServer::ReportServer(const ServedFolder& folder, Scripts trusted)
+    : impl_(std::make_unique<Impl>(folder, std::move(trusted))) {}
 ReportServer::~ReportServer() = default;
 
 void ReportServer::Bind(int port) {

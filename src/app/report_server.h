@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "app/content_policy.h"
 #include "app/served_folder.h"
 
 namespace orvo::app {
@@ -12,8 +13,8 @@ namespace orvo::app {
 /// page of the network gets at a report by pointing a name of its own here.
 class ReportServer {
  public:
-  /// `folder` must outlive the server.
-  explicit ReportServer(const ServedFolder& folder);
+  /// `folder` must outlive the server. Of its pages, those run that have no script but `trusted` ones.
+  ReportServer(const ServedFolder& folder, Scripts trusted);
   ReportServer(const ReportServer&) = delete;
   ReportServer& operator=(const ReportServer&) = delete;
   ~ReportServer();

@@ -8,6 +8,8 @@
 #include <thread>
 
 #include "app/browser.h"
+#include "app/component.h"
+#include "app/content_policy.h"
 #include "app/messages.h"
 #include "app/options.h"
 #include "app/report_server.h"
@@ -18,6 +20,7 @@ namespace {
 
 struct ViewOptions {
   std::string folder;
+  std::string templates;
   int port = 0;
   bool open = false;
 };
@@ -35,7 +38,7 @@ void RequirePages(const ServedFolder& folder, const std::string& path) {
 int View(const ViewOptions& options) {
   const ServedFolder folder(options.folder);
   RequirePages(folder, options.folder);
-  ReportServer server(folder);
+  ReportServer server(folder, TrustedScripts(options.templates.empty() ? TemplatesBesideCommand() : options.templates));
   server.Bind(options.port);
 
   // Blocked before there is a second thread, so that only the wait below gets them.
@@ -75,6 +78,8 @@ void AddViewCommand(CLI::App& parser, Verb* verb) {
   command->add_option("--port", options->port, "Port of 127.0.0.1 to show it on (default: a free one)")
       ->type_name("N")
       ->check(CLI::Range(0, 65535));
+  command->add_option("--templates", options->templates, "Folder of the templates whose pages may run their scripts")
+      ->type_name("DIR");
   command->add_flag("--open", options->open, "Start the desktop's browser");
   command->callback([verb, options] { *verb = [options] { return View(*options); }; });
 }

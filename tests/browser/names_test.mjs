@@ -4,7 +4,7 @@ import assert from "node:assert/strict";
 import { readFileSync, writeFileSync } from "node:fs";
 import { test } from "node:test";
 import { makeReport, picture, place, sample, withReport } from "./harness.mjs";
-import { assertSorted, buttons, column, openTab, press, shown, sortBy, tabs } from "./walk.mjs";
+import { assertSorted, call, calls, column, openTab, press, shown, sortBy, tabs } from "./walk.mjs";
 
 const NAMES = {
   "192.0.2.21": "<script>alert(1)</script>",
@@ -17,9 +17,9 @@ async function everyView(page, look) {
   await shown(page);
   for (const tab of await tabs(page)) {
     await openTab(page, tab);
-    for (const label of await buttons(page)) {
-      await press(page, label);
-      await look(`${tab}-${label}`);
+    for (const name of await calls(page)) {
+      await call(page, name);
+      await look(`${tab}-${name}`);
     }
   }
 }

@@ -134,6 +134,8 @@ class ViewTest : public testing::Test {
     fs::create_directories(folder_.Path("report/Graphs"));
     folder_.Write("secret.xml", "<secret/>");
     folder_.Write("report/Report.htm", "<html><script>begin()</script></html>");
+    fs::create_directories(folder_.Path("templates/Reports"));
+    folder_.Write("templates/Reports/Report.htm", folder_.Read("report/Report.htm"));
     folder_.Write("report/StatsReport.xml", "<StatsReport/>");
     folder_.Write("report/Graphs/A b%.png", "PNG");
     folder_.Write("report/StatsReport.css", "body {}");
@@ -147,7 +149,7 @@ class ViewTest : public testing::Test {
 };
 
 TEST_F(ViewTest, ShowsFilesByTheirTypes) {
-  const Viewer viewer({report()});
+  const Viewer viewer({report(), "--templates", folder_.Path("templates")});
   EXPECT_THAT(viewer.address(), AllOf(StartsWith("http://127.0.0.1:"), EndsWith("/")));
   EXPECT_THAT(viewer.Get("/"), AllOf(StartsWith("HTTP/1.1 302"), HasSubstr("Location: /Report.htm\r\n")));
   struct {
@@ -177,11 +179,17 @@ TEST_F(ViewTest, ShowsFilesByTheirTypes) {
 
 TEST_F(ViewTest, LetsPagesRunTheirOwnScriptAndNothingElse) {
   folder_.Write("report/Other.htm", "<html><script>other()</script></html>");
-  const Viewer viewer({report()});
+  const Viewer viewer({report(), "--templates", folder_.Path("templates")});
   // The hash of "begin()", from another tool.
   EXPECT_THAT(viewer.Get("/Report.htm"),
               HasSubstr("; script-src 'sha256-15S4FGE7rP6kq/PzA1uIhN3+8zfaO6/TnJp4fMWo7lE='; style-src 'self'\r\n"));
-  EXPECT_THAT(viewer.Get("/Other.htm"), HasSubstr("Policy: default-src 'none'; frame-ancestors 'self'\r\n"));
+  EXPECT_THAT(viewer.Get("/Other.htm"), HasSubstr("Policy: default-src 'none'; sandbox; frame-ancestors 'self'\r\n"));
+  // A page that somebody exchanged does not run, and says so.
+  folder_.Write("report/Nodes.htm", "<html><script>begin()</script><script>other()</script></html>");
+  folder_.Write("report/Expert.htm", "<html><script src=\"other.js\"></script></html>");
+  EXPECT_THAT(viewer.Get("/Nodes.htm"),
+              AllOf(StartsWith("HTTP/1.1 403"), HasSubstr("--templates"), Not(HasSubstr("other()"))));
+  EXPECT_THAT(viewer.Get("/Expert.htm"), Not(HasSubstr("script-src 'self'")));
 }
 
 TEST_F(ViewTest, MenuPagesMayDoWhatTheirWriterPutThere) {
@@ -223,7 +231,7 @@ TEST_F(ViewTest, MenuPagesMayDoWhatTheirWriterPutThere) {
 TEST_F(ViewTest, MenuPagesMayDoNothingElse) {
   folder_.Write("report/MainMenu.htm",
                 "<html><img style=\"background: url(x)\" onclick=\"alert(1)\"/><script>alert(2)</script></html>");
-  const Viewer viewer({report()});
+  const Viewer viewer({report(), "--templates", folder_.Path("templates")});
   EXPECT_THAT(viewer.Get("/MainMenu.htm"), HasSubstr("; script-src 'unsafe-hashes'; style-src 'unsafe-hashes'\r\n"));
 }
 
@@ -233,7 +241,7 @@ TEST_F(ViewTest, NothingOutsideOfTheFolderIsSeen) {
   fs::create_symlink(folder_.Path(), report() + "/up");
   ASSERT_EQ(mkfifo((report() + "/pipe.xml").c_str(), 0600), 0);
   fs::create_directory(report() + "/folder.xml");
-  const Viewer viewer({report()});
+  const Viewer viewer({report(), "--templates", folder_.Path("templates")});
   for (const char* path : {"/../secret.xml",
                            "/%2e%2e/secret.xml",
                            "/..%2fsecret.xml",
@@ -275,7 +283,7 @@ TEST_F(ViewTest, FollowsLinksToTheFolderItself) {
 }
 
 TEST_F(ViewTest, AnswersOnlyUnderItsOwnName) {
-  const Viewer viewer({report()});
+  const Viewer viewer({report(), "--templates", folder_.Path("templates")});
   const std::string port = std::to_string(viewer.port());
   const std::string line = "GET /StatsReport.xml HTTP/1.1\r\nConnection: close\r\n";
   EXPECT_EQ(Status(viewer.Send(line + "Host: localhost:" + port + "\r\n\r\n")), "HTTP/1.1 200");
@@ -290,7 +298,7 @@ TEST_F(ViewTest, AnswersOnlyUnderItsOwnName) {
 }
 
 TEST_F(ViewTest, CanOnlyBeRead) {
-  const Viewer viewer({report()});
+  const Viewer viewer({report(), "--templates", folder_.Path("templates")});
   for (const char* method : {"POST", "PUT", "DELETE", "PATCH", "OPTIONS"}) {
     const std::string answer = viewer.Ask(std::string(method) + " /StatsReport.xml", "Content-Length: 3\r\n");
     EXPECT_THAT(answer, AllOf(StartsWith("HTTP/1.1 405"), HasSubstr("Allow: GET, HEAD\r\n"))) << method;
@@ -305,7 +313,7 @@ TEST_F(ViewTest, CanOnlyBeRead) {
 }
 
 TEST_F(ViewTest, SendsPartsOfFiles) {
-  const Viewer viewer({report()});
+  const Viewer viewer({report(), "--templates", folder_.Path("templates")});
   struct {
     const char* range;
     const char* status;
@@ -340,7 +348,7 @@ TEST_F(ViewTest, SendsLargeAndEmptyFiles) {
   for (std::size_t i = 0; i < middle.size(); i += 97) middle[i] = static_cast<char>('a' + i % 26);
   folder_.Write("report/Middle.xml", middle);
   folder_.Write("report/Empty.xml", "");
-  const Viewer viewer({report()});
+  const Viewer viewer({report(), "--templates", folder_.Path("templates")});
   EXPECT_THAT(viewer.Ask("HEAD /Large.xml"), HasSubstr("Content-Length: 5368709123\r\n"));
   EXPECT_EQ(Body(viewer.Get("/Large.xml", "Range: bytes=5368709121-\r\n")), std::string(2, '\0'));
   EXPECT_TRUE(Body(viewer.Get("/Middle.xml")) == middle);
@@ -348,7 +356,7 @@ TEST_F(ViewTest, SendsLargeAndEmptyFiles) {
 }
 
 TEST_F(ViewTest, BearsWithBadClients) {
-  const Viewer viewer({report()});
+  const Viewer viewer({report(), "--templates", folder_.Path("templates")});
   const std::string start = "GET /StatsReport.xml HTTP/1.1\r\nHost: " + viewer.host() + "\r\n";
   std::string many;
   for (int i = 0; i < 100'000; ++i) many.append("X-Header: value\r\n");
@@ -365,9 +373,23 @@ TEST_F(ViewTest, BearsWithBadClients) {
   EXPECT_EQ(Status(viewer.Get("/StatsReport.xml")), "HTTP/1.1 200");
 }
 
+TEST_F(ViewTest, SlowClientsDoNotKeepOthersWaiting) {
+  const Viewer viewer({report()});
+  std::vector<int> slow;
+  for (int i = 0; i < 60; ++i) {
+    slow.push_back(viewer.Connect());
+    ASSERT_EQ(send(slow.back(), "GET /", 5, 0), 5);
+  }
+  EXPECT_EQ(Status(viewer.Get("/StatsReport.xml")), "HTTP/1.1 200");
+  // Those that came before are still being waited for.
+  char byte = 0;
+  EXPECT_TRUE(recv(slow.back(), &byte, 1, MSG_DONTWAIT) < 0 && errno == EAGAIN);
+  for (const int socket : slow) close(socket);
+}
+
 TEST_F(ViewTest, AFileThatShrinksBreaksItsAnswerOff) {
   folder_.Write("report/Shrinking.xml", std::string(64 << 20, 'x'));
-  const Viewer viewer({report()});
+  const Viewer viewer({report(), "--templates", folder_.Path("templates")});
   const int socket = viewer.Connect();
   const std::string request = "GET /Shrinking.xml HTTP/1.1\r\nHost: " + viewer.host() + "\r\n\r\n";
   ASSERT_EQ(send(socket, request.data(), request.size(), 0), static_cast<ssize_t>(request.size()));

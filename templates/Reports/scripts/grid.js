@@ -36,6 +36,9 @@ class Grid {
     for (const column of this.columns) this.frameHead(column);
     this.groups.forEach((group, g) => this.frameGroup(group, g));
     this.scroller.addEventListener("scroll", () => this.onScroll(), { passive: true });
+    const watcher = new ResizeObserver(() => this.showEdges());
+    watcher.observe(this.scroller);
+    watcher.observe(this.table);
   }
 
   frameHead(column) {
@@ -169,7 +172,17 @@ class Grid {
 
   // --- what is in view ---
 
+  // Marks the sides where columns are out of view.
+  showEdges() {
+    const { scrollLeft, scrollWidth, clientWidth, offsetHeight } = this.scroller;
+    const frame = this.scroller.parentElement;
+    frame.classList.toggle("more-left", scrollLeft > 1);
+    frame.classList.toggle("more-right", scrollLeft + clientWidth < scrollWidth - 1);
+    frame.style.setProperty("--tools-height", `${frame.clientHeight - offsetHeight}px`);
+  }
+
   onScroll() {
+    this.showEdges();
     if (!this.isLong || this.isWaiting) return;
     this.isWaiting = true;
     requestAnimationFrame(() => {

@@ -128,6 +128,7 @@ const NUMBERS = { key: plainNumber, isNumber: true };
 const KINDS = {
   text: {},
   address: {},
+  stream: {}, // two addresses, which may take a line each
   time: { isTime: true },
   duration: { key: durationSeconds, isNumber: true },
   number: { ...NUMBERS, dress: dressCount },

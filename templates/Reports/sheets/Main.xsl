@@ -73,11 +73,18 @@
       <xsl:call-template name="totals"/>
     </xsl:for-each>
     <xsl:if test="not(NodeStatistics or ProtocolStatistics or WirelessNodeStatistics)">
-      <xsl:for-each select="SummaryStatistics/Stats/Snapshot[1]/Group/SummaryStat[Name = 'Total Packets' or Name = 'Total Bytes']">
+      <xsl:for-each select="SummaryStatistics/Stats/Snapshot[1]/Group/SummaryStat[Name = 'Total Packets']">
         <xsl:call-template name="card">
-          <xsl:with-param name="label" select="substring-after(Name, 'Total ')"/>
+          <xsl:with-param name="label" select="'Packets'"/>
           <xsl:with-param name="value"><xsl:call-template name="statistic-value"/></xsl:with-param>
           <xsl:with-param name="kind" select="'number'"/>
+        </xsl:call-template>
+      </xsl:for-each>
+      <xsl:for-each select="SummaryStatistics/Stats/Snapshot[1]/Group/SummaryStat[Name = 'Total Bytes']">
+        <xsl:call-template name="card">
+          <xsl:with-param name="label" select="'Bytes'"/>
+          <xsl:with-param name="value"><xsl:call-template name="statistic-value"/></xsl:with-param>
+          <xsl:with-param name="kind" select="'bytes'"/>
         </xsl:call-template>
       </xsl:for-each>
     </xsl:if>

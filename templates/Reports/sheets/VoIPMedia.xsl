@@ -16,11 +16,11 @@
             <xsl:with-param name="value" select="count(Stats)"/>
             <xsl:with-param name="kind" select="'number'"/>
           </xsl:call-template>
-          <xsl:call-template name="card">
-            <xsl:with-param name="label" select="'Poor streams (MOS-CQ under 3.6)'"/>
-            <xsl:with-param name="value" select="count(Stats[MOS_CQ/@Value &lt; 3.6])"/>
-            <xsl:with-param name="kind" select="'number'"/>
-          </xsl:call-template>
+          <div class="card">
+            <dt>Poor streams</dt>
+            <dd data-figure="number"><xsl:value-of select="count(Stats[MOS_CQ/@Value &lt; 3.6])"/></dd>
+            <dd class="note">MOS-CQ under 3.6</dd>
+          </div>
           <xsl:for-each select="Stats[MOS_CQ/@Value != '']">
             <xsl:sort select="MOS_CQ/@Value" data-type="number"/>
             <xsl:if test="position() = 1">
