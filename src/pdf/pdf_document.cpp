@@ -3,6 +3,7 @@
 #include <hpdf.h>
 
 #include <algorithm>
+#include <cmath>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -21,6 +22,15 @@ constexpr std::u16string_view kFooter = u"Network statistics report, created by 
 
 /// Pages per node of the page tree. Without nodes the library ends at 32,767 pages.
 constexpr HPDF_UINT kPagesPerNode = 256;
+
+/// The widest character of the faces ("@" in the regular one) at the size of all text, rounded up, and a thousandth of
+/// that size, in which the faces count.
+constexpr float kWidestCharacter = 10.2F;
+constexpr float kFaceUnit = kPdfFontSize / 1000;
+
+/// How far a line reaches below its baseline, and from there to its top.
+constexpr float kLineDepth = 3;
+constexpr float kLineHeight = 13;
 
 /// What is handed to the file system at a time, and what a whole document ends with.
 constexpr std::size_t kSaveBlock = std::size_t{1} << 18;
@@ -143,13 +153,13 @@ class PdfDocument::Library {
   }
 
   /// Raises what the conversion raises.
-  bool Draw(Face* face, std::u16string_view text, float x, float y, const PdfColor* color) {
+  bool Draw(Face* face, std::u16string_view text, float x, float y, float room, const PdfColor* color) {
     const HPDF_Page page = this->page();
     ToPrintable(text, &text_);
     if (!page || text_.size() > kPdfMaxTextBytes) return false;
+    room = std::min(room, HPDF_Page_GetWidth(page) - kPdfAfterLine - x);
     return Run([&] {
-      return SetFace(page, face) && (!color || SetTextColor(page, *color)) && HPDF_Page_BeginText(page) == HPDF_OK &&
-             HPDF_Page_TextOut(page, x, y, text_.c_str()) == HPDF_OK && HPDF_Page_EndText(page) == HPDF_OK &&
+      return SetFace(page, face) && (!color || SetTextColor(page, *color)) && WriteWithin(page, x, y, room) &&
              (!color || SetFill(page, kPdfBlack));
     });
   }
@@ -214,6 +224,32 @@ class PdfDocument::Library {
     if (!face->font) face->font = HPDF_GetFont(document_, face->name, nullptr);
     page_face_ = face;
     return face->font && HPDF_Page_SetFontAndSize(page, face->font, kPdfFontSize) == HPDF_OK;
+  }
+
+  bool Write(HPDF_Page page, float x, float y) const {
+    return HPDF_Page_BeginText(page) == HPDF_OK && HPDF_Page_TextOut(page, x, y, text_.c_str()) == HPDF_OK &&
+           HPDF_Page_EndText(page) == HPDF_OK;
+  }
+
+  bool WriteWithin(HPDF_Page page, float x, float y, float room) const {
+    // Most texts are so short that they need not be measured.
+    if (static_cast<float>(text_.size()) * kWidestCharacter <= room) return Write(page, x, y);
+    const HPDF_TextWidth measured = HPDF_Font_TextWidth(
+        page_face_->font, reinterpret_cast<const HPDF_BYTE*>(text_.data()), static_cast<HPDF_UINT>(text_.size()));
+    const float width = static_cast<float>(measured.width) * kFaceUnit;
+    if (width <= room) return Write(page, x, y);
+    // Cut off towards zero, so that the text never ends behind its room.
+    const float percent = std::max(std::floor(100 * room / width), kPdfNarrowestText);
+    return HPDF_Page_GSave(page) == HPDF_OK &&
+           (width * percent <= 100 * room || KeepTo(page, x, y, std::max(room, 0.0F))) &&
+           HPDF_Page_SetHorizontalScalling(page, percent) == HPDF_OK && Write(page, x, y) &&
+           HPDF_Page_GRestore(page) == HPDF_OK;
+  }
+
+  /// Has the page show nothing that is drawn outside of a line from (x, y).
+  static bool KeepTo(HPDF_Page page, float x, float y, float width) {
+    return HPDF_Page_Rectangle(page, x, y - kLineDepth, width, kLineHeight) == HPDF_OK &&
+           HPDF_Page_Clip(page) == HPDF_OK && HPDF_Page_EndPath(page) == HPDF_OK;
   }
 
   static bool SetTextColor(HPDF_Page page, const PdfColor& color) {
@@ -283,20 +319,23 @@ PdfPage* PdfDocument::AddPage(PdfOutline* parent, std::u16string_view title, boo
 
 void PdfDocument::DrawFooter() {
   Operation([&] {
-    if (!library_->Draw(&library_->regular, kFooter, kPdfFooterX, kPdfFooterY, nullptr)) Raise(E_FAIL);
+    if (!library_->Draw(&library_->regular, kFooter, kPdfFooterX, kPdfFooterY, kPdfToPageEdge, nullptr)) Raise(E_FAIL);
   });
 }
 
-bool PdfDocument::DrawText(std::u16string_view text, float x, float y) noexcept {
-  return Attempt([&] { return y - kPdfTextBottom > 0 && library_->Draw(&library_->regular, text, x, y, nullptr); });
+bool PdfDocument::DrawText(std::u16string_view text, float x, float y, float room) noexcept {
+  return Attempt(
+      [&] { return y - kPdfTextBottom > 0 && library_->Draw(&library_->regular, text, x, y, room, nullptr); });
 }
 
-bool PdfDocument::DrawColoredText(std::u16string_view text, float x, float y, const PdfColor& color) noexcept {
-  return Attempt([&] { return y - kPdfTextBottom > 0 && library_->Draw(&library_->regular, text, x, y, &color); });
+bool PdfDocument::DrawColoredText(std::u16string_view text, float x, float y, const PdfColor& color,
+                                  float room) noexcept {
+  return Attempt(
+      [&] { return y - kPdfTextBottom > 0 && library_->Draw(&library_->regular, text, x, y, room, &color); });
 }
 
 bool PdfDocument::DrawBoldText(std::u16string_view text, float x, float y) noexcept {
-  return Attempt([&] { return library_->Draw(&library_->bold, text, x, y, nullptr); });
+  return Attempt([&] { return library_->Draw(&library_->bold, text, x, y, kPdfToPageEdge, nullptr); });
 }
 
 void PdfDocument::ShadeRow(float y, bool* shade) {

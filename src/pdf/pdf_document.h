@@ -63,11 +63,13 @@ class PdfDocument {
   void DrawFooter();
 
   /// Draws one line in the regular face from (x, y). False, with nothing drawn, for y <= kPdfTextBottom and for a text
-  /// of more than kPdfMaxTextBytes.
-  bool DrawText(std::u16string_view text, float x, float y) noexcept;
+  /// of more than kPdfMaxTextBytes. A text that is wider than `room`, or than what is left of the page's width, is
+  /// narrowed to end there, to kPdfNarrowestText of its width; of one that is wider even so, that room is what shows.
+  bool DrawText(std::u16string_view text, float x, float y, float room = kPdfToPageEdge) noexcept;
   /// The same in a colour; what is drawn after it is black.
-  bool DrawColoredText(std::u16string_view text, float x, float y, const PdfColor& color) noexcept;
-  /// Draws one line in the bold face from (x, y), however low.
+  bool DrawColoredText(std::u16string_view text, float x, float y, const PdfColor& color,
+                       float room = kPdfToPageEdge) noexcept;
+  /// Draws one line in the bold face from (x, y), however low, narrowed where the page ends.
   bool DrawBoldText(std::u16string_view text, float x, float y) noexcept;
 
   /// To be called once for each row of a section, before its cells. Fills the band of the row whose baseline is at y

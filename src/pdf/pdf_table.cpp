@@ -29,7 +29,7 @@ void PdfTable::End() const {
 
 bool PdfTable::TryRow(std::u16string_view first_cell) {
   cursor_.ResetX();
-  return document_->DrawText(first_cell, cursor_.x, cursor_.y);
+  return document_->DrawText(first_cell, cursor_.x, cursor_.y, RoomOf(0));
 }
 
 void PdfTable::StartPage() {
@@ -54,16 +54,22 @@ void PdfTable::StartPage() {
 void PdfTable::BeginRow(std::u16string_view first_cell) {
   document_->ShadeRow(cursor_.y, &shade_);
   cursor_.ResetX();
-  MustBeDrawn(document_->DrawText(first_cell, cursor_.x, cursor_.y));
+  MustBeDrawn(document_->DrawText(first_cell, cursor_.x, cursor_.y, RoomOf(0)));
   column_ = 1;
 }
 
 void PdfTable::AddCell(const PdfCell& cell) {
   if (column_ >= format_.columns.size()) Raise(E_UNEXPECTED);
+  const float room = RoomOf(column_);
   cursor_.AdvanceX(format_.columns[column_++].position - cursor_.x);
   if (cell.text.empty()) return;
-  MustBeDrawn(cell.color ? document_->DrawColoredText(cell.text, cursor_.x, cursor_.y, *cell.color)
-                         : document_->DrawText(cell.text, cursor_.x, cursor_.y));
+  MustBeDrawn(cell.color ? document_->DrawColoredText(cell.text, cursor_.x, cursor_.y, *cell.color, room)
+                         : document_->DrawText(cell.text, cursor_.x, cursor_.y, room));
+}
+
+float PdfTable::RoomOf(std::size_t column) const {
+  if (column + 1 >= format_.columns.size()) return kPdfToPageEdge;
+  return format_.columns[column + 1].position - format_.columns[column].position - kPdfAfterText;
 }
 
 void PdfTable::EndRow() {

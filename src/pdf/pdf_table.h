@@ -61,6 +61,9 @@ class PdfTable {
   PdfCursor& cursor() { return cursor_; }
 
  private:
+  /// From the cell of a column to the next one.
+  float RoomOf(std::size_t column) const;
+
   PdfDocument* document_;
   PdfTableFormat format_;
   PdfCursor cursor_;

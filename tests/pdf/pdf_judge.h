@@ -40,23 +40,23 @@ show(json.loads(subprocess.check_output(['qpdf', '--json=2', '--json-key=outline
   return OutputLines("/usr/bin/python3", {"-c", script, file});
 }
 
-/// A word of a page: its left edge and the top of its line, in points from the upper left corner.
+/// A word of a page: its left and right edge and the top of its line, in points from the upper left corner.
 struct PdfWord {
   int page = 0;
-  double left = 0, top = 0;
+  double left = 0, right = 0, top = 0;
   std::string text;
 };
 
 inline std::vector<PdfWord> WordsOf(const std::string& file) {
   const std::string output = RunProgram("/usr/bin/pdftotext", {"-bbox", file, "-"}).output;
-  static const std::regex token(R"re(<page |<word xMin="([\d.]+)" yMin="([\d.]+)"[^>]*>([^<]*)<)re");
+  static const std::regex token(R"re(<page |<word xMin="([\d.]+)" yMin="([\d.]+)" xMax="([\d.]+)"[^>]*>([^<]*)<)re");
   std::vector<PdfWord> words;
   int page = 0;
   for (std::sregex_iterator found(output.begin(), output.end(), token), end; found != end; ++found) {
     if (!(*found)[1].matched) {
       ++page;
     } else {
-      words.push_back({page, std::stod((*found)[1]), std::stod((*found)[2]), (*found)[3]});
+      words.push_back({page, std::stod((*found)[1]), std::stod((*found)[3]), std::stod((*found)[2]), (*found)[4]});
     }
   }
   return words;

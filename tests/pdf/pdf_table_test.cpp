@@ -104,6 +104,42 @@ TEST_F(PdfTableTest, CellsMayBeEmptyAndColoured) {
               HasSubstr("(x) Tj\nET\n0 0.8 0 rg\n0 Tr\nBT\n220 689 Td\n(Minor) Tj\nET\n0 0 0 rg\nBT\n50 677 Td\nET\n"));
 }
 
+TEST_F(PdfTableTest, WideTextsEndBeforeTheNextColumnAndThePage) {
+  constexpr PdfColumn columns[] = {{"A", "", 50}, {"B", "", 150}, {"C", "", 550}};
+  constexpr PdfColor red{1, 0, 0};
+  PdfTableFormat format = Format();
+  format.columns = columns;
+  PdfTable table(&document_, format);
+  const std::string address = "2001:db8:1111:2222:3333:4444:5555:6666";
+  const std::u16string wide_address = Wide(address);
+  const std::u16string capitals(80, u'W');
+  const std::u16string endless(10'000, u'x');
+  table.AddRow(std::vector<PdfCell>{{wide_address}, {u"fits"}, {u"4294967295"}});
+  table.AddRow(std::vector<PdfCell>{{u"next"}, {capitals, &red}, {u"99"}});
+  table.AddRow(std::vector<PdfCell>{{endless}, {u"after"}, {u"1"}});
+  table.End();
+  const std::string file = Save();
+  std::map<std::string, PdfWord> words;
+  for (const PdfWord& word : WordsOf(file)) words[word.text] = word;
+  const struct {
+    std::string text;
+    double left, least, most;
+  } cases[] = {{address, 50, 140, 147},
+               {"fits", 150, 160, 170},
+               {"4294967295", 550, 580, 585},
+               {"next", 50, 65, 80},
+               {std::string(80, 'W'), 150, 530, 547},
+               {"99", 550, 560, 562}};
+  for (const auto& expected : cases) {
+    const PdfWord& word = words[expected.text];
+    EXPECT_DOUBLE_EQ(word.left, expected.left) << expected.text;
+    EXPECT_TRUE(word.right >= expected.least && word.right <= expected.most) << expected.text << ": " << word.right;
+  }
+  // What cannot be narrowed that far is cut off where the next column begins.
+  EXPECT_THAT(folder_.Read("Report.pdf"), HasSubstr("q\n50 698 97 13 re\nW\nn\n40 Tz\nBT\n50 701 Td\n(xxx"));
+  EXPECT_THAT(folder_.Read("Report.pdf"), HasSubstr("xxx) Tj\nET\nQ\nBT\n150 701 Td\n(after) Tj\nET\n"));
+}
+
 TEST_F(PdfTableTest, ATableWithoutRowsLeavesNothing) {
   const PdfTable table(&document_, Format());
   EXPECT_EQ(Guard([&] { table.End(); }), E_FAIL);
