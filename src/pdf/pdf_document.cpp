@@ -23,14 +23,22 @@ constexpr std::u16string_view kFooter = u"Network statistics report, created by 
 /// Pages per node of the page tree. Without nodes the library ends at 32,767 pages.
 constexpr HPDF_UINT kPagesPerNode = 256;
 
-/// The widest character of the faces ("@" in the regular one) at the size of all text, rounded up, and a thousandth of
-/// that size, in which the faces count.
+/// The widest character of the faces ("@" in the regular one) and their figures at the size of all text, rounded up,
+/// and a thousandth of that size, in which the faces count.
 constexpr float kWidestCharacter = 10.2F;
+constexpr float kFigure = 5.6F;
 constexpr float kFaceUnit = kPdfFontSize / 1000;
 
 /// How far a line reaches below its baseline, and from there to its top.
 constexpr float kLineDepth = 3;
 constexpr float kLineHeight = 13;
+
+/// No less than the width of a text, and for numbers, dates and most addresses hardly more.
+float MostWidth(std::string_view text) {
+  float width = 0;
+  for (const char c : text) width += c >= '-' && c <= ':' ? kFigure : kWidestCharacter;  // "-./" and figures and ":"
+  return width;
+}
 
 /// What is handed to the file system at a time, and what a whole document ends with.
 constexpr std::size_t kSaveBlock = std::size_t{1} << 18;
@@ -149,6 +157,7 @@ class PdfDocument::Library {
     HPDF_Page page = nullptr;
     Must([&] { return (page = HPDF_AddPage(document_)) != nullptr; });
     page_face_ = nullptr;
+    page_width_ = HPDF_Page_GetWidth(page);
     return page;
   }
 
@@ -157,7 +166,7 @@ class PdfDocument::Library {
     const HPDF_Page page = this->page();
     ToPrintable(text, &text_);
     if (!page || text_.size() > kPdfMaxTextBytes) return false;
-    room = std::min(room, HPDF_Page_GetWidth(page) - kPdfAfterLine - x);
+    room = std::min(room, page_width_ - kPdfAfterLine - x);
     return Run([&] {
       return SetFace(page, face) && (!color || SetTextColor(page, *color)) && WriteWithin(page, x, y, room) &&
              (!color || SetFill(page, kPdfBlack));
@@ -233,7 +242,7 @@ class PdfDocument::Library {
 
   bool WriteWithin(HPDF_Page page, float x, float y, float room) const {
     // Most texts are so short that they need not be measured.
-    if (static_cast<float>(text_.size()) * kWidestCharacter <= room) return Write(page, x, y);
+    if (MostWidth(text_) <= room) return Write(page, x, y);
     const HPDF_TextWidth measured = HPDF_Font_TextWidth(
         page_face_->font, reinterpret_cast<const HPDF_BYTE*>(text_.data()), static_cast<HPDF_UINT>(text_.size()));
     const float width = static_cast<float>(measured.width) * kFaceUnit;
@@ -260,6 +269,7 @@ class PdfDocument::Library {
   HPDF_Doc document_ = nullptr;
   bool failed_ = false;
   const Face* page_face_ = nullptr;  // of the current page; null for none yet
+  float page_width_ = 0;             // of the current page; asking the library for it takes time
   std::string text_;
   std::string block_;     // of the document being saved
   std::size_t left_ = 0;  // bytes behind it
