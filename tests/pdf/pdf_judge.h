@@ -2,7 +2,8 @@
 
 #include <gmock/gmock.h>
 
-#include <regex>
+#include <algorithm>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -21,8 +22,14 @@ inline void ExpectSound(const std::string& file) {
 /// The lines of a program's output, without blanks around them and empty ones.
 inline std::vector<std::string> OutputLines(const std::string& program, const std::vector<std::string>& arguments) {
   const std::string output = RunProgram(program, arguments).output;
-  static const std::regex line(R"([^\s\f]([^\n\f]*[^\s\f])?)");
-  return {std::sregex_token_iterator(output.begin(), output.end(), line), {}};
+  std::vector<std::string> lines;
+  for (std::size_t begin = 0, end = 0; begin < output.size(); begin = end + 1) {
+    end = std::min(output.find_first_of("\n\f", begin), output.size());
+    const std::string line = output.substr(begin, end - begin);
+    const std::size_t first = line.find_first_not_of(" \t\r");
+    if (first != std::string::npos) lines.push_back(line.substr(first, line.find_last_not_of(" \t\r") + 1 - first));
+  }
+  return lines;
 }
 
 /// The entries of the outline from top to bottom: as many dots as there are entries above, the title, " +" for one that
@@ -48,16 +55,17 @@ struct PdfWord {
 };
 
 inline std::vector<PdfWord> WordsOf(const std::string& file) {
-  const std::string output = RunProgram("/usr/bin/pdftotext", {"-bbox", file, "-"}).output;
-  static const std::regex token(R"re(<page |<word xMin="([\d.]+)" yMin="([\d.]+)" xMax="([\d.]+)"[^>]*>([^<]*)<)re");
   std::vector<PdfWord> words;
-  int page = 0;
-  for (std::sregex_iterator found(output.begin(), output.end(), token), end; found != end; ++found) {
-    if (!(*found)[1].matched) {
-      ++page;
-    } else {
-      words.push_back({page, std::stod((*found)[1]), std::stod((*found)[3]), std::stod((*found)[2]), (*found)[4]});
+  PdfWord word;
+  for (const std::string& line : OutputLines("/usr/bin/pdftotext", {"-bbox", file, "-"})) {
+    if (line.starts_with("<page ")) ++word.page;
+    if (std::sscanf(line.c_str(), "<word xMin=\"%lf\" yMin=\"%lf\" xMax=\"%lf\"", &word.left, &word.top, &word.right) !=
+        3) {
+      continue;
     }
+    const std::size_t begin = line.find('>') + 1;
+    word.text = line.substr(begin, line.find('<', begin) - begin);
+    words.push_back(word);
   }
   return words;
 }
