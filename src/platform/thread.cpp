@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <link.h>
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
@@ -14,8 +15,11 @@ namespace orvo {
 namespace {
 
 thread_local Status next_failure = S_OK;
+thread_local std::uint64_t own_number = 0;  // that of the Thread that runs here; 0: none
+std::atomic<std::uint64_t> last_number{0};
 
 struct Task {
+  std::uint64_t number;
   Thread::Function* function;
   void* argument;
   void* library;  // held while the function runs; null for the program itself
@@ -37,6 +41,7 @@ bool HoldLibrary(const void* address, void** library) {
 /// left it.
 void* RunTask(void* argument) {
   const Task task = *std::unique_ptr<Task>(static_cast<Task*>(argument));
+  own_number = task.number;
   const Status status = task.function(task.argument);
   if (task.library) dlclose(task.library);
   // NOLINTNEXTLINE(performance-no-int-to-ptr): the only way in which a thread hands out a number.
@@ -56,27 +61,32 @@ int CreateWithoutSignals(pthread_t* thread, Task* task) {
 
 Status Thread::Start(Function* function, void* argument) {
   if (const Status failure = std::exchange(next_failure, S_OK); Failed(failure)) return failure;
-  std::unique_ptr<Task> task(new (std::nothrow) Task{function, argument, nullptr});
+  std::unique_ptr<Task> task(new (std::nothrow) Task{++last_number, function, argument, nullptr});
   if (!task) return E_OUTOFMEMORY;
   if (!HoldLibrary(reinterpret_cast<const void*>(function), &task->library)) return StatusFromErrno(ELIBBAD);
+  number_ = task->number;
   if (const int error = CreateWithoutSignals(&thread_, task.get()); error != 0) {
+    number_ = 0;
     if (task->library) dlclose(task->library);
     return StatusFromErrno(error);
   }
-  running_ = true;
   (void)task.release();  // the thread's own from now on
   return S_OK;
 }
 
+bool Thread::IsCurrent() const {
+  return number_ != 0 && number_ == own_number;
+}
+
 Status Thread::Join() {
   void* result = nullptr;
-  if (running_) pthread_join(thread_, &result);
-  running_ = false;  // not before: until its end the thread is to know itself
+  if (number_ != 0) pthread_join(thread_, &result);
+  number_ = 0;  // not before: until its end the thread is to know itself
   return static_cast<Status>(reinterpret_cast<std::intptr_t>(result));
 }
 
 void Thread::Detach() {
-  if (std::exchange(running_, false)) pthread_detach(thread_);
+  if (std::exchange(number_, 0) != 0) pthread_detach(thread_);
 }
 
 void FailNextThread(Status status) {

@@ -2,6 +2,8 @@
 
 #include <pthread.h>
 
+#include <cstdint>
+
 #include "platform/export.h"
 #include "platform/status.h"
 
@@ -22,7 +24,8 @@ class ORVO_PLATFORM_API Thread {
   /// Once per object, unless it failed: S_OK and the function has been or will be called, or the platform's error and
   /// it will not. The function must not raise.
   Status Start(Function* function, void* argument);
-  bool IsCurrent() const { return running_ && pthread_equal(pthread_self(), thread_) != 0; }
+  /// Whether the function asks, or what it calls; from its first line on.
+  bool IsCurrent() const;
   /// Waits for the end, and gives what the function has returned.
   Status Join();
   /// Lets the thread go on by itself.
@@ -30,7 +33,7 @@ class ORVO_PLATFORM_API Thread {
 
  private:
   pthread_t thread_{};
-  bool running_ = false;
+  std::uint64_t number_ = 0;  // while it runs, no other's; set before, for the thread may look before its maker goes on
 };
 
 /// Provokes a failing Start on this thread: the next one returns `status` when that is a failure.
