@@ -87,6 +87,7 @@ const Switch& FindSwitch(std::string_view name) {
   const auto* found = std::ranges::find(kSwitches, name, &Switch::name);
   if (found != kSwitches.end()) return *found;
   std::vector<std::string> names;
+  names.reserve(std::size(kSwitches));
   for (const Switch& entry : kSwitches) names.emplace_back(entry.name);
   throw CommandError(kUsage, fmt::format("--set {}: there is no such switch{} (list them with: orvo-report settings)",
                                          name, Suggestion(name, names)));
