@@ -5,6 +5,7 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <limits>
 #include <utility>
 
 #include "app/component.h"
@@ -16,7 +17,8 @@ namespace orvo::app {
 namespace {
 
 constexpr const char* kScheduler = "the scheduler";
-constexpr std::uint32_t kWritten = 0;     // the severity of a report that was written
+constexpr std::uint32_t kWritten = 0;  // the severity of a report that was written
+constexpr std::uint64_t kNotReported = std::numeric_limits<std::uint64_t>::max();
 constexpr int kBetweenStatusLines = 500;  // milliseconds
 constexpr std::chrono::seconds kPatienceWithPrograms(10);
 constexpr std::chrono::milliseconds kOneWish(500);  // signals to end so close to each other mean the same
@@ -135,7 +137,9 @@ void Watch::Tell() {
     PrintOutput(fmt::format("{} {} {}\n", TimeText(notification.time), reported_well_ ? "info" : "error",
                             Printable(notification.text)));
     parts_.programs.Add(notification.severity, notification.text);
-    if (!reported_well_) TellOfFolder();
+    if (reported_well_) continue;
+    reported_ = kNotReported;
+    TellOfFolder();
   }
   for (const std::string& problem : notifications_->TakeProblems()) {
     status_.Clear();

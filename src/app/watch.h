@@ -71,7 +71,8 @@ class Watch {
   ComPtr<IStatsOutputPrefs> preferences_;
   ComPtr<ISkryStatsOutput> scheduler_;
   ComPtr<IStartable> startable_;
-  std::atomic<std::uint64_t> reported_ = 0;  // packets that were counted when the latest report began
+  /// The packets that were counted when the latest report began; more than there can be when it failed.
+  std::atomic<std::uint64_t> reported_ = 0;
   std::optional<std::chrono::steady_clock::time_point> asked_to_end_;  // by a signal
   std::atomic<bool> has_reported_ = false;
   bool announced_ = false;
