@@ -50,6 +50,7 @@ bool HasKinds(const Target& target) {
 
 std::vector<Target> ChooseTargets(const MakeOptions& options) {
   std::vector<Target> targets;
+  WarnOfUnknownNames(options.common.settings);
   for (const Format* format : ParseFormats(options.formats)) {
     targets.push_back({.format = format, .preferences = LoadPreferences(options.common.settings)});
     ChooseReport(options.common.report, *targets.back().preferences);

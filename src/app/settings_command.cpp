@@ -14,6 +14,7 @@ void AddSettingsCommand(CLI::App& parser, Verb* verb) {
   command->callback([verb, options] {
     *verb = [options] {
       const ComPtr<ISkryStatsOutput> scheduler = MakeScheduler();
+      WarnOfUnknownNames(*options);
       if (!options->file.empty()) SettingsFile(options->file).LoadInto(*scheduler);
       PrintOutput(SettingsDocument(*LoadPreferences(*options), *scheduler));
       return static_cast<int>(kDone);

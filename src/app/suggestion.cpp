@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
+#include <vector>
 
 namespace orvo::app {
 namespace {
@@ -43,20 +45,20 @@ std::size_t Slips(std::string_view a, std::string_view b) {
 
 }  // namespace
 
-std::string Suggestion(std::string_view word, const std::vector<std::string>& known) {
+std::string Suggestion(std::string_view word, std::span<const std::string_view> known) {
   const std::string meant = Letters(word);
   if (meant.empty() || meant.size() > kLongest) return {};
-  const std::string* nearest = nullptr;
+  std::string_view nearest;
   std::size_t fewest = std::max<std::size_t>(1, meant.size() / kLettersPerSlip) + 1;
-  for (const std::string& candidate : known) {
+  for (const std::string_view candidate : known) {
     const std::string letters = Letters(candidate);
     const bool begins_so = meant.size() >= kLettersOfABeginning && letters.starts_with(meant);
     const std::size_t slips = begins_so ? 1 : Slips(meant, letters);
     if (slips >= fewest) continue;
     fewest = slips;
-    nearest = &candidate;
+    nearest = candidate;
   }
-  return nearest ? fmt::format("; did you mean {}?", *nearest) : std::string();
+  return nearest.empty() ? std::string() : fmt::format("; did you mean {}?", nearest);
 }
 
 }  // namespace orvo::app

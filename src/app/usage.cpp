@@ -32,6 +32,10 @@ std::vector<std::string> Words(const CLI::App& parser) {
   return words;
 }
 
+std::string Meant(std::string_view word, const std::vector<std::string>& known) {
+  return Suggestion(word, std::vector<std::string_view>(known.begin(), known.end()));
+}
+
 /// The parser's own words, of which it has a few fixed ones, in plainer ones.
 std::string Plain(const std::string& said) {
   constexpr std::string_view kOneOf = "Exactly 1 option from [";
@@ -62,12 +66,12 @@ std::string UsageMessage(const CLI::App& parser, const CLI::ParseError& error, s
   std::vector<std::string> unknown = parser.remaining(/*recurse=*/true);
   std::erase(unknown, "--");
   if (word == given.end() && !first.empty() && !first.starts_with('-')) {
-    message = fmt::format("{}: there is no such word{}", first, Suggestion(first, Words(parser)));
+    message = fmt::format("{}: there is no such word{}", first, Meant(first, Words(parser)));
   } else if (unknown.empty()) {
     message = word == given.end() ? "the word that says what to do is missing" : Plain(error.what());
   } else if (const std::string& other = unknown.front(); other.starts_with('-')) {
     const std::string name = other.substr(0, other.find('='));
-    message = fmt::format("{}: there is no such option{}", name, Suggestion(name, OptionsOf(app)));
+    message = fmt::format("{}: there is no such option{}", name, Meant(name, OptionsOf(app)));
   } else {
     message = fmt::format("{}: nothing is expected here", other);
   }

@@ -46,8 +46,8 @@ Wakeup::~Wakeup() {
   close(signals_);
 }
 
-void Wakeup::Wait(int milliseconds) {
-  std::array<pollfd, 2> ends{{{signals_, POLLIN, 0}, {event_, POLLIN, 0}}};
+void Wakeup::Wait(int milliseconds, int descriptor) {
+  std::array<pollfd, 3> ends{{{signals_, POLLIN, 0}, {event_, POLLIN, 0}, {descriptor, POLLIN, 0}}};
   if (poll(ends.data(), ends.size(), milliseconds) <= 0) return;
   std::uint64_t count = 0;
   (void)!read(event_, &count, sizeof count);

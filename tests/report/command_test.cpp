@@ -330,6 +330,53 @@ TEST(CommandTest, SettingsGoRoundTripAndTellWhatIsWrong) {
   }
 }
 
+TEST(CommandTest, NamesInSettingsThatAreNoSettingsAreToldOf) {
+  TemporaryFolder folder;
+  const struct {
+    const char* document;
+    std::vector<std::string> warnings;
+  } cases[] = {
+      {"<OrvoSettings xmlns='urn:x'><statsoutput "
+       "keep='3'/><StatsOutputPrefs><Graphs/></StatsOutputPrefs></OrvoSettings>",
+       {}},
+      {"<statsoutput outptInterval='5' Keep='3' colour='red'/>",
+       {"statsoutput has no attribute outptInterval, it is passed over; did you mean outputInterval?",
+        "statsoutput has no attribute Keep, it is passed over; did you mean keep?",
+        "statsoutput has no attribute colour, it is passed over"}},
+      {"<OrvoSettings><statsoutput/><StatsOutputPref/><StatsOutputPrefs OutputGraphs='0'><NodeStat/><Graphs/><Graphs/>"
+       "<ProtocolStats NodePackets='0'/></StatsOutputPrefs></OrvoSettings>",
+       {"there is no element StatsOutputPref in OrvoSettings, it is passed over; did you mean StatsOutputPrefs?",
+        "StatsOutputPrefs has no attribute OutputGraphs, it is passed over; it belongs to Graphs",
+        "there is no element NodeStat in StatsOutputPrefs, it is passed over; did you mean NodeStats?",
+        "Graphs stands more than once in StatsOutputPrefs; only the first counts",
+        "ProtocolStats has no attribute NodePackets, it is passed over; it belongs to NodeStats"}},
+  };
+  const std::string file = folder.Path("s.xml");
+  for (const auto& one : cases) {
+    folder.Write("s.xml", one.document);
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"settings"},
+          {"make", kSample, "--out", folder.Path("out"), "--format", "csv,tab"}}) {
+      std::vector<std::string> arguments = words;
+      arguments.insert(arguments.end(), {"--settings", file});
+      const CommandResult result = RunCommand(arguments);
+      EXPECT_EQ(result.exit_status, 0);
+      std::vector<std::string> expected;
+      for (const std::string& warning : one.warnings) {
+        expected.push_back("orvo-report: warning: " + file + ": " + warning);
+      }
+      EXPECT_EQ(Lines(result.messages), expected);
+    }
+  }
+  std::string many = "<statsoutput";
+  for (int i = 0; i < 20'000; ++i) many += " outputIntervals" + std::to_string(i) + "='1'";
+  folder.Write("s.xml", many + "/>");
+  const std::vector<std::string> messages = Lines(RunCommand({"settings", "--settings", file}).messages);
+  ASSERT_EQ(messages.size(), 11U);
+  EXPECT_THAT(messages.back(), HasSubstr(": 19990 more names are passed over"));
+  ExpectOneMessage(RunCommand({"settings", "--set", "NodePacket=0"}), "no such switch; did you mean NodePackets?");
+}
+
 TEST(CommandTest, LimitsFoldAwayAndAreToldInTheSummary) {
   TemporaryFolder folder;
   ASSERT_EQ(RunCommand({"make", kSample, "--out", folder.Path("out"), "--limit", "conversations=9", "--limit",
