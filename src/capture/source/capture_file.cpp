@@ -97,6 +97,8 @@ std::unique_ptr<PacketSource> OpenCaptureFile(const std::string& path, SourceErr
     window = ByteWindow(MakeZstdReader(std::move(window)));
     magic = window.Look(kMagic);
   }
+  const bool is_pipe = window.size() == 0;
+  if (!is_pipe) window.ReadAhead();
   if (magic && IsPcap(magic)) return OpenPcap(path, std::move(window), error);
   if (magic && IsPcapng(magic)) return OpenPcapng(path, std::move(window), error);
   *error = window.problem().empty()
