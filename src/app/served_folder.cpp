@@ -33,6 +33,11 @@ int OpenAt(int folder, const std::string& name, int flags) {
   return descriptor;
 }
 
+std::string TagOf(const struct stat& details) {
+  return fmt::format("\"{:x}-{:x}-{:x}.{:x}\"", details.st_ino, details.st_size, details.st_mtim.tv_sec,
+                     details.st_mtim.tv_nsec);
+}
+
 }  // namespace
 
 ServedFile::~ServedFile() {
@@ -75,7 +80,7 @@ std::shared_ptr<const ServedFile> ServedFolder::Open(std::string_view path) cons
     close(opened);
     return nullptr;
   }
-  return std::make_shared<const ServedFile>(opened, static_cast<std::uint64_t>(details.st_size));
+  return std::make_shared<const ServedFile>(opened, static_cast<std::uint64_t>(details.st_size), TagOf(details));
 }
 
 }  // namespace orvo::app
