@@ -8,6 +8,7 @@
 
 #include "app/component.h"
 #include "app/schedule_settings.h"
+#include "app/suggestion.h"
 #include "platform/code_page.h"
 #include "platform/path.h"
 #include "platform/xml_interfaces.h"
@@ -85,8 +86,11 @@ void CheckKindAndSize(const std::string& file) {
 const Switch& FindSwitch(std::string_view name) {
   const auto* found = std::ranges::find(kSwitches, name, &Switch::name);
   if (found != kSwitches.end()) return *found;
-  throw CommandError(kUsage,
-                     fmt::format("--set {}: there is no such switch (list them with: orvo-report settings)", name));
+  std::vector<std::string> names;
+  names.reserve(std::size(kSwitches));
+  for (const Switch& entry : kSwitches) names.emplace_back(entry.name);
+  throw CommandError(kUsage, fmt::format("--set {}: there is no such switch{} (list them with: orvo-report settings)",
+                                         name, Suggestion(name, names)));
 }
 
 void Assign(IStatsOutputPrefs& preferences, const std::string& assignment) {
@@ -114,7 +118,11 @@ SettingsFile::SettingsFile(const std::string& file) : file_(file) {
   Require(CreateXmlDocument(document_.Out()), file);
   const Status loaded = document_->Load(path.c_str());
   if (loaded == E_FAIL)
-    throw CommandError(kFailed, fmt::format("{}: is not a well-formed XML document, or nests too deep", file));
+    throw CommandError(
+        kFailed,
+        fmt::format(
+            "{}: is not a well-formed XML document, or nests too deep (print a template with: orvo-report settings)",
+            file));
   Require(loaded, file);
 
   // The elements lie below the document's root, or one of them is that root.
