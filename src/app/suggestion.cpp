@@ -52,7 +52,7 @@ std::string Suggestion(std::string_view word, std::span<const std::string_view> 
   std::size_t fewest = std::max<std::size_t>(1, meant.size() / kLettersPerSlip) + 1;
   for (const std::string_view candidate : known) {
     const std::string letters = Letters(candidate);
-    const bool begins_so = meant.size() >= kLettersOfABeginning && letters.starts_with(meant);
+    const bool begins_so = meant.size() >= kLettersOfABeginning && letters != meant && letters.starts_with(meant);
     const std::size_t slips = begins_so ? 1 : Slips(meant, letters);
     if (slips >= fewest) continue;
     fewest = slips;

@@ -211,7 +211,10 @@ TEST(CommandTest, APdfReportStandsBesideOthersAndSaysWhyItCannotBeSaved) {
   // A page of graphs goes missing without its folder of pictures, and nothing else does.
   fs::remove(folder.Path("a/pdf/Temp"));
   folder.Write("a/pdf/Temp", "in the way");
-  EXPECT_EQ(RunCommand(make).exit_status, 0);
+  const CommandResult without_charts = RunCommand(make);
+  EXPECT_EQ(without_charts.exit_status, 1);
+  ExpectOneMessage(without_charts, folder.Path("a/pdf/Temp/TrafficGraph.png") + " (and 9 more): ");
+  EXPECT_THAT(without_charts.output, HasSubstr(folder.Path("a/pdf/Report.pdf") + " ("));
   EXPECT_EQ(folder.Read("a/pdf/Temp"), "in the way");
 }
 
