@@ -96,8 +96,11 @@ function valueNumber(text) {
   return Number.isNaN(plain) ? localNumber(text) : plain;
 }
 
+// What a statistic counts, its name says, which stands first in the row.
 function dressValue(cell, text, column) {
-  if (/^\d{4,}$/.test(text)) dressCount(cell, text, column);
+  if (!/^\d{4,}$/.test(text)) return;
+  const isBytes = /\bBytes$/.test(cell.parentElement?.cells?.[0]?.textContent ?? "");
+  (isBytes ? dressBytes : dressCount)(cell, text, column);
 }
 
 // How much the second of two values between "|" is above the first.
