@@ -36,13 +36,14 @@ class RowSource {
     return this.findCell(this.row, this.context(index), { left: column }) ?? "";
   }
 
-  // Everything that the document says about the row: what a filter looks in.
+  // Everything that the document says about the row: what a filter looks in. Where children have attributes, their
+  // Value says it.
   words(index) {
     const { tree } = this.run;
     const node = this.nodes[index];
+    const after = tree.after[node];
     let words = "";
     if (tree.attributes[node]) for (const { value } of tree.attributesOf(node)) words += `${value}\n`;
-    const after = tree.after[node];
     for (let child = node + 1; child < after; child = tree.after[child]) {
       words += `${tree.attributes[child] ? (tree.attribute(child, "Value") ?? "") : tree.text(child)}\n`;
     }

@@ -17,10 +17,6 @@ const SKIPPED = [
   ["<?", "?>"],
 ];
 
-function isSpace(code) {
-  return code === 32 || code === 10 || code === 9 || code === 13;
-}
-
 class TreeReader {
   constructor({ parts = null, counted = [] } = {}) {
     this.tree = new Tree();

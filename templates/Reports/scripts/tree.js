@@ -9,6 +9,10 @@ const REFERENCES = /&(?:#x([0-9A-Fa-f]+)|#(\d+)|(lt|gt|amp|quot|apos));/g;
 const ATTRIBUTES = /([^\s=]+)\s*=\s*(?:"([^"]*)"|'([^']*)')/g;
 const ENTITIES = { lt: "<", gt: ">", amp: "&", quot: '"', apos: "'" };
 
+function isSpace(code) {
+  return code === 32 || code === 10 || code === 9 || code === 13;
+}
+
 function dereference(text) {
   if (!text.includes("&")) return text;
   return text.replace(REFERENCES, (_, hex, decimal, name) => {
@@ -148,7 +152,16 @@ class Tree {
 
   // The value of an attribute; null without.
   attribute(element, name) {
-    return this.attributesOf(element).find((attribute) => attribute.name === name)?.value ?? null;
+    const at = this.attributes[element];
+    const text = at ? this.slice(at, this.begin[element] - 1) : "";
+    for (let from = 0; ; ) {
+      const equals = text.indexOf("=", from);
+      if (equals < 0) return null;
+      const begin = equals + 1 + (isSpace(text.charCodeAt(equals + 1)) ? text.slice(equals + 1).search(/\S/) : 0);
+      const end = text.indexOf(text[begin], begin + 1);
+      if (text.slice(from, equals).trim() === name) return dereference(text.slice(begin + 1, end));
+      from = end + 1;
+    }
   }
 
   get root() {

@@ -234,7 +234,7 @@ class XPathParser {
     run.exists = (context) => this.leads(start(context), steps, context);
     if (!isAbsolute && steps.length === 1 && steps[0].first) {
       run.first = ({ node }) => steps[0].first(node);
-      run.child = steps[0].test;
+      if (typeof steps[0].test === "number") run.child = steps[0].test;
     }
     return run;
   }
@@ -249,7 +249,7 @@ class XPathParser {
       const isDeep = this.skip("//");
       if (!isDeep && !this.skip("/")) return steps;
       const step = this.step();
-      if (isDeep && step.first) steps.push({ axis: XPATH_AXES.descendant, test: step.test, predicates: [] });
+      if (isDeep && step.first && typeof step.test === "number") steps.push({ axis: XPATH_AXES.descendant, test: step.test, predicates: [] });
       else if (isDeep) steps.push({ axis: XPATH_AXES["descendant-or-self"], test: null, predicates: [] }, step);
       else steps.push(step);
     }
@@ -267,9 +267,10 @@ class XPathParser {
     if (!Object.hasOwn(XPATH_AXES, axis)) throw new Error(`the axis ${axis} is not known`);
     const test = this.nodeTest(axis);
     const step = { axis: XPATH_AXES[axis], test, predicates: this.predicates() };
-    if (axis === "child" && typeof test === "number" && step.predicates.length === 0) {
-      step.first = (node) => (typeof node === "number" ? this.tree.firstChild(node, test) : -1);
-    }
+    step.isAhead = ["child", "attribute", "descendant"].includes(axis);
+    if (test === null || step.predicates.length > 0) return step;
+    if (axis === "child") step.first = (node) => (typeof node === "number" ? this.tree.firstChild(node, test) : -1);
+    if (axis === "attribute") step.first = (node) => XPATH_AXES.attribute(this.tree, node, test)[0] ?? -1;
     return step;
   }
 
@@ -308,7 +309,9 @@ class XPathParser {
 
   walk(nodes, steps, context) {
     for (const step of steps) {
-      nodes = inDocumentOrder(this.tree, nodes.flatMap((node) => this.near(node, step, context)));
+      // What is ahead of one node is in order.
+      if (nodes.length === 1 && step.isAhead) nodes = this.near(nodes[0], step, context);
+      else nodes = inDocumentOrder(this.tree, nodes.flatMap((node) => this.near(node, step, context)));
     }
     return nodes;
   }
@@ -382,7 +385,9 @@ const XPATH_AXES = {
     return siblings.reverse();
   },
   attribute: (tree, node, test) => {
-    const all = typeof node === "number" ? tree.attributesOf(node) : [];
-    return test === null ? all : all.filter((attribute) => attribute.name === test);
+    if (typeof node !== "number") return [];
+    if (test === null) return tree.attributesOf(node);
+    const value = tree.attribute(node, test);
+    return value === null ? [] : [{ owner: node, place: 0, name: test, value }];
   },
 };
