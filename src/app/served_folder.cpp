@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <system_error>
 
 #include "app/messages.h"
 
@@ -52,7 +53,9 @@ std::size_t ServedFile::ReadAt(std::uint64_t offset, char* destination, std::siz
 }
 
 ServedFolder::ServedFolder(const std::string& path) : descriptor_(OpenAt(AT_FDCWD, path, kFolderFlags)) {
-  if (descriptor_ < 0) throw CommandError(kFailed, fmt::format("{}: {}", path, Describe(StatusFromErrno(errno))));
+  if (descriptor_ >= 0) return;
+  throw CommandError(kFailed, fmt::format("{}: cannot be opened ({}); name the folder of a report", path,
+                                          std::generic_category().message(errno)));
 }
 
 ServedFolder::~ServedFolder() {

@@ -99,10 +99,11 @@ void AddViewCommand(CLI::App& parser, Verb* verb) {
   command->add_option("DIR", options->folder, "Folder of the report")->required()->type_name("")->check(NotEmpty());
   command->add_option("--port", options->port, "Port of 127.0.0.1 to show it on (default: a free one)")
       ->type_name("N")
-      ->check(CLI::Range(0, 65535));
+      ->check(InRange(0, 65535));
   command->add_option("--templates", options->templates, "Folder of the templates whose pages may run their scripts")
-      ->type_name("DIR");
-  command->add_flag("--open", options->open, "Start the desktop's browser");
+      ->type_name("DIR")
+      ->check(IsFolder());
+  AddFlag(*command, "--open", &options->open, "Start the desktop's browser");
   command->callback([verb, options] { *verb = [options] { return View(*options); }; });
 }
 
