@@ -183,6 +183,8 @@ int Make(const MakeOptions& options) {
   const std::unique_ptr<CaptureEngine, LeaveToSystem> engine(MakeEngine(options.common, /*live=*/false).release());
   const Sources sources = OpenCaptures(options.captures);
   MakeFolders(options, &targets);
+  const auto has_pages = [](const Target& target) { return target.format->type == kOutputXml; };
+  if (std::ranges::any_of(targets, has_pages)) WarnOfMissingPages(options.common);
 
   ReadCaptures(options, sources, filter.get(), *engine);
   bool all_written = true;

@@ -2,7 +2,9 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <vector>
 
 #include "app/component.h"
 #include "app/limits.h"
@@ -114,6 +116,28 @@ std::u16string TemplateFolder(const ReportOptions& options) {
   const std::string templates = options.templates.empty() ? TemplatesBesideCommand() : options.templates;
   if (templates.empty()) return {};
   return PathFromSystem((std::filesystem::absolute(templates) / "").string());
+}
+
+void WarnOfMissingPages(const ReportOptions& options) {
+  namespace fs = std::filesystem;
+  const fs::path complete = fs::path(TemplatesBesideCommand()) / "Reports";
+  const fs::path wanted = options.templates.empty() ? complete : fs::path(options.templates) / "Reports";
+  std::error_code error;
+  if (!fs::exists(wanted / "Report.htm", error)) {
+    PrintWarning(fmt::format("{}: Report.htm is missing, so the report gets no page to begin with (--templates)",
+                             Printable(wanted.string())));
+    return;
+  }
+  std::vector<std::string> missing;
+  for (const fs::directory_entry& file : fs::recursive_directory_iterator(complete, error)) {
+    const fs::path name = file.path().lexically_relative(complete);
+    if (!fs::exists(wanted / name, error)) missing.push_back(name.string());
+  }
+  if (missing.empty()) return;
+  std::ranges::sort(missing);
+  const std::string others = missing.size() == 1 ? "" : fmt::format(" and {} others", missing.size() - 1);
+  PrintWarning(fmt::format("{}: {}{} missing, so some pages of the report show less (--templates)",
+                           Printable(wanted.string()), missing.front() + others, missing.size() == 1 ? " is" : " are"));
 }
 
 }  // namespace orvo::app

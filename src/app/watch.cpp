@@ -94,6 +94,7 @@ void Watch::SetUp() {
   Require(scheduler_->SetContext(context_.get()), kScheduler);
   Require(scheduler_->SetGraphs(graphs_.get()), kScheduler);
   Require(scheduler_->SetNotifySink(notifications_.get(), {}), kScheduler);
+  if (format.type == kOutputXml) WarnOfMissingPages(parts_.options);
   if (const std::u16string templates = TemplateFolder(parts_.options); !templates.empty()) {
     Require(scheduler_->SetTemplateRoot(Bstr(templates).get()), kScheduler);
   }

@@ -179,6 +179,7 @@ TEST(CommandTest, AnXmlReportTakesItsKindAndTemplates) {
   const CommandResult full = RunCommand(
       {"make", kSample, "--out", folder.Path("full"), "--format", "xml", "--templates", folder.Path("templates")});
   EXPECT_EQ(full.exit_status, 0) << full.messages;
+  EXPECT_THAT(full.messages, HasSubstr("templates/Reports: AdditionalExec_WChannelStats.xsl and "));
   EXPECT_EQ(folder.Read("full/Report.htm"), "the page");
   EXPECT_TRUE(folder.Has("full/ProtocolsMenu.htm"));
   EXPECT_THAT(full.output, HasSubstr(folder.Path("full/StatsReport.xml") + " ("));
@@ -187,6 +188,7 @@ TEST(CommandTest, AnXmlReportTakesItsKindAndTemplates) {
   const CommandResult both =
       RunCommand({"make", kSample, "--out", folder.Path("both"), "--format", "xml,csv", "--report", "expert-summary"});
   EXPECT_EQ(both.exit_status, 0) << both.messages;
+  EXPECT_EQ(both.messages, "");
   EXPECT_FALSE(folder.Has("both/xml/ProtocolsMenu.htm"));
   // Templates come with the command.
   EXPECT_THAT(folder.Read("both/xml/Report.htm"), HasSubstr("MainMenu.htm"));
