@@ -96,9 +96,9 @@ void ApplyChoice(const ScheduleChoice& choice, ISkryStatsOutput& scheduler) {
 Interval ParseInterval(std::string_view option, std::string_view text) {
   std::uint32_t value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  const auto* unit = std::ranges::find_if(kUnits, [&](const Unit& one) {
-    return std::string_view(end, text.data() + text.size()) == std::string_view(&one.letter, 1);
-  });
+  const std::string_view letters(end, text.data() + text.size());
+  const auto* unit =
+      std::ranges::find_if(kUnits, [letters](const Unit& one) { return letters == std::string_view(&one.letter, 1); });
   if (error == std::errc::invalid_argument || unit == std::end(kUnits)) {
     throw CommandError(
         kUsage, fmt::format("{} {}: must be a whole number and its unit, s, m, h or d, such as 15m", option, text));

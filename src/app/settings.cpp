@@ -8,6 +8,7 @@
 
 #include "app/component.h"
 #include "app/schedule_settings.h"
+#include "app/suggestion.h"
 #include "app/unknown_names.h"
 #include "platform/code_page.h"
 #include "platform/path.h"
@@ -91,10 +92,10 @@ const Switch& FindSwitch(std::string_view name) {
   const auto* found = std::ranges::find(kSwitches, name, &Switch::name);
   if (found != kSwitches.end()) return *found;
   std::vector<std::string_view> names;
+  names.reserve(std::size(kSwitches));
   for (const Switch& entry : kSwitches) names.push_back(entry.name);
-  const std::string_view nearest = NearestName(name, names);
   throw CommandError(kUsage, fmt::format("--set {}: there is no such switch{} (list them with: orvo-report settings)",
-                                         name, nearest.empty() ? "" : fmt::format("; did you mean {}?", nearest)));
+                                         name, Suggestion(name, names)));
 }
 
 void Assign(IStatsOutputPrefs& preferences, const std::string& assignment) {
@@ -122,7 +123,11 @@ SettingsFile::SettingsFile(const std::string& file) : file_(file) {
   Require(CreateXmlDocument(document_.Out()), file);
   const Status loaded = document_->Load(path.c_str());
   if (loaded == E_FAIL)
-    throw CommandError(kFailed, fmt::format("{}: is not a well-formed XML document, or nests too deep", file));
+    throw CommandError(
+        kFailed,
+        fmt::format(
+            "{}: is not a well-formed XML document, or nests too deep (print a template with: orvo-report settings)",
+            file));
   Require(loaded, file);
 
   // The elements lie below the document's root, or one of them is that root.

@@ -3,11 +3,11 @@
 #include <fmt/core.h>
 
 #include <algorithm>
-#include <numeric>
 #include <set>
 #include <utility>
 
 #include "app/schedule_settings.h"
+#include "app/suggestion.h"
 #include "platform/code_page.h"
 #include "prefs/switch_table.h"
 
@@ -15,27 +15,7 @@ namespace orvo::app {
 namespace {
 
 constexpr std::size_t kMostSentences = 10;
-constexpr std::size_t kLongestName = 64;  // longer ones are like none, and are cut where they are shown
-
-char Lower(char character) {
-  return character >= 'A' && character <= 'Z' ? static_cast<char>(character + ('a' - 'A')) : character;
-}
-
-/// How many characters must be put in, left out or exchanged to make one of the other, whatever their case
-/// (Levenshtein's distance).
-std::size_t Distance(std::string_view a, std::string_view b) {
-  std::vector<std::size_t> row(b.size() + 1);  // from the part of `a` so far to each part of `b`
-  std::iota(row.begin(), row.end(), 0U);
-  for (const char one : a) {
-    std::size_t diagonal = std::exchange(row[0], row[0] + 1);
-    for (std::size_t i = 0; i < b.size(); ++i) {
-      const std::size_t exchanged = diagonal + (Lower(one) == Lower(b[i]) ? 0 : 1);
-      diagonal = row[i + 1];
-      row[i + 1] = std::min({exchanged, row[i] + 1, diagonal + 1});
-    }
-  }
-  return row.back();
-}
+constexpr std::size_t kLongestName = 64;  // longer ones are cut where they are shown
 
 /// An element of a settings document: what may stand in it.
 struct Place {
@@ -83,11 +63,6 @@ std::string Shown(const std::string& name) {
   return name.size() > kLongestName ? name.substr(0, kLongestName) + "..." : name;
 }
 
-std::string Meant(std::string_view word, std::span<const std::string_view> names) {
-  const std::string_view nearest = NearestName(word, names);
-  return nearest.empty() ? "" : fmt::format("; did you mean {}?", nearest);
-}
-
 class Search {
  public:
   void LookAt(XmlElement element, const Place& place) {
@@ -104,7 +79,7 @@ class Search {
         sentences_.push_back(
             found == place.children.end()
                 ? fmt::format("there is no element {} in {}, it is passed over{}", Shown(name), place.name,
-                              Meant(name, names))
+                              Suggestion(name, names))
                 : fmt::format("{} stands more than once in {}; only the first counts", name, place.name));
       }
     }
@@ -126,7 +101,7 @@ class Search {
     const std::string_view owner = OwnerOf(document_, name);
     sentences_.push_back(
         fmt::format("{} has no attribute {}, it is passed over{}", place.name, Shown(name),
-                    owner.empty() ? Meant(name, place.attributes) : fmt::format("; it belongs to {}", owner)));
+                    owner.empty() ? Suggestion(name, place.attributes) : fmt::format("; it belongs to {}", owner)));
   }
 
   bool IsToBeTold() { return count_++ < kMostSentences; }
@@ -137,20 +112,6 @@ class Search {
 };
 
 }  // namespace
-
-std::string_view NearestName(std::string_view word, std::span<const std::string_view> names) {
-  if (word.size() > kLongestName) return {};
-  const std::size_t most = std::max<std::size_t>(2, word.size() / 3);
-  std::string_view nearest;
-  std::size_t least = most + 1;
-  for (const std::string_view name : names) {
-    const std::size_t distance = Distance(word, name);
-    if (distance >= least) continue;
-    least = distance;
-    nearest = name;
-  }
-  return nearest;
-}
 
 std::vector<std::string> UnknownNames(XmlElement root) {
   Search search;

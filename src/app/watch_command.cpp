@@ -153,7 +153,7 @@ void AddWatchCommand(CLI::App& parser, Verb* verb, bool* privileged) {
   what->require_option(1);
   command->add_option("--speed", options->speed, "Replay so many times as fast")
       ->type_name("N")
-      ->check(CLI::Range(0.001, 1e9))
+      ->check(InRange(0.001, 1e9))
       ->needs(replay)
       ->capture_default_str();
   command->add_option("--out", options->common.out, "Folder of all reports, made when missing")
