@@ -99,6 +99,14 @@ void Watch::SetUp() {
     Require(scheduler_->SetTemplateRoot(Bstr(templates).get()), kScheduler);
   }
   parts_.engine.SetObserver(notifications_->observer());
+  HearOfReports();
+}
+
+void Watch::HearOfReports() {
+  std::int32_t notify = 0;
+  Require(scheduler_->GetNotify(&notify), kScheduler);
+  tells_ = notify != 0;
+  Require(scheduler_->SetNotify(1), kScheduler);
 }
 
 bool Watch::Run() {
@@ -135,9 +143,11 @@ void Watch::Tell() {
   for (const Notification& notification : notifications_->Take()) {
     status_.Clear();
     reported_well_ = notification.severity == kWritten;
-    PrintOutput(fmt::format("{} {} {}\n", TimeText(notification.time), reported_well_ ? "info" : "error",
-                            Printable(notification.text)));
-    parts_.programs.Add(notification.severity, notification.text);
+    if (tells_) {
+      PrintOutput(fmt::format("{} {} {}\n", TimeText(notification.time), reported_well_ ? "info" : "error",
+                              Printable(notification.text)));
+      parts_.programs.Add(notification.severity, notification.text);
+    }
     if (reported_well_) continue;
     reported_ = kNotReported;
     TellOfFolder();
@@ -219,7 +229,9 @@ void Watch::Reload() {
 
     Require(startable_->Stop(), kScheduler);
     const ToldOnce before(*scheduler_);
+    Require(scheduler_->SetNotify(tells_ ? 1 : 0), kScheduler);
     ApplySchedule(file, parts_.choice, *scheduler_);
+    HearOfReports();
     const ToldOnce after(*scheduler_);
     // The output method is the one of the old type, and may not have been told its format yet.
     Require(scheduler_->SetOutputType(before.type), kScheduler);

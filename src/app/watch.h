@@ -47,6 +47,8 @@ class Watch {
   struct ToldOnce;
 
   void SetUp();
+  /// Whether reports are told of is decided here from now on: the watch itself always hears of them, for its end.
+  void HearOfReports();
   void TakeSignals();
   void Tell();
   /// What is wrong with the folder that reports or their sets go into; a report that failed does not say.
@@ -75,6 +77,7 @@ class Watch {
   std::atomic<std::uint64_t> reported_ = 0;
   std::optional<std::chrono::steady_clock::time_point> asked_to_end_;  // by a signal
   std::atomic<bool> has_reported_ = false;
+  bool tells_ = true;  // of reports
   bool announced_ = false;
   bool reload_ = false;
   bool ending_ = false;

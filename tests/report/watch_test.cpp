@@ -267,6 +267,12 @@ TEST(WatchTest, AReportThatFailsIsToldAndTheStatusShowsIt) {
               HasSubstr("orvo-report: " + folder.Path("out/file") + ": this folder cannot be made ("));
   EXPECT_THAT(without_folder.messages,
               HasSubstr("cannot be started: the interpreter that its first line names does not exist"));
+
+  folder.Write("s.xml", "<statsoutput newSetEnabled='0' reportPath='file' notify='0'/>");
+  const CommandResult untold = RunCommand(Replay(folder.Path("out"), {"--settings", settings, "--on-report", program}));
+  EXPECT_EQ(untold.exit_status, 1);
+  EXPECT_EQ(untold.output, "");
+  EXPECT_THAT(untold.messages, AllOf(HasSubstr("/out/file: cannot be made: "), Not(HasSubstr("--on-report"))));
 }
 
 bool IsWellFormed(const fs::path& path) {
