@@ -29,45 +29,21 @@ class ExpertDocumentsTest : public XmlReportTest {
 
 TEST_F(ExpertDocumentsTest, TablesAreCopiedCellByCell) {
   ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(folder.Read("StatsReport.xml"), R"(<?xml version="1.0" encoding="utf-8"?>
-<StatsReport>
-  <ExpertStatistics Version="1.0">
-    <FlowStatistics TimeSaved="11/22/2026 14:05:09">
-      <Stats>
-        <DELAY Name="Delay" Value="1234" />
-        <TEXT Name="A &quot;title&quot;" Value="1,234 &lt;b> ��" />
-      </Stats>
-    </FlowStatistics>
-    <ApplicationStatistics TimeSaved="11/22/2026 14:05:09">
-      <Stats>
-        <DELAY Name="Delay" Value="1234" />
-        <TEXT Name="A &quot;title&quot;" Value="1,234 &lt;b> ��" />
-      </Stats>
-    </ApplicationStatistics>
-    <EventCounts TimeSaved="11/22/2026 14:05:09">
-      <Stats>
-        <DELAY Name="Delay" Value="1234" />
-        <TEXT Name="A &quot;title&quot;" Value="1,234 &lt;b> ��" />
-      </Stats>
-    </EventCounts>
-  </ExpertStatistics>
-  <VoIPStatistics Version="1.1">
-    <VoIPMediaStatistics TimeSaved="11/22/2026 14:05:09">
-      <Stats>
-        <TEXT Name="A &quot;title&quot;" Value="1,234 &lt;b> ��" />
-      </Stats>
-    </VoIPMediaStatistics>
-  </VoIPStatistics>
-</StatsReport>
-)");
-  EXPECT_EQ(folder.Read("ExpertLog.xml"), R"(<?xml version="1.0" encoding="utf-8"?>
-<ExpertLog TimeSaved="11/22/2026 14:05:09">
-  <Stats>
-    <DELAY Name="Delay" Value="1234" />
-    <TEXT Name="A &quot;title&quot;" Value="1,234 &lt;b> ��" />
-  </Stats>
-</ExpertLog>
-)");
+  EXPECT_EQ(Brief("StatsReport.xml", {}), Items(R"(
+  StatsReport {
+    ExpertStatistics Version=1.0 {
+      FlowStatistics TimeSaved=11/22/2026 14:05:09 {
+        Stats { DELAY Name=Delay Value=1234; TEXT Name=A "title" Value=1,234 <b> ?? } }
+      ApplicationStatistics TimeSaved=11/22/2026 14:05:09 {
+        Stats { DELAY Name=Delay Value=1234; TEXT Name=A "title" Value=1,234 <b> ?? } }
+      EventCounts TimeSaved=11/22/2026 14:05:09 {
+        Stats { DELAY Name=Delay Value=1234; TEXT Name=A "title" Value=1,234 <b> ?? } } }
+    VoIPStatistics Version=1.1 {
+      VoIPMediaStatistics TimeSaved=11/22/2026 14:05:09 {
+        Stats { TEXT Name=A "title" Value=1,234 <b> ?? } } } })"));
+  EXPECT_EQ(Brief("ExpertLog.xml", {}), Items(R"(
+  ExpertLog TimeSaved=11/22/2026 14:05:09 {
+    Stats { DELAY Name=Delay Value=1234; TEXT Name=A "title" Value=1,234 <b> ?? } })"));
 }
 
 TEST_F(ExpertDocumentsTest, TheEventLogHangsOnTheSwitchOfApplications) {

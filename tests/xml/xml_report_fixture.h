@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -60,21 +61,14 @@ class XmlReportTest : public testing::Test {
     for (const char* name : names) element = element.FirstChild(name);
     return element;
   }
-  /// The text of such an element with everything in it, as a document of its own.
-  std::string Part(const std::string& file, std::initializer_list<const char*> names) const {
+  /// What stands in such an element, a line each: "Name Attribute=value {" and "}" around elements, "Name=text" for one
+  /// that holds none ("Name Attribute=value" when it has attributes).
+  std::string Brief(const std::string& file, std::initializer_list<const char*> names) const {
     XmlTree document;
     EXPECT_EQ(document.Load(PathFromSystem(folder.Path(file))), S_OK) << file;
-    const XmlElement element = At(document, names);
-    if (!element) return "(none)";
-    XmlTree part;
-    part.AddRoot("part").AddCopy(element);
-    std::string text = part.ToText();
-    // Without declaration, the root around it, and its indentation.
-    std::string plain;
-    for (const std::string& line : Lines(text)) {
-      if (line.starts_with("  ")) plain += line.substr(2) + "\n";
-    }
-    return plain;
+    std::string text;
+    Describe(At(document, names), &text);
+    return text;
   }
   /// The names of an element's children, in order.
   std::vector<std::string> Children(const std::string& file, std::initializer_list<const char*> names) const {
@@ -101,6 +95,42 @@ class XmlReportTest : public testing::Test {
   ScriptedEngine engine;
   ComPtr<IStatsOutputMethod> method;
   ComPtr<IStatsOutputPrefs> preferences;
+
+ private:
+  static void Describe(const XmlElement& element, std::string* text) {
+    *text += Ascii(element.Name());
+    bool attributes = false;
+    for (const char* name : {"Version", "TimeSaved", "Time", "Name", "Value", "Protocol", "Address"}) {
+      const auto value = element.Attribute(name);
+      if (!value) continue;
+      *text += " " + std::string(name) + "=" + Ascii(*value);
+      attributes = true;
+    }
+    XmlElement child = element.FirstChild();
+    *text += child ? " {\n" : (attributes ? "" : "=") + Ascii(element.Text()) + "\n";
+    if (!child) return;
+    for (; child; child = child.NextSibling()) Describe(child, text);
+    *text += "}\n";
+  }
 };
+
+/// Brings a text into the form of `Brief`: in it a ";" may stand in place of a line end, braces need none, and blanks
+/// may begin a line.
+inline std::string Items(std::string_view text) {
+  std::string items;
+  std::string item;
+  auto end = [&] {
+    const std::size_t begin = item.find_first_not_of(' ');
+    if (begin != item.npos) items += item.substr(begin, item.find_last_not_of(' ') + 1 - begin) + "\n";
+    item.clear();
+  };
+  for (char c : text) {
+    if (c == '}' || c == ';' || c == '\n') end();
+    if (c != ';' && c != '\n') item += c;
+    if (c == '{' || c == '}') end();
+  }
+  end();
+  return items;
+}
 
 }  // namespace orvo::test
