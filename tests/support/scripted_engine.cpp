@@ -218,6 +218,7 @@ class Summary final : public ViewObject<ISummaryStats> {
     return S_OK;
   }
   Status GetSnapshot(std::uint32_t index, ISummarySnapshot** snapshot) override {
+    ANSWER("ISummaryStats::GetSnapshot");
     if (index != 0) return E_INVALIDARG;
     *snapshot = MakeObject<SummarySnapshot>(view_).Detach();
     return S_OK;

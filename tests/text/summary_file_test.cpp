@@ -123,8 +123,11 @@ TEST_F(SummaryFileTest, ReadsTheSnapshotAndEndsWhereAQueryFails) {
   EXPECT_THAT(Rows(),
               ElementsAre(testing::HasSubstr("General,,1"), testing::HasSubstr("Two"), testing::HasSubstr("Three")))
       << "a failing name is an empty one";
-  engine.at_snapshot->missing = {kSummaryCategory.identifier};
   std::filesystem::remove(folder.Path(kFile));
+  engine.Fail("ISummaryStats::GetSnapshot", 1, E_FAIL);
+  EXPECT_EQ(Output(), S_OK);
+  EXPECT_FALSE(folder.Has(kFile)) << "the header comes behind the snapshot";
+  engine.at_snapshot->missing = {kSummaryCategory.identifier};
   EXPECT_EQ(Output(), S_OK);
   EXPECT_FALSE(folder.Has(kFile));
 }
