@@ -4,9 +4,12 @@
 
 #include <chrono>
 #include <csignal>
+#include <filesystem>
+#include <limits>
 #include <utility>
 
 #include "app/component.h"
+#include "app/report_folder.h"
 #include "app/report_kinds.h"
 #include "platform/locale.h"
 
@@ -14,7 +17,8 @@ namespace orvo::app {
 namespace {
 
 constexpr const char* kScheduler = "the scheduler";
-constexpr std::uint32_t kWritten = 0;     // the severity of a report that was written
+constexpr std::uint32_t kWritten = 0;  // the severity of a report that was written
+constexpr std::uint64_t kNotReported = std::numeric_limits<std::uint64_t>::max();
 constexpr int kBetweenStatusLines = 500;  // milliseconds
 constexpr std::chrono::seconds kPatienceWithPrograms(10);
 constexpr std::chrono::milliseconds kOneWish(500);  // signals to end so close to each other mean the same
@@ -56,6 +60,7 @@ Watch::Watch(const WatchParts& parts)
       status_(!parts.options.no_progress),
       context_(parts.engine.Context()),
       graphs_(parts.engine.Graphs()) {
+  WarnOfUnknownNames(parts_.options.settings);
   preferences_ = LoadPreferences(parts_.options.settings);
   ChooseReport(parts_.options.report, *preferences_);
   scheduler_ = MakeScheduler();
@@ -100,9 +105,10 @@ bool Watch::Run() {
   feeder_.Start();
   while (!finished_) {
     ShowStatus();
-    parts_.wakeup.Wait(status_.wanted() ? kBetweenStatusLines : -1);
+    parts_.wakeup.Wait(status_.wanted() ? kBetweenStatusLines : -1, parts_.link.descriptor());
     TakeSignals();
     Tell();
+    TellOfLink();
     parts_.programs.Tend();
     Advance();
   }
@@ -131,12 +137,38 @@ void Watch::Tell() {
     PrintOutput(fmt::format("{} {} {}\n", TimeText(notification.time), reported_well_ ? "info" : "error",
                             Printable(notification.text)));
     parts_.programs.Add(notification.severity, notification.text);
+    if (reported_well_) continue;
+    reported_ = kNotReported;
+    TellOfFolder();
   }
   for (const std::string& problem : notifications_->TakeProblems()) {
     status_.Clear();
     reported_well_ = false;
     PrintMessage(problem);
   }
+}
+
+void Watch::TellOfFolder() {
+  try {
+    Bstr user;
+    Bstr report;
+    std::int32_t sets = 0;
+    Require(scheduler_->GetUserPath(user.Out()), kScheduler);
+    Require(scheduler_->GetReportPath(report.Out()), kScheduler);
+    Require(scheduler_->GetNewSetEnabled(&sets), kScheduler);
+    const std::filesystem::path folder = SystemPath(std::u16string(user.view()).append(report.view()));
+    MakeFolder(sets != 0 ? folder.parent_path() : folder);
+  } catch (const CommandError& error) {
+    PrintMessage(error.message());
+  }
+}
+
+void Watch::TellOfLink() {
+  const std::optional<bool> up = parts_.link.Change();
+  if (!up) return;
+  status_.Clear();
+  PrintWarning(
+      fmt::format("{}: {}", parts_.what, *up ? "is up again" : "is down; no packets come until it is up again"));
 }
 
 void Watch::Advance() {
@@ -182,6 +214,7 @@ void Watch::Reload() {
     CopySchedule(*scheduler_, *trial);
     ApplySchedule(file, parts_.choice, *trial);
     LoadPreferences(parts_.options.settings);
+    WarnOfUnknownNames(parts_.options.settings);
 
     Require(startable_->Stop(), kScheduler);
     const ToldOnce before(*scheduler_);
@@ -237,8 +270,8 @@ void Watch::FinishPrograms() {
     TakeSignals();
   }
   if (parts_.programs.running() == 0) return;
-  PrintWarning(fmt::format("--on-report: {} programs still run, {} were not started", parts_.programs.running(),
-                           parts_.programs.waiting()));
+  PrintWarning(fmt::format("--on-report: programs that still run: {}, reports for which none was started: {}",
+                           parts_.programs.running(), parts_.programs.waiting()));
 }
 
 }  // namespace orvo::app

@@ -14,6 +14,7 @@
 #include "app/schedule.h"
 #include "app/steered_clock.h"
 #include "app/wakeup.h"
+#include "capture/source/link_state.h"
 
 namespace orvo::app {
 
@@ -24,6 +25,7 @@ struct WatchParts {
   std::string what;  ///< the name of the interface or capture
   PacketSource& source;
   WaitingSource& waiting;  ///< what ends the source
+  LinkState& link;         ///< that of the interface
   CaptureEngine& engine;
   Wakeup& wakeup;
   ReportPrograms& programs;
@@ -47,6 +49,9 @@ class Watch {
   void SetUp();
   void TakeSignals();
   void Tell();
+  /// What is wrong with the folder that reports or their sets go into; a report that failed does not say.
+  void TellOfFolder();
+  void TellOfLink();
   void Advance();
   void End();
   void Reload();
@@ -66,7 +71,8 @@ class Watch {
   ComPtr<IStatsOutputPrefs> preferences_;
   ComPtr<ISkryStatsOutput> scheduler_;
   ComPtr<IStartable> startable_;
-  std::atomic<std::uint64_t> reported_ = 0;  // packets that were counted when the latest report began
+  /// The packets that were counted when the latest report began; more than there can be when it failed.
+  std::atomic<std::uint64_t> reported_ = 0;
   std::optional<std::chrono::steady_clock::time_point> asked_to_end_;  // by a signal
   std::atomic<bool> has_reported_ = false;
   bool announced_ = false;

@@ -10,6 +10,7 @@ namespace orvo {
 namespace {
 
 constexpr MethodTraits kTraits{.class_id = kXmlStatsOutputClass, .settings_element = u"xmlstatsoutput"};
+
 /// Opens the index: an earlier one is extended by a full report, and begun anew by one of another kind.
 void OpenIndex(XmlReport& report) {
   const bool loaded = report.index.Load(report.job.folder + std::u16string(kIndexFile));
@@ -18,6 +19,17 @@ void OpenIndex(XmlReport& report) {
   } else {
     report.memory.index_kept = loaded;
   }
+}
+
+/// Saves the index. Without it there is no report, so that its failure is the whole report's.
+void SaveIndex(XmlReport& report) {
+  const Status saved = Guard([&] { report.index.Save(report.job.folder + std::u16string(kIndexFile)); });
+  Contain(report, kIndexFile, [&] {
+    Check(saved);
+    ReportSaved(report, kIndexFile, report.index.rows());
+    return true;
+  });
+  Check(saved);
 }
 
 }  // namespace
@@ -56,8 +68,7 @@ void XMLStatsOutput::WriteReport(const ReportJob& job) {
   WriteKind(report, kind);
   WriteSummaryDocument(report);
   WriteReportGraphs(report);
-  report.index.Save(job.folder + std::u16string(kIndexFile));
-  ReportSaved(report, kIndexFile, report.index.rows());
+  SaveIndex(report);
 }
 
 Status CreateXmlStatsOutput(const Guid& iid, void** out) {

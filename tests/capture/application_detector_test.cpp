@@ -117,6 +117,14 @@ TEST_F(ApplicationDetectorTest, TellsPacketsOfAFlowByWhatItWasFoundToCarry) {
   EXPECT_EQ(detector_->counts().recognised, 1U);
 }
 
+TEST_F(ApplicationDetectorTest, BelievesThePortOfTheNameServiceWhereTheContentAgrees) {
+  EXPECT_EQ(Path(UdpPacket(40000, 53, DnsQuery())), "IPv4/UDP/DNS");
+  EXPECT_EQ(detector_->counts().recognised, 1U);
+  EXPECT_EQ(Path(UdpPacket(40001, 53, Noise(2))), "IPv4/UDP/DNS");
+  EXPECT_EQ(detector_->counts().recognised, 1U);
+  EXPECT_EQ(detector_->undecided(), 1U);
+}
+
 TEST_F(ApplicationDetectorTest, FreesAtOnceWhatLookingIntoAFlowTook) {
   // Whatever nDPI makes once and keeps is made by a first flow.
   EXPECT_EQ(Path(TcpPacket(39999, 9999, ClientHello("a.example"))), "IPv4/TCP/TLS");

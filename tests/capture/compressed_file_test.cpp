@@ -152,6 +152,9 @@ TEST(CompressedFileTest, RefusesWhatUnpacksToNoCapture) {
     EXPECT_THAT(ReadCapture(folder.Write(compress({}))).error.message, HasSubstr("is not a capture file"));
     EXPECT_THAT(ReadCapture(folder.Write(First(compress(letter), 12))).error.message, HasSubstr("cut off"));
   }
+  // Packed in a way that is not read: said, as its user takes it for a capture.
+  const Buffer bzip2 = {'B', 'Z', 'h', '9', '1', 'A'};
+  EXPECT_THAT(ReadCapture(folder.Write(bzip2)).error.message, HasSubstr("is packed by bzip2; unpack it first"));
 }
 
 TEST(CompressedFileTest, ABombCostsNoMemory) {

@@ -316,6 +316,9 @@ TEST(Vendors, ComeFromTheLongestAssignment) {
               "MA-L,00114,Too Short,X\r\n"
               "MA-L,0011ZZ,No Number,X\r\n"
               "MA-L,001155\r\n"
+              "MA-L,001166,Private,X\r\n"
+              "MA-L,001166,\"First, Inc.\",X\r\n"
+              "MA-L,001166,Second,X\r\n"
               "MA-L,021122,Local,X\r\n");
   files.Write("mam.csv", "MA-M,0011331,Medium GmbH,X\n");
   files.Write("oui36.csv", "MA-S,001133123,Small Co.,X\n");
@@ -329,6 +332,7 @@ TEST(Vendors, ComeFromTheLongestAssignment) {
       {{0x00, 0x11, 0x33, 0x20, 0, 1}, "00:11:33:20:00:01"},
       {{0x00, 0x11, 0x44, 0, 0, 1}, "00:11:44:00:00:01"},
       {{0x00, 0x11, 0x55, 0, 0, 1}, "00:11:55:00:00:01"},
+      {{0x00, 0x11, 0x66, 0, 0, 1}, "First_00:00:01"},
       {{0x02, 0x11, 0x22, 0, 0, 1}, "02:11:22:00:00:01"},  // locally administered
       {{0x01, 0x11, 0x22, 0, 0, 1}, "01:11:22:00:00:01"},  // of a group
       {BroadcastMac(), "ff:ff:ff:ff:ff:ff"},

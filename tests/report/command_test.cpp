@@ -41,12 +41,25 @@ void ExpectOneMessage(const CommandResult& result, const std::string& part, int 
 TEST(CommandTest, WrongUsageIsOneLineAndStatusTwo) {
   TemporaryFolder folder;
   const std::pair<std::vector<std::string>, const char*> cases[] = {
-      {{}, "subcommand"},
-      {{"mkae"}, "mkae: there is no such verb"},
-      {{"make"}, "CAPTURE"},
-      {{"make", kSample}, "--out"},
-      {Make(folder.Path(), {"--bogus"}), "--bogus: there is no such option"},
-      {{"make", kSample, "--uot", folder.Path()}, "--uot: there is no such option"},
+      {{}, "the word that says what to do is missing (try: orvo-report --help)"},
+      {{"--"}, "the word that says what to do is missing"},
+      {{"mkae"}, "mkae: there is no such word; did you mean make? (try: orvo-report --help)"},
+      {{"help"}, "help: there is no such word; did you mean --help?"},
+      {{"frobnicate"}, "frobnicate: there is no such word (try"},
+      {{"make"}, "CAPTURE is required (try: orvo-report make --help)"},
+      {{"make", kSample}, "--out is required"},
+      {{"make", kSample, "--out"}, "--out: its value is missing"},
+      {{"make", kSample, "--out", "a", "--out", "b"}, "--out: may be given only once"},
+      {Make(folder.Path(), {"--live=no"}), "--live: takes no value"},
+      {Make(folder.Path(), {"--apdex", "0.5s"}), "--apdex: 0.5s: must be a number from"},
+      {Make(folder.Path(), {"--templates", folder.Path("no")}), "no: there is no such folder"},
+      {{"view", folder.Path(), "--port", "1.5"}, "--port: 1.5: must be a whole number from 0 to 65535"},
+      {{"watch", "--out", folder.Path()}, "one of --interface and --replay must be given, and not both"},
+      {{"classes", "all"}, "all: nothing is expected here (try: orvo-report classes --help)"},
+      {Make(folder.Path(), {"--bogus"}), "--bogus: there is no such option (try"},
+      {{"make", kSample, "--uot", folder.Path()}, "--uot: there is no such option; did you mean --out?"},
+      {Make(folder.Path(), {"--Fromat=tab"}), "--Fromat: there is no such option; did you mean"},
+      {{"watch", "--interfaces=lo"}, "--interfaces: there is no such option; did you mean --interface?"},
       {Make(""), "--out: must not be empty"},
       {Make(folder.Path(), {"--settings", ""}), "--settings: must not be empty"},
       {Make(folder.Path(), {"--locale", ""}), "--locale: must not be empty"},
@@ -58,7 +71,7 @@ TEST(CommandTest, WrongUsageIsOneLineAndStatusTwo) {
       {Make(folder.Path(), {"--filter", ""}), "--filter: must not be empty"},
       {Make(folder.Path(), {"--filter", "tcp prot 80"}), "--filter tcp prot 80: "},
       {Make(folder.Path(), {"--filter", "wlan host 10.0.0.1"}), "--filter wlan host 10.0.0.1: "},
-      {Make(folder.Path(), {"--set", "NodeNmae=1"}), "--set NodeNmae: there is no such switch"},
+      {Make(folder.Path(), {"--set", "NodeNmae=1"}), "--set NodeNmae: there is no such switch; did you mean Node"},
       {Make(folder.Path(), {"--set", "NodeName"}), "must read NAME=VALUE"},
       {Make(folder.Path(), {"--set", "NodeName=yes"}), "whole number"},
       {Make(folder.Path(), {"--set", "NodeName=99999999999"}), "whole number"},
@@ -278,6 +291,53 @@ TEST(CommandTest, SettingsGoRoundTripAndTellWhatIsWrong) {
   for (const auto& [name, message] : broken) {
     ExpectOneMessage(RunCommand({"settings", "--settings", folder.Path(name)}), message);
   }
+}
+
+TEST(CommandTest, NamesInSettingsThatAreNoSettingsAreToldOf) {
+  TemporaryFolder folder;
+  const struct {
+    const char* document;
+    std::vector<std::string> warnings;
+  } cases[] = {
+      {"<OrvoSettings xmlns='urn:x'><statsoutput "
+       "keep='3'/><StatsOutputPrefs><Graphs/></StatsOutputPrefs></OrvoSettings>",
+       {}},
+      {"<statsoutput outptInterval='5' Keep='3' colour='red'/>",
+       {"statsoutput has no attribute outptInterval, it is passed over; did you mean outputInterval?",
+        "statsoutput has no attribute Keep, it is passed over; did you mean keep?",
+        "statsoutput has no attribute colour, it is passed over"}},
+      {"<OrvoSettings><statsoutput/><StatsOutputPref/><StatsOutputPrefs OutputGraphs='0'><NodeStat/><Graphs/><Graphs/>"
+       "<ProtocolStats NodePackets='0'/></StatsOutputPrefs></OrvoSettings>",
+       {"there is no element StatsOutputPref in OrvoSettings, it is passed over; did you mean StatsOutputPrefs?",
+        "StatsOutputPrefs has no attribute OutputGraphs, it is passed over; it belongs to Graphs",
+        "there is no element NodeStat in StatsOutputPrefs, it is passed over; did you mean NodeStats?",
+        "Graphs stands more than once in StatsOutputPrefs; only the first counts",
+        "ProtocolStats has no attribute NodePackets, it is passed over; it belongs to NodeStats"}},
+  };
+  const std::string file = folder.Path("s.xml");
+  for (const auto& one : cases) {
+    folder.Write("s.xml", one.document);
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"settings"},
+          {"make", kSample, "--out", folder.Path("out"), "--format", "csv,tab"}}) {
+      std::vector<std::string> arguments = words;
+      arguments.insert(arguments.end(), {"--settings", file});
+      const CommandResult result = RunCommand(arguments);
+      EXPECT_EQ(result.exit_status, 0);
+      std::vector<std::string> expected;
+      for (const std::string& warning : one.warnings) {
+        expected.push_back("orvo-report: warning: " + file + ": " + warning);
+      }
+      EXPECT_EQ(Lines(result.messages), expected);
+    }
+  }
+  std::string many = "<statsoutput";
+  for (int i = 0; i < 20'000; ++i) many += " outputIntervals" + std::to_string(i) + "='1'";
+  folder.Write("s.xml", many + "/>");
+  const std::vector<std::string> messages = Lines(RunCommand({"settings", "--settings", file}).messages);
+  ASSERT_EQ(messages.size(), 11U);
+  EXPECT_THAT(messages.back(), HasSubstr(": 19990 more names are passed over"));
+  ExpectOneMessage(RunCommand({"settings", "--set", "NodePacket=0"}), "no such switch; did you mean NodePackets?", 2);
 }
 
 TEST(CommandTest, LimitsFoldAwayAndAreToldInTheSummary) {

@@ -165,8 +165,22 @@ TEST_F(ViewTest, LetsPagesRunTheirOwnScriptAndNothingElse) {
   folder_.Write("report/Nodes.htm", "<html><script>begin()</script><script>other()</script></html>");
   folder_.Write("report/Expert.htm", "<html><script src=\"other.js\"></script></html>");
   EXPECT_THAT(viewer.Get("/Nodes.htm"),
-              AllOf(StartsWith("HTTP/1.1 403"), HasSubstr("--templates"), Not(HasSubstr("other()"))));
+              AllOf(StartsWith("HTTP/1.1 403"), HasSubstr("orvo-report view '" + report() + "' --templates"),
+                    HasSubstr("cp '" + folder_.Path("templates/Reports/") + "'*.htm"), Not(HasSubstr("other()"))));
   EXPECT_THAT(viewer.Get("/Expert.htm"), Not(HasSubstr("script-src 'self'")));
+}
+
+TEST_F(ViewTest, TellsStatesOfFilesApart) {
+  const Viewer viewer(whole());
+  const auto tag = [&viewer] {
+    const std::string answer = viewer.Ask("HEAD /StatsReport.xml");
+    return answer.substr(std::min(answer.find("ETag: \""), answer.size()), 30);
+  };
+  const std::string before = tag();
+  EXPECT_THAT(before, StartsWith("ETag: \""));
+  EXPECT_EQ(tag(), before);
+  folder_.Write("report/StatsReport.xml", "<StatsReports/>");
+  EXPECT_NE(tag(), before);
 }
 
 TEST_F(ViewTest, MenuPagesMayDoWhatTheirWriterPutThere) {
@@ -379,6 +393,7 @@ TEST_F(ViewTest, SaysWhyItCannotShowAReport) {
       {{folder_.Path("missing")}, 1, "missing: "},
       {{folder_.Path("secret.xml")}, 1, "secret.xml: "},
       {{folder_.Path()}, 1, "Report.htm is missing"},
+      {{report(), "--templates", folder_.Path("both")}, 1, "both: holds no pages of reports"},
       {{folder_.Path("both")}, 1, "did you mean " + folder_.Path("both/xml")},
   };
   for (const auto& [more, status, message] : cases) {

@@ -86,6 +86,7 @@ TEST(WatchTest, WordsThatCannotBeMeantAreRefused) {
       {Replay(out, {"--format", "csv,tab"}), 2, "--format: watch writes one format"},
       {Replay(out, {"--on-report", "no such program"}), 2, "--on-report no such program: there is no such program"},
       {Replay(out, {"--on-report", "/etc"}), 2, "--on-report /etc: there is no such program"},
+      {Replay(out, {"--on-report", folder.Write("plain", "x")}), 2, "plain: may not be executed; chmod"},
       {Replay(out, {}, "0"), 2, "--speed"},
       {Replay(out, {"--filter", "tcp prot 80"}), 2, "--filter tcp prot 80"},
       {Replay(out, {"--settings", settings("long.xml", "outputInterval='72000' outputIntervalUnit='2'")}), 1,
@@ -95,6 +96,14 @@ TEST(WatchTest, WordsThatCannotBeMeantAreRefused) {
       {Replay(out, {"--settings", settings("zero.xml", "outputInterval='0'")}), 1, "outputInterval=\"0\" must be 1"},
       {Replay(out, {"--settings", settings("word.xml", "keep='lots'")}), 1,
        "word.xml: keep=\"lots\" is no whole number"},
+      {Replay(out, {"--settings", settings("minus.xml", "outputInterval='-5'")}), 1,
+       "minus.xml: outputInterval=\"-5\" is no whole number from 0 to 4294967295"},
+      {Replay(out, {"--settings", settings("type.xml", "keep='3000000000' outputType='csv'")}), 1,
+       "type.xml: outputType=\"csv\" is no whole number of 32 bits"},
+      {Replay(out, {"--settings", settings("path.xml", "reportPath='a/b'")}), 1,
+       "path.xml: reportPath=\"a/b\" cannot be made below the folder of --out"},
+      {Replay(out, {"--settings", settings("drive.xml", "reportPath='C:\\b' newSetEnabled='0'")}), 1,
+       "drive.xml: reportPath=\"C:\\b\" cannot be made"},
       {{"watch", "--replay", "/nonexistent.pcap", "--out", out}, 1, "/nonexistent.pcap"},
       {{"watch", "--interface", "orvo-none", "--out", out}, 1, "orvo-none: "},
   };
@@ -241,6 +250,17 @@ TEST(WatchTest, AReportThatFailsIsToldAndTheStatusShowsIt) {
   EXPECT_EQ(result.exit_status, 1);
   EXPECT_THAT(result.messages, HasSubstr("Summary Statistics.csv: The path names a folder"));
   EXPECT_TRUE(folder.Has("out/Node Statistics-IP.csv")) << "the other files are written";
+
+  const std::string settings = folder.Write("s.xml", "<statsoutput newSetEnabled='0' reportPath='file'/>");
+  const std::string program = folder.Write("program", "#!/orvo-none\n");
+  fs::permissions(program, fs::perms::owner_all);
+  folder.Write("out/file", "");
+  const CommandResult without_folder =
+      RunCommand(Replay(folder.Path("out"), {"--settings", settings, "--on-report", program}));
+  EXPECT_EQ(without_folder.exit_status, 1);
+  EXPECT_THAT(without_folder.messages, HasSubstr("orvo-report: " + folder.Path("out/file") + ": cannot be made: "));
+  EXPECT_THAT(without_folder.messages,
+              HasSubstr("cannot be started: the interpreter that its first line names does not exist"));
 }
 
 bool IsWellFormed(const fs::path& path) {

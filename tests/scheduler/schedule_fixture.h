@@ -77,6 +77,7 @@ class Surroundings {
   std::set<std::string> sets_on_disk;
   /// Called by each output, and tells its status.
   std::function<Status()> on_output = [] { return S_OK; };
+  std::function<void()> on_format = [] {};
   std::function<void()> on_notification = [] {};
   Status format_status = S_OK;
   Status interval_status = S_OK;
@@ -106,6 +107,7 @@ class NotingMethod final : public Object<IStatsOutputMethod> {
     return S_FALSE;
   }
   Status SetFormat(BSTR extension, BSTR separator, IStatsOutputPrefs* preferences, BSTR root) override {
+    world_.on_format();
     if (!world_.note_format) return world_.format_status;
     const std::string tab = StringView(separator) == u"\t" ? "tab" : ToUtf8(StringView(separator));
     world_.Note("format | " + ToUtf8(StringView(extension)) + " " + tab + (preferences ? " preferences" : "") +

@@ -128,6 +128,26 @@ TEST_F(HangingSchedulerThread, IsGivenUpAfterThirtySeconds) {
   EXPECT_THAT(schedule_.log, IsEmpty()) << "no reset, no notification, no deletion";
 }
 
+TEST(SchedulerThread, IsGivenUpWhileItTellsTheFormat) {
+  Gate hanging, go_on;
+  Schedule schedule("2007-11-14 10:10:00", "newSetEnabled='0' outputType='2'");
+  schedule.note_format = true;
+  schedule.on_format = [&] {
+    hanging.Open();
+    go_on.Wait();
+  };
+  schedule.startable->Start();
+  schedule.clock.PassTo(At("2007-11-14 11:00:00"));
+  hanging.Wait();
+  schedule.clock.LetPass(30);
+  schedule.startable->Stop();
+  schedule.clock.LetPass(0);
+  const std::uint32_t objects = ModuleReference::Count();
+  go_on.Open();
+  WaitForModuleCount(objects - 1);
+  EXPECT_THAT(schedule.log, ElementsAre("14 11:00:30 format | .xml ,")) << "no interval, no output";
+}
+
 TEST_F(HangingSchedulerThread, HoldsWhatItUsesWhenAllElseHasGone) {
   SecondsToStop();
   schedule_.scheduler->SetContext(nullptr);

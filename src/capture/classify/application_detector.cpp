@@ -18,6 +18,15 @@ constexpr std::uint8_t kTcp = 6;
 constexpr std::uint16_t kTcpPackets = 6;
 constexpr std::uint16_t kUdpPackets = 4;
 
+constexpr NdpiModule::Finding kDns{.protocol = NDPI_PROTOCOL_DNS};
+
+/// Whether a datagram is one of the name service on its own port. nDPI would not say more, only later: of all flows
+/// these are the most, and most of them are over after two packets.
+bool IsPlainDns(const PacketFacts& facts) {
+  static const std::uint16_t dns = ApplicationsOf(kDns, 0)[0];
+  return facts.ip_protocol != kTcp && PortApplication(facts) == dns && LooksLikeDns(facts.payload);
+}
+
 }  // namespace
 
 ApplicationDetector::ApplicationDetector(const DetectionLimits& limits)
@@ -70,11 +79,16 @@ void ApplicationDetector::Enter(const FlowPacket& packet, PacketFacts* facts) {
 }
 
 void ApplicationDetector::LookInto(std::uint32_t number, std::uint64_t time, const PacketFacts& facts) {
+  if (flows_[number].state == kNoItem && IsPlainDns(facts)) {
+    ++recognised_;
+    Settle(flows_[number], ApplicationsOf(kDns, 0));
+    return;
+  }
   State& state = states_[StateOf(number, facts)];
   NdpiModule::Finding finding = module_->Inspect(state.ndpi.get(), facts.datagram, time);
   bool tcp = flows_[number].key.ip_protocol == kTcp;
   // nDPI knows this protocol by its port alone.
-  if (!finding.known() && !tcp && LooksLikeDns(facts.payload)) finding.protocol = NDPI_PROTOCOL_DNS;
+  if (!finding.known() && !tcp && LooksLikeDns(facts.payload)) finding = kDns;
   ++state.packets;
   std::uint16_t most = tcp ? kTcpPackets : kUdpPackets;
   if (finding.known()) {
@@ -124,9 +138,13 @@ void ApplicationDetector::GiveUp(Flow& flow) {
 }
 
 void ApplicationDetector::Decide(Flow& flow, NdpiModule::Finding finding) {
-  flow.applications = ApplicationsOf(finding, states_[flow.state].port_application);
-  flow.decided = true;
+  Settle(flow, ApplicationsOf(finding, states_[flow.state].port_application));
   Drop(flow);
+}
+
+void ApplicationDetector::Settle(Flow& flow, std::array<std::uint16_t, 2> applications) {
+  flow.applications = applications;
+  flow.decided = true;
 }
 
 /// Frees what looking into the flow has taken.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -59,6 +60,7 @@ class ApplicationDetector {
   std::uint32_t StateOf(std::uint32_t number, const PacketFacts& facts);
   void JudgeOldest();
   void Decide(Flow& flow, NdpiModule::Finding finding);
+  static void Settle(Flow& flow, std::array<std::uint16_t, 2> applications);
   void GiveUp(Flow& flow);
   void Drop(Flow& flow);
 

@@ -20,10 +20,13 @@ std::u16string Widened(std::string_view ascii) {
   return {ascii.begin(), ascii.end()};
 }
 
-std::u16string Microseconds(std::uint64_t nanoseconds) {
-  char text[16];
-  int length = std::snprintf(text, sizeof text, ".%06u", static_cast<unsigned>(nanoseconds % kSecond / 1000));
-  return Widened({text, static_cast<std::size_t>(length)});
+/// The microseconds within the second, behind a point.
+void AppendMicroseconds(std::uint64_t nanoseconds, std::u16string* text) {
+  constexpr std::size_t kDigits = 6;
+  text->push_back(u'.');
+  text->append(kDigits, u'0');
+  auto rest = static_cast<unsigned>(nanoseconds % kSecond / 1000);
+  for (auto digit = text->rbegin(); rest != 0; ++digit, rest /= 10) *digit = static_cast<char16_t>(u'0' + rest % 10);
 }
 
 }  // namespace
@@ -43,13 +46,18 @@ std::u16string RealCell(double value, int digits) {
 
 std::u16string TimeCell(std::uint64_t time) {
   if (time == 0) return {};
+  constexpr std::size_t kUsualLength = 32;
   CalendarTime local;
   std::u16string text;
   std::u16string clock;
+  text.reserve(kUsualLength);
   Check(ToLocalTime(time, &local));
   Check(FormatShortDate(local, &text));
   Check(FormatTime24(local.hour, local.minute, local.second, &clock));
-  return text + u" " + clock + Microseconds(time);
+  text.push_back(u' ');
+  text.append(clock);
+  AppendMicroseconds(time, &text);
+  return text;
 }
 
 std::u16string DurationCell(std::uint64_t nanoseconds) {
@@ -57,7 +65,9 @@ std::u16string DurationCell(std::uint64_t nanoseconds) {
   char text[48];
   int length = std::snprintf(text, sizeof text, "%llu:%02u:%02u", static_cast<unsigned long long>(seconds / 3600),
                              static_cast<unsigned>(seconds / 60 % 60), static_cast<unsigned>(seconds % 60));
-  return Widened({text, static_cast<std::size_t>(length)}) + Microseconds(nanoseconds);
+  std::u16string duration = Widened({text, static_cast<std::size_t>(length)});
+  AppendMicroseconds(nanoseconds, &duration);
+  return duration;
 }
 
 std::u16string WireTextCell(std::string_view utf8) {

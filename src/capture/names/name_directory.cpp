@@ -40,6 +40,7 @@ std::u16string Clean(std::u16string_view name) {
 }  // namespace
 
 bool IsInvisible(char32_t character) {
+  if (character >= U' ' && character <= U'~') return false;  // nearly all of them
   return std::any_of(std::begin(kInvisible), std::end(kInvisible),
                      [&](Range range) { return character >= range.first && character <= range.last; });
 }

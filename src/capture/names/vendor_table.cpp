@@ -39,27 +39,28 @@ bool IsLegalForm(std::string_view word) {
   return std::ranges::find(kLegalForms, lower) != kLegalForms.end();
 }
 
-/// Takes the first field off a line of comma-separated values (RFC 4180).
-std::string NextField(std::string_view* line) {
-  std::string field;
+/// Takes the first field off a line of comma-separated values (RFC 4180), as it stands there.
+std::string_view NextField(std::string_view* line) {
   bool quoted = false;
-  std::size_t at = 0;
-  for (; at < line->size(); ++at) {
-    const char c = (*line)[at];
-    if (c == '"') {
-      if (quoted && at + 1 < line->size() && (*line)[at + 1] == '"') {
-        field.push_back((*line)[++at]);
-      } else {
-        quoted = !quoted;
-      }
-    } else if (c == ',' && !quoted) {
-      break;
-    } else {
-      field.push_back(c);
-    }
-  }
-  line->remove_prefix(std::min(at + 1, line->size()));
+  std::size_t end = 0;
+  for (; end < line->size() && (quoted || (*line)[end] != ','); ++end) quoted ^= (*line)[end] == '"';
+  const std::string_view field = line->substr(0, end);
+  line->remove_prefix(std::min(end + 1, line->size()));
   return field;
+}
+
+/// What a field means: without the quotes around it, and with one for each two within.
+std::string Unquoted(std::string_view field) {
+  std::string text;
+  bool quoted = false;
+  for (std::size_t at = 0; at < field.size(); ++at) {
+    const bool quote = field[at] == '"';
+    const bool doubled = quote && quoted && at + 1 < field.size() && field[at + 1] == '"';
+    if (doubled) ++at;
+    if (quote && !doubled) quoted = !quoted;
+    if (!quote || doubled) text.push_back(field[at]);
+  }
+  return text;
 }
 
 constexpr std::uint64_t Key(std::uint64_t assignment, unsigned bits) {
@@ -88,17 +89,27 @@ void VendorTable::Load() const {
   for (const char* file : kFiles) {
     ForEachLine(folder_ + "/" + file, [&](std::string_view line) {
       NextField(&line);  // the registry
-      const std::string assignment = NextField(&line);
+      const std::string assignment = Unquoted(NextField(&line));
       const auto bits = static_cast<unsigned>(assignment.size() * 4);
       std::uint64_t value = 0;
       const auto [end, error] = std::from_chars(assignment.data(), assignment.data() + assignment.size(), value, 16);
       if (error != std::errc() || end != assignment.data() + assignment.size()) return;
-      if (std::ranges::find(kAssignmentBits, bits) == kAssignmentBits.end()) return;
-      if (std::string vendor = VendorWord(NextField(&line)); !vendor.empty() && vendors_.size() < kMostVendors) {
-        vendors_.emplace(Key(value, bits), std::move(vendor));
-      }
+      if (std::ranges::find(kAssignmentBits, bits) == kAssignmentBits.end() || vendors_.size() == kMostVendors) return;
+      const std::string_view organization = NextField(&line);
+      vendors_.push_back({Key(value, bits), names_.size(), organization.size()});
+      names_.append(organization);
     });
   }
+  std::ranges::stable_sort(vendors_, {}, &Vendor::key);
+}
+
+/// The first that names somebody of those that are listed under a key; empty for none.
+std::string VendorTable::Find(std::uint64_t key) const {
+  for (const Vendor& vendor : std::ranges::equal_range(vendors_, key, {}, &Vendor::key)) {
+    std::string word = VendorWord(Unquoted(std::string_view(names_).substr(vendor.name, vendor.length)));
+    if (!word.empty()) return word;
+  }
+  return {};
 }
 
 bool VendorTable::Append(const AddressRecord& address, std::u16string* text) const {
@@ -110,9 +121,9 @@ bool VendorTable::Append(const AddressRecord& address, std::u16string* text) con
   std::uint64_t number = 0;
   for (std::uint8_t byte : std::span(address.bytes).first(6)) number = number << 8 | byte;
   for (unsigned bits : kAssignmentBits) {
-    const auto found = vendors_.find(Key(number >> (48 - bits), bits));
-    if (found == vendors_.end()) continue;
-    text->append(found->second.begin(), found->second.end());
+    const std::string vendor = Find(Key(number >> (48 - bits), bits));
+    if (vendor.empty()) continue;
+    text->append(vendor.begin(), vendor.end());
     for (std::size_t i = 3; i < 6; ++i) {
       static constexpr char16_t kDigits[] = u"0123456789abcdef";
       text->push_back(i == 3 ? u'_' : u':');

@@ -4,7 +4,7 @@
 #include <mutex>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <vector>
 
 #include "engine/address.h"
 
@@ -22,11 +22,21 @@ class VendorTable {
   bool Append(const AddressRecord& address, std::u16string* text) const;
 
  private:
+  /// An assignment and its length, and where `names_` has the organization, as its file spells it: few of them are ever
+  /// asked for, so that no more is made of them before.
+  struct Vendor {
+    std::uint64_t key;
+    std::size_t name;
+    std::size_t length;
+  };
+
   void Load() const;
+  std::string Find(std::uint64_t key) const;
 
   std::string folder_;
   mutable std::once_flag loaded_;
-  mutable std::unordered_map<std::uint64_t, std::string> vendors_;  // by assignment and its length
+  mutable std::vector<Vendor> vendors_;  // by key, and in the order of the files
+  mutable std::string names_;
 };
 
 /// A registered organization's name as one word: without blanks, marks and legal form, at most 20 ASCII characters.

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <utility>
 
+#include "capture/source/read_ahead_reader.h"
+
 namespace orvo {
 namespace {
 
@@ -18,6 +20,10 @@ ByteWindow::ByteWindow(std::unique_ptr<ByteReader> reader)
       capacity_(kBlock),
       begin_(buffer_.get()),
       end_(begin_) {}
+
+void ByteWindow::ReadAhead() {
+  reader_ = MakeReadAheadReader(std::move(reader_));
+}
 
 const std::uint8_t* ByteWindow::Fill(std::size_t count) {
   const std::size_t kept = left();

@@ -25,6 +25,10 @@ class ByteWindow {
   /// Moves on by any count; false when the stream ends before.
   bool Skip(std::uint64_t count);
 
+  /// From now on the stream is read ahead, while what is at hand is looked at; see MakeReadAheadReader for which may
+  /// be.
+  void ReadAhead();
+
   /// Bytes of the file behind the stream that have been used up, and all of them; see ByteReader.
   std::uint64_t position() const { return reader_->position(); }
   std::uint64_t size() const { return reader_->size(); }
