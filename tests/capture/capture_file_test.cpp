@@ -171,10 +171,7 @@ TEST(CaptureFileTest, RefusesWhatIsNoCaptureAndSaysWhy) {
   const CaptureFolder folder;
   const std::string letter = "This is a letter, and no capture at all.";
   const std::string text = folder.Write(Buffer(letter.begin(), letter.end()), "text");
-  struct {
-    std::string path;
-    const char* message;
-  } const cases[] = {
+  const std::pair<std::string, const char*> cases[] = {
       {folder.Path("missing"), "No such file or directory); check the path"},
       {text + "/below", "Not a directory"},
       {folder.Path(""), "is a folder"},
@@ -188,11 +185,11 @@ TEST(CaptureFileTest, RefusesWhatIsNoCaptureAndSaysWhy) {
       {folder.Write(file.Section(2), "section"), "version 2 instead of 1"},
       {folder.Path("new\nline"), "new?line: cannot be opened"},
   };
-  for (const auto& c : cases) {
+  for (const auto& [path, message] : cases) {
     SourceError error;
-    EXPECT_FALSE(OpenCaptureFile(c.path, &error)) << c.path;
-    EXPECT_TRUE(Failed(error.status)) << c.path;
-    EXPECT_THAT(error.message, HasSubstr(c.message));
+    EXPECT_FALSE(OpenCaptureFile(path, &error)) << path;
+    EXPECT_TRUE(Failed(error.status)) << path;
+    EXPECT_THAT(error.message, HasSubstr(message));
     EXPECT_EQ(error.message.find('\n'), std::string::npos);
   }
 }

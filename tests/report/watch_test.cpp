@@ -48,16 +48,11 @@ Words Endless(const std::string& out, const Words& more) {
   return Replay(out, more, "0.001");
 }
 
-std::string Bytes(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 /// All regular files below a folder, by their path from there.
 std::map<std::string, std::string> Files(const fs::path& folder) {
   std::map<std::string, std::string> files;
   for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-    if (entry.is_regular_file()) files[entry.path().lexically_relative(folder)] = Bytes(entry.path());
+    if (entry.is_regular_file()) files[entry.path().lexically_relative(folder)] = FileBytes(entry.path());
   }
   return files;
 }
@@ -176,7 +171,7 @@ TEST(WatchTest, ASignalEndsItWithALastReport) {
     }
     EXPECT_EQ(result.exit_status, 0) << result.messages;
     EXPECT_THAT(result.output, HasSubstr(" info Statistics output to "));
-    EXPECT_THAT(Bytes(folder.Path("out/Summary Statistics.csv")), HasSubstr("Total Packets,-,"));
+    EXPECT_THAT(FileBytes(folder.Path("out/Summary Statistics.csv")), HasSubstr("Total Packets,-,"));
   }
 }
 
@@ -236,9 +231,9 @@ exit 3
     std::string expected = "2\n0\nStatistics output to " + out + "\n";
     std::ranges::replace(expected, '\n', '\0');
     if (name.find('\n') != std::string::npos) expected[expected.find(std::string("line\0", 5)) + 4] = '\n';
-    EXPECT_EQ(Bytes(program.string() + ".words"), expected);
-    EXPECT_THAT(Bytes(program.string() + ".files"), Not(HasSubstr("office"))) << "files of the command's";
-    EXPECT_THAT(Bytes(program.string() + ".signals"), HasSubstr("0000000000000000"));
+    EXPECT_EQ(FileBytes(program.string() + ".words"), expected);
+    EXPECT_THAT(FileBytes(program.string() + ".files"), Not(HasSubstr("office"))) << "files of the command's";
+    EXPECT_THAT(FileBytes(program.string() + ".signals"), HasSubstr("0000000000000000"));
     EXPECT_THAT(result.messages, HasSubstr(": ended with status 3\n"));
     // One line on each stream for each thing that is told, whatever is in it.
     EXPECT_EQ(std::ranges::count(result.output, '\n'), 1) << result.output;
@@ -373,8 +368,8 @@ TEST(WatchTest, TwentySecondsOfLoopbackTrafficMakeTheSetsThatWereAskedFor) {
   }
   const std::string process = std::to_string(watch.process());
   const std::string children = "/proc/" + process + "/task/" + process + "/children";
-  for (int look = 0; look < 50 && !Bytes(children).empty(); ++look) watch.ReadFor(std::chrono::milliseconds(100));
-  EXPECT_EQ(Bytes(children), "") << "programs that have ended are left as zombies";
+  for (int look = 0; look < 50 && !FileBytes(children).empty(); ++look) watch.ReadFor(std::chrono::milliseconds(100));
+  EXPECT_EQ(FileBytes(children), "") << "programs that have ended are left as zombies";
   watch.Signal(SIGTERM);
   const CommandResult result = watch.Finish();
   EXPECT_EQ(result.exit_status, 0) << result.messages;
@@ -402,7 +397,7 @@ TEST(WatchTest, TwentySecondsOfLoopbackTrafficMakeTheSetsThatWereAskedFor) {
   ASSERT_FALSE(kept.empty());
   EXPECT_EQ(kept.back(), sets.back());
   const fs::path summary = folder.Path("out/" + kept.back() + "/Summary Statistics.csv");
-  EXPECT_THAT(Bytes(summary), HasSubstr("Total Packets,-," + std::to_string(sent) + ","));
+  EXPECT_THAT(FileBytes(summary), HasSubstr("Total Packets,-," + std::to_string(sent) + ","));
   struct stat details {};
   ASSERT_EQ(stat(summary.c_str(), &details), 0);
   EXPECT_EQ(std::to_string(details.st_uid), uid);

@@ -37,10 +37,8 @@ class CategoryDocumentsTest : public XmlReportTest {
     engine.live.nodes.push_back(node);
   }
   void OnlyIp() {
-    for (std::uint32_t other :
-         {kSwitchNodeTypePhysical, kSwitchNodeTypeIPv6, kSwitchNodeTypeDEC, kSwitchNodeTypeApple, kSwitchNodeTypeIPX}) {
-      Switch(other, 0);
-    }
+    SwitchOff(
+        {kSwitchNodeTypePhysical, kSwitchNodeTypeIPv6, kSwitchNodeTypeDEC, kSwitchNodeTypeApple, kSwitchNodeTypeIPX});
   }
 };
 
@@ -48,8 +46,7 @@ TEST_F(CategoryDocumentsTest, Nodes) {
   AddNode();
   OnlyIp();
   Switch(kSwitchNodeTypeIPX, 7);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(Brief("StatsReport.xml", {"NodeStatistics"}), Items(R"(
+  EXPECT_EQ(Reported().Brief("StatsReport.xml", {"NodeStatistics"}), Items(R"(
   NodeStatistics Version=2.0 {
     Summary { TimeSaved=11/22/2026 14:05:09; Packets=10; Bytes=1000; NodeCount=1 }
     Stats {
@@ -59,11 +56,8 @@ TEST_F(CategoryDocumentsTest, Nodes) {
             PacketsReceived=3; BytesReceived=500; PctBytesReceived=0.500000; BroadcastPackets=5; BroadcastBytes=6;
             MulticastPackets=7; MulticastBytes=8; MinSizeSent=60; MaxSizeSent=; MinSizeReceived=; MaxSizeReceived=0 } }
       Type Name=IPX } })"));
-  Switch(kSwitchNodePackets, 0);
-  Switch(kSwitchNodeFirstTime, 0);
-  Switch(kSwitchNodeMaxSize, 0);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(Children("StatsReport.xml", {"NodeStatistics", "Stats", "Type", "NodeStat"}),
+  SwitchOff({kSwitchNodePackets, kSwitchNodeFirstTime, kSwitchNodeMaxSize});
+  EXPECT_THAT(Reported().Children("StatsReport.xml", {"NodeStatistics", "Stats", "Type", "NodeStat"}),
               ElementsAre("Addr", "LastTimeSent", "LastTimeReceived", "BytesSent", "PctBytesSent", "BytesReceived",
                           "PctBytesReceived", "BroadcastPackets", "BroadcastBytes", "MulticastPackets",
                           "MulticastBytes", "MinSizeSent", "MinSizeReceived"));
@@ -72,12 +66,11 @@ TEST_F(CategoryDocumentsTest, Nodes) {
 TEST_F(CategoryDocumentsTest, NodesOfTheReportBeforeMoveIntoTheHistory) {
   AddNode();
   OnlyIp();
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_FALSE(folder.Has("NodeStatistics.xml"));
+  EXPECT_FALSE(Reported().folder.Has("NodeStatistics.xml"));
   const std::string before = Brief("StatsReport.xml", {"NodeStatistics", "Stats"});
   engine.live.missing = {kNodeCategory.identifier};
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(Sections(), Not(testing::Contains("NodeStatistics"))) << "moved away, and nothing to put there";
+  EXPECT_THAT(Reported().Sections(), Not(testing::Contains("NodeStatistics")))
+      << "moved away, and nothing to put there";
   EXPECT_THAT(Children("NodeStatistics.xml", {}), ElementsAre("History"));
   EXPECT_EQ(Brief("NodeStatistics.xml", {"History", "Stats"}), before);
   EXPECT_THAT(Children("NodeStatistics.xml", {"History"}), ElementsAre("Summary", "Stats"));
@@ -85,8 +78,7 @@ TEST_F(CategoryDocumentsTest, NodesOfTheReportBeforeMoveIntoTheHistory) {
   engine.live.missing = {};
   ASSERT_EQ(Output(), S_OK);
   engine.Fail("INodeStats::FindByAddress", 1, E_OUTOFMEMORY);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(Children("NodeStatistics.xml", {}).size(), 2U) << "what was moved is saved";
+  EXPECT_EQ(Reported().Children("NodeStatistics.xml", {}).size(), 2U) << "what was moved is saved";
   EXPECT_THAT(Sections(), Not(testing::Contains("NodeStatistics")));
   EXPECT_EQ(engine.files.at(engine.files.size() - 4).status, E_OUTOFMEMORY);
 }
@@ -100,8 +92,7 @@ TEST_F(CategoryDocumentsTest, Protocols) {
   add(engine.live.AddProtocol(7));  // two levels without a name leave a gap
   add(engine.live.AddIp(10, 0, 0, 1));
   add(4711);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(Brief("StatsReport.xml", {"ProtocolStatistics"}), Items(R"(
+  EXPECT_EQ(Reported().Brief("StatsReport.xml", {"ProtocolStatistics"}), Items(R"(
   ProtocolStatistics Version=2.0 {
     Summary { TimeSaved=11/22/2026 14:05:09; Packets=10; Bytes=1000; ProtocolCount=5 }
     Stats {
@@ -111,8 +102,7 @@ TEST_F(CategoryDocumentsTest, Protocols) {
   engine.at_snapshot = engine.live;
   engine.at_snapshot->total_bytes = 500;
   Switch(kSwitchProtoPackets, 0);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(Children("ProtocolStatistics.xml", {}), ElementsAre("History", "History"));
+  EXPECT_THAT(Reported().Children("ProtocolStatistics.xml", {}), ElementsAre("History", "History"));
   EXPECT_THAT(folder.Read("ProtocolStatistics.xml"), HasSubstr("<PctBytes>0.500000</PctBytes>"))
       << "against the totals of the snapshot";
   EXPECT_THAT(Sections(), ElementsAre("NodeStatistics", "ProtocolStatistics", "SummaryStatistics"));
@@ -123,8 +113,7 @@ TEST_F(CategoryDocumentsTest, AFailingHistoryLeavesTheEntryOfTheIndex) {
   engine.live.protocols.push_back({.key = engine.live.AddProtocol(1)});
   Switch(kSwitchOutputNodeStats, 0);
   engine.Fail("IProtocolNameService::AppendName", 2, E_FAIL);  // the first is the index's
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(Sections(), ElementsAre("ProtocolStatistics", "SummaryStatistics"));
+  EXPECT_THAT(Reported().Sections(), ElementsAre("ProtocolStatistics", "SummaryStatistics"));
   EXPECT_FALSE(folder.Has("ProtocolStatistics.xml"));
   EXPECT_EQ(FileStatus("ProtocolStatistics.xml"), E_FAIL);
 }
@@ -140,8 +129,7 @@ TEST_F(CategoryDocumentsTest, Summary) {
       {kStatTotalBytes, kGroupA, u"Total Bytes", {kSummaryBytes, 800, 0}},
   };
   engine.live.group_names = {{kGroupA, u"General"}, {kGroupB, u"Network"}};
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(Brief("StatsReport.xml", {"SummaryStatistics"}), Items(R"(
+  EXPECT_EQ(Reported().Brief("StatsReport.xml", {"SummaryStatistics"}), Items(R"(
   SummaryStatistics Version=2.0 {
     Summary { TimeSaved=11/22/2026 14:05:09; StartDate=11/22/2026; StartTime=14:04:09; Duration=00:00:20 }
     Stats {
@@ -164,8 +152,7 @@ TEST_F(CategoryDocumentsTest, Summary) {
   ASSERT_EQ(OutputLive(), S_OK);  // without a site: no rates
   EXPECT_THAT(folder.Read("StatsReport.xml"), Not(HasSubstr("PerSec")));
   EXPECT_EQ(Children("SummaryStatistics.xml", {}).size(), 1U) << "a live report has no history";
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(Children("SummaryStatistics.xml", {}).size(), 1U) << "nor has any report after it";
+  EXPECT_EQ(Reported().Children("SummaryStatistics.xml", {}).size(), 1U) << "nor has any report after it";
 }
 
 }  // namespace

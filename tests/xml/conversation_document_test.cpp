@@ -17,8 +17,7 @@ constexpr const char* kHierarchyFile = "HierarchicalNodeStatistics.xml";
 class ConversationDocumentTest : public XmlReportTest {
  protected:
   ConversationDocumentTest() {
-    Switch(kSwitchOutputGraphs, 0);
-    Switch(kSwitchOutputProtocolStats, 0);
+    SwitchOff({kSwitchOutputGraphs, kSwitchOutputProtocolStats});
     engine.live.missing = {kSummaryCategory.identifier};
     engine.live.total_bytes = 120;
     engine.protocol_tree = {{1, {u"UDP", 0}}};
@@ -42,10 +41,8 @@ class ConversationDocumentTest : public XmlReportTest {
   }
   /// Leaves the families of IP alone.
   void OnlyIp() {
-    for (std::uint32_t other :
-         {kSwitchNodeTypePhysical, kSwitchNodeTypeIPv6, kSwitchNodeTypeDEC, kSwitchNodeTypeApple, kSwitchNodeTypeIPX}) {
-      Switch(other, 0);
-    }
+    SwitchOff(
+        {kSwitchNodeTypePhysical, kSwitchNodeTypeIPv6, kSwitchNodeTypeDEC, kSwitchNodeTypeApple, kSwitchNodeTypeIPX});
   }
 
   std::uint32_t one_, two_, protocol_;
@@ -60,8 +57,7 @@ TEST_F(ConversationDocumentTest, GroupsByTheTextOfTheSource) {
   const std::uint32_t namesake = AddNode(3);
   engine.names[u"10.0.0.3"] = u"10.0.0.1";
   Talk(namesake, two_, 30);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(Brief(kFile, {}), Items(R"(
+  EXPECT_EQ(Reported().Brief(kFile, {}), Items(R"(
   ConversationStatistics Version=1.0 {
     Summary { TimeSaved=11/22/2026 14:05:09; Packets=10; Bytes=120; NodeCount=3; ConvoCount=4 }
     Stats {
@@ -83,8 +79,7 @@ TEST_F(ConversationDocumentTest, GroupsByTheTextOfTheSource) {
 TEST_F(ConversationDocumentTest, AnEndThatIsNoNodeFailsTheGroupedDocument) {
   folder.Write(kFile, "earlier");
   Talk(one_, engine.live.AddIp(10, 0, 0, 9), 10);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(folder.Read(kFile), "earlier");
+  EXPECT_EQ(Reported().folder.Read(kFile), "earlier");
   EXPECT_EQ(FileStatus(kFile), E_FAIL);
   EXPECT_THAT(Sections(), ElementsAre("NodeStatistics"));
 }
@@ -92,12 +87,10 @@ TEST_F(ConversationDocumentTest, AnEndThatIsNoNodeFailsTheGroupedDocument) {
 TEST_F(ConversationDocumentTest, ManyConversationsStayFlat) {
   OnlyIp();
   for (int i = 0; i < 5000; ++i) Talk(one_, two_, 1);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(folder.Read(kFile), HasSubstr("<ConversationStatistics Version=\"1.0\">"));
+  EXPECT_THAT(Reported().folder.Read(kFile), HasSubstr("<ConversationStatistics Version=\"1.0\">"));
   EXPECT_THAT(Children(kFile, {"Stats", "Type"}), ElementsAre("SourceAddress"));
   Talk(one_, engine.live.AddIp(10, 0, 0, 9), 10);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(folder.Read(kFile), HasSubstr("<ConversationStatistics Version=\"1.1\">"));
+  EXPECT_THAT(Reported().folder.Read(kFile), HasSubstr("<ConversationStatistics Version=\"1.1\">"));
   EXPECT_EQ(Children(kFile, {"Stats", "Type"}).size(), 5001U);
   EXPECT_THAT(Children(kFile, {"Stats", "Type", "ConversationStat"}),
               ElementsAre("Bytes", "Packets", "SourceAddress", "PctBytesSent", "DestinationAddress", "PctBytesReceived",
@@ -116,8 +109,8 @@ TEST_F(ConversationDocumentTest, ABitInCommonOfTwoSwitchesOutweighsItsOwn) {
     Switch(kSwitchOutputConversationsOnly, one.conversations_only);
     Switch(kSwitchOutputNodeDetails, one.details);
     std::filesystem::remove(folder.Path(kFile));
-    ASSERT_EQ(Output(), S_OK);
-    EXPECT_EQ(folder.Has(kFile), one.written) << one.additional_node << one.conversations_only << one.details;
+    EXPECT_EQ(Reported().folder.Has(kFile), one.written)
+        << one.additional_node << one.conversations_only << one.details;
   }
 }
 
@@ -126,8 +119,7 @@ TEST_F(ConversationDocumentTest, MissingTablesSkipTheDocument) {
        {kProtocolCategory.identifier, kConversationCategory.identifier, kNodeCategory.identifier}) {
     engine.live.missing = {kSummaryCategory.identifier, category};
     Switch(kSwitchOutputConversationsOnly, 1);
-    ASSERT_EQ(Output(), S_OK);
-    EXPECT_FALSE(folder.Has(kFile));
+    EXPECT_FALSE(Reported().folder.Has(kFile));
     EXPECT_EQ(FileStatus(kFile), S_FALSE) << "missing is no failure";
   }
 }
@@ -145,8 +137,7 @@ TEST_F(ConversationDocumentTest, Hierarchy) {
       {.address = 4711, .parent = two_, .packets_sent = 5},
       {.address = physical, .parent = two_},
   };
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(Brief(kHierarchyFile, {}), Items(R"(
+  EXPECT_EQ(Reported().Brief(kHierarchyFile, {}), Items(R"(
   HierarchicalNodeStatistics Version=2.0 {
     Summary { TimeSaved=11/22/2026 14:05:09; Packets=10; Bytes=120 }
     Stats {
@@ -160,15 +151,13 @@ TEST_F(ConversationDocumentTest, Hierarchy) {
             PctBytesReceived=0.000000; PctBytesSent=0.000000; BytesSent=0; PacketsSent=5 } } } })"));
 
   engine.live.hierarchy.resize(10001, engine.live.hierarchy[1]);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(folder.Read(kHierarchyFile), HasSubstr("<HierarchicalNodeStatistics Version=\"2.1\">"));
+  EXPECT_THAT(Reported().folder.Read(kHierarchyFile), HasSubstr("<HierarchicalNodeStatistics Version=\"2.1\">"));
   EXPECT_THAT(Children(kHierarchyFile, {"Stats", "NodeStat"}),
               ElementsAre("PhysicalAddress", "LogicalAddress", "Packets", "Bytes", "PacketsReceived", "BytesReceived",
                           "PctBytesReceived", "PacketsSent", "BytesSent", "PctBytesSent"));
   const std::string before = folder.Read(kHierarchyFile);
   engine.live.hierarchy.resize(1);  // nothing to show
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(folder.Read(kHierarchyFile), before);
+  EXPECT_EQ(Reported().folder.Read(kHierarchyFile), before);
 }
 
 }  // namespace

@@ -65,8 +65,7 @@ TEST_F(MenuPagesTest, AFullReport) {
   EXPECT_FALSE(folder.Has("NodeStats.xsl")) << "its template is missing";
 
   folder.Write("Report.htm", "changed");
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(folder.Read("Report.htm"), "changed") << "a kept index means kept files";
+  EXPECT_EQ(Reported().folder.Read("Report.htm"), "changed") << "a kept index means kept files";
   EXPECT_TRUE(IsOnPage("NodesMenu.htm", "loadNodeHistory()"));
   ASSERT_EQ(OutputLive(), S_OK);
   EXPECT_EQ(folder.Read("Report.htm"), "Report.htm");
@@ -74,23 +73,20 @@ TEST_F(MenuPagesTest, AFullReport) {
 }
 
 TEST_F(MenuPagesTest, ButtonsMoveToTheLeftOverThoseThatAreMissing) {
-  const struct {
-    std::int32_t hierarchy, details;
-    const char* last;
-  } cases[] = {{0, 1, "160:details"}, {1, 0, "250:hierarchy"}, {1, 1, "330:hierarchy"}};
-  for (const auto& one : cases) {
-    Switch(kSwitchOutputNodeHierarchy, one.hierarchy);
-    Switch(kSwitchOutputNodeDetails, one.details);
+  const std::tuple<std::int32_t, std::int32_t, const char*> cases[] = {
+      {0, 1, "160:details"}, {1, 0, "250:hierarchy"}, {1, 1, "330:hierarchy"}};
+  for (const auto& [hierarchy, details, last] : cases) {
+    Switch(kSwitchOutputNodeHierarchy, hierarchy);
+    Switch(kSwitchOutputNodeDetails, details);
     ASSERT_EQ(Output(), S_OK);
-    EXPECT_EQ(Buttons("NodesMenu.htm").back(), one.last);
+    EXPECT_EQ(Buttons("NodesMenu.htm").back(), last);
   }
 }
 
 TEST_F(MenuPagesTest, TheReportOfConversationsHasTwoPages) {
   Switch(kSwitchOutputConversationsOnly, 1);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(folder.Names(), ElementsAre("ConversationStatistics.xml", "ConversationsMenu.htm", "Images",
-                                          "MainMenu.htm", "Report.htm", "StatsReport.xml"));
+  EXPECT_THAT(Reported().folder.Names(), ElementsAre("ConversationStatistics.xml", "ConversationsMenu.htm", "Images",
+                                                     "MainMenu.htm", "Report.htm", "StatsReport.xml"));
   EXPECT_TRUE(IsOnPage("MainMenu.htm",
                        "<a href=\"Conversations.htm\" target=\"_top\">\n    <img style=\""
                        "position:absolute; top: 20px; left:175px; width:131px; height:34px\""));
@@ -98,17 +94,15 @@ TEST_F(MenuPagesTest, TheReportOfConversationsHasTwoPages) {
 
 TEST_F(MenuPagesTest, TheReportOfOneMoreNodeSaysWhatItIsAbout) {
   Switch(kSwitchOutputAdditionalNode, 1);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(folder.Names(), IsSupersetOf({"MainMenu.htm", "NodesMenu.htm", "ExpertMenu.htm", "ConversationsMenu.htm",
-                                            "NodeStats.xsl"}));
+  EXPECT_THAT(Reported().folder.Names(), IsSupersetOf({"MainMenu.htm", "NodesMenu.htm", "ExpertMenu.htm",
+                                                       "ConversationsMenu.htm", "NodeStats.xsl"}));
   EXPECT_EQ(folder.Read("NodeStats.xsl"), "AdditionalNode_Node.xsl");
   EXPECT_FALSE(IsOnPage("NodesMenu.htm", "loadNodes()")) << "no overview beside conversations";
 }
 
 TEST_F(MenuPagesTest, WithoutTemplatesTheReportIsWrittenAllTheSame) {
   SetTemplates(u"\\no\\such\\folder");
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_FALSE(folder.Has("Report.htm"));
+  EXPECT_FALSE(Reported().folder.Has("Report.htm"));
   EXPECT_TRUE(folder.Has("StatsReport.xml"));
 }
 

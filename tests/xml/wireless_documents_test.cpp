@@ -14,10 +14,7 @@ using testing::Not;
 class WirelessDocumentsTest : public XmlReportTest {
  protected:
   WirelessDocumentsTest() {
-    for (std::uint32_t other :
-         {kSwitchOutputGraphs, kSwitchOutputNodeStats, kSwitchOutputProtocolStats, kSwitchOutputNodeDetails}) {
-      Switch(other, 0);
-    }
+    SwitchOff({kSwitchOutputGraphs, kSwitchOutputNodeStats, kSwitchOutputProtocolStats, kSwitchOutputNodeDetails});
     engine.live.missing = {kSummaryCategory.identifier};
     engine.live.medium_subtype = kSubtype80211b;
     ScriptedWireless& wireless = engine.live.wireless.emplace();
@@ -91,8 +88,7 @@ class WirelessDocumentsTest : public XmlReportTest {
 };
 
 TEST_F(WirelessDocumentsTest, NodesAndChannels) {
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(Brief("StatsReport.xml", {"WirelessNodeStatistics"}), Items(R"(
+  EXPECT_EQ(Reported().Brief("StatsReport.xml", {"WirelessNodeStatistics"}), Items(R"(
   WirelessNodeStatistics Version=2.0 {
     Summary { TimeSaved=11/22/2026 14:05:09; Packets=10; Bytes=1000; BSSNetworkCount=1; APNodeCount=2;
         AdHocNetworkCount=3; ClientNodeCount=4 }
@@ -139,16 +135,13 @@ TEST_F(WirelessDocumentsTest, NodesAndChannels) {
           DataRate Name=11 Mbits/s Packets Value=0; DataRate Name=11 Mbits/s Bytes Value=0 } } })"));
   EXPECT_THAT(Sections(), ElementsAre("WirelessNodeStatistics", "WirelessChannelStatistics"));
   EXPECT_THAT(Children("WirelessNodeStatistics.xml", {"History"}), ElementsAre("Summary", "Stats"));
-  Switch(kSwitchDataRatesPackets, 0);
-  Switch(kSwitchDataRatesBytes, 0);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(folder.Read("StatsReport.xml"), Not(HasSubstr("DataRate")));
+  SwitchOff({kSwitchDataRatesPackets, kSwitchDataRatesBytes});
+  EXPECT_THAT(Reported().folder.Read("StatsReport.xml"), Not(HasSubstr("DataRate")));
 }
 
 TEST_F(WirelessDocumentsTest, TheExecutiveSummaryShowsAccessPointsAndStationsApart) {
   Switch(kSwitchOutputExecutiveSummary, 1);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(Children("StatsReport.xml", {"WirelessNodeStatistics", "Stats"}), ElementsAre("Type", "Type"));
+  EXPECT_THAT(Reported().Children("StatsReport.xml", {"WirelessNodeStatistics", "Stats"}), ElementsAre("Type", "Type"));
   EXPECT_THAT(folder.Read("StatsReport.xml"), HasSubstr("<Type Name=\"STA\">\n        <WirelessNodeStat>\n"
                                                         "          <Node>2.0.0.0.0.2</Node>"));
   EXPECT_THAT(
@@ -160,19 +153,16 @@ TEST_F(WirelessDocumentsTest, TheExecutiveSummaryShowsAccessPointsAndStationsApa
 
 TEST_F(WirelessDocumentsTest, AnAddressIsAskedForTwice) {
   engine.Fail("IAddressTable::GetRecord", 1, E_FAIL);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(Children("StatsReport.xml", {"WirelessNodeStatistics", "Stats"}).size(), 2U);
+  EXPECT_EQ(Reported().Children("StatsReport.xml", {"WirelessNodeStatistics", "Stats"}).size(), 2U);
 }
 
 TEST_F(WirelessDocumentsTest, ChannelsFollowWrittenNodesOnly) {
   Switch(kSwitchOutputWLANStats, 0);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(Sections(), ElementsAre());
+  EXPECT_THAT(Reported().Sections(), ElementsAre());
   Switch(kSwitchOutputWLANStats, 1);
   // The second reading of the excluded nodes is that of the history.
   engine.Fail("IWirelessNodeStats::GetExcluded", 2, E_FAIL);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(Sections(), ElementsAre("WirelessNodeStatistics"));
+  EXPECT_THAT(Reported().Sections(), ElementsAre("WirelessNodeStatistics"));
   EXPECT_EQ(FileStatus("WirelessNodeStatistics.xml"), E_FAIL);
 }
 

@@ -1,58 +1,32 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "platform/clock.h"
 #include "platform/xml_tree.h"
-#include "prefs/stats_output_prefs.h"
-#include "prefs/switch_ids.h"
-#include "tests/support/scripted_engine.h"
-#include "tests/support/temporary_folder.h"
-#include "tests/support/text.h"
+#include "tests/support/report_fixture.h"
 #include "xml/xml_stats_output.h"
 
 namespace orvo::test {
 
-/// 2026-11-22 14:05:09 UTC, and so many seconds later.
-inline std::uint64_t Moment(std::int64_t seconds = 0) {
-  return TimeFromUnix((1'795'356'309 + seconds) * 1'000'000'000);
-}
-
 inline constexpr const char* kDeclaration = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n";
 
-/// An XML report from a scripted engine into a folder of its own.
-class XmlReportTest : public testing::Test {
- protected:
-  XmlReportTest() {
-    engine.snapshot_time = Moment();
+class XmlReportTest : public ReportTest {
+ public:
+  XmlReportTest() : ReportTest(CreateXmlStatsOutput) {
     engine.live.total_packets = 10;
     engine.live.total_bytes = 1000;
-    NewMethod();
-    EXPECT_EQ(CreateStatsOutputPrefs(IStatsOutputPrefs::kIid, preferences.OutVoid()), S_OK);
     SetTemplates({});
   }
 
-  void NewMethod() { EXPECT_EQ(CreateXmlStatsOutput(IStatsOutputMethod::kIid, method.OutVoid()), S_OK); }
   void SetTemplates(const std::u16string& root) {
     EXPECT_EQ(method->SetFormat(nullptr, nullptr, preferences.get(), Bstr(root).get()), S_OK);
   }
-  void Switch(std::uint32_t identifier, std::int32_t value) { preferences->SetPreference(identifier, value); }
-  std::int32_t Value(std::uint32_t identifier) const {
-    std::int32_t value = 0;
-    preferences->GetPreference(identifier, &value);
-    return value;
-  }
-
-  Status Output(IGraphCollection* graphs = nullptr) {
-    return method->Output(Bstr(folder.ReportFolder()).get(), engine.Context().get(), graphs);
-  }
-  Status OutputLive(IGraphCollection* graphs = nullptr) {
-    return method->OutputLive(engine.Context().get(), Bstr(folder.ReportFolder()).get(), graphs);
+  /// After a report that must go through.
+  XmlReportTest& Reported(const std::source_location& place = std::source_location::current()) {
+    ExpectReport(place);
+    return *this;
   }
 
   /// An element of a document, found by the names on the way down from its root; empty when there is none.
@@ -81,20 +55,6 @@ class XmlReportTest : public testing::Test {
     return children;
   }
   std::vector<std::string> Sections() const { return Children("StatsReport.xml", {}); }
-
-  /// What the observer heard last of a file; S_FALSE when it heard nothing.
-  Status FileStatus(const std::string& name) const {
-    Status status = S_FALSE;
-    for (const ScriptedEngine::FileReport& file : engine.files) {
-      if (file.path == folder.ReportFolder() + Wide(name)) status = file.status;
-    }
-    return status;
-  }
-
-  TemporaryFolder folder;
-  ScriptedEngine engine;
-  ComPtr<IStatsOutputMethod> method;
-  ComPtr<IStatsOutputPrefs> preferences;
 
  private:
   static void Describe(const XmlElement& element, std::string* text) {
