@@ -10,8 +10,10 @@
 namespace orvo {
 namespace {
 
+// NOLINTBEGIN(misc-unused-using-decls): version 14 overlooks uses in arguments of templates.
 using node_values::Count;
 using node_values::Time;
+// NOLINTEND(misc-unused-using-decls)
 
 constexpr std::u16string_view kHistoryFile = u"NodeStatistics.xml";
 constexpr std::string_view kElement = "NodeStatistics";
