@@ -94,9 +94,10 @@ struct View {
   }
 
   std::vector<std::uint64_t> SizeBuckets() const {
+    const auto sizes = Get(kSizeCategory);  // holds the buckets
     const std::uint64_t* buckets = nullptr;
     std::uint32_t count = 0;
-    EXPECT_EQ(Get(kSizeCategory)->GetBuckets(&buckets, &count), S_OK);
+    EXPECT_EQ(sizes->GetBuckets(&buckets, &count), S_OK);
     return {buckets, buckets + count};
   }
 

@@ -313,6 +313,7 @@ TEST(Graphs, AreOfTheMomentThatAReportBegan) {
   ComPtr<IGraphCollection> graphs = engine.Graphs();
   ComPtr<IStatsContext> context = engine.Context();
   auto packets = [&] {
+    EXPECT_GT(Ask(graphs)(&IGraphCollection::GetCount), 1U);
     const auto series = Ask(Ask(graphs)(&IGraphCollection::GetGraph, 1U))(&IGraph::GetSeries);
     std::uint32_t count = 1;
     double first = 0;
