@@ -21,17 +21,6 @@ void OpenIndex(XmlReport& report) {
   }
 }
 
-/// Saves the index. Without it there is no report, so that its failure is the whole report's.
-void SaveIndex(XmlReport& report) {
-  const Status saved = Guard([&] { report.index.Save(report.job.folder + std::u16string(kIndexFile)); });
-  Contain(report, kIndexFile, [&] {
-    Check(saved);
-    ReportSaved(report, kIndexFile, report.index.rows());
-    return true;
-  });
-  Check(saved);
-}
-
 }  // namespace
 
 XMLStatsOutput::XMLStatsOutput() : OutputMethod(kTraits) {}
@@ -64,11 +53,12 @@ void XMLStatsOutput::WriteReport(const ReportJob& job) {
                    .time_mark = time_mark(),
                    .interval = interval()};
   if (Failed(Query(job.live, &report.observer))) report.observer.Reset();
-  OpenIndex(report);
+  Insist(report, kIndexFile, [&] { OpenIndex(report); });
   WriteKind(report, kind);
   WriteSummaryDocument(report);
   WriteReportGraphs(report);
-  SaveIndex(report);
+  Insist(report, kIndexFile, [&] { report.index.Save(job.folder + std::u16string(kIndexFile)); });
+  ReportSaved(report, kIndexFile, report.index.rows());
 }
 
 Status CreateXmlStatsOutput(const Guid& iid, void** out) {

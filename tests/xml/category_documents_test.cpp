@@ -81,6 +81,12 @@ TEST_F(CategoryDocumentsTest, NodesOfTheReportBeforeMoveIntoTheHistory) {
   EXPECT_EQ(Reported().Children("NodeStatistics.xml", {}).size(), 2U) << "what was moved is saved";
   EXPECT_THAT(Sections(), Not(testing::Contains("NodeStatistics")));
   EXPECT_EQ(engine.files.at(engine.files.size() - 4).status, E_OUTOFMEMORY);
+
+  ASSERT_EQ(Output(), S_OK);
+  std::filesystem::remove(folder.Path("NodeStatistics.xml"));
+  std::filesystem::create_directory(folder.Path("NodeStatistics.xml"));
+  ASSERT_EQ(Output(), S_OK);
+  EXPECT_TRUE(Failed(FileStatus("NodeStatistics.xml"))) << "which file it was is told";
 }
 
 TEST_F(CategoryDocumentsTest, Protocols) {
@@ -153,6 +159,21 @@ TEST_F(CategoryDocumentsTest, Summary) {
   EXPECT_THAT(folder.Read("StatsReport.xml"), Not(HasSubstr("PerSec")));
   EXPECT_EQ(Children("SummaryStatistics.xml", {}).size(), 1U) << "a live report has no history";
   EXPECT_EQ(Reported().Children("SummaryStatistics.xml", {}).size(), 1U) << "nor has any report after it";
+}
+
+TEST_F(CategoryDocumentsTest, ASummaryOfNothingHasNoPercentagesAndRates) {
+  engine.live.total_packets = engine.live.total_bytes = 0;
+  engine.live.summary = {{kStatTotalPackets, kGroupA, u"Total Packets", {kSummaryPacketsAndBytes, 0, 800}}};
+  ASSERT_EQ(Output(), S_OK);
+  EXPECT_THAT(Part("StatsReport.xml", {"SummaryStatistics", "Stats"}), HasSubstr(R"(
+        <PacketsValue>0</PacketsValue>
+        <PctOfPkts />
+        <PktsPerSec />
+        <BytesValue>800</BytesValue>
+        <PctOfBytes />
+        <BytesPerSec />
+        <Values />
+)"));
 }
 
 }  // namespace

@@ -112,6 +112,14 @@ TEST_F(GraphDocumentsTest, TheCollectionGrowsFromReportToReport) {
   EXPECT_THAT(folder.Read("Graphs.xml"), HasSubstr("Late_4.png"));
 }
 
+TEST_F(GraphDocumentsTest, ACollectionTooLargeToBeReadIsLeftAlone) {
+  folder.Write("Graphs.xml", {});
+  std::filesystem::resize_file(folder.Path("Graphs.xml"), std::uintmax_t{1} << 30);
+  ASSERT_EQ(Output(engine.Graphs().get()), S_OK);
+  EXPECT_EQ(FileStatus("Graphs.xml"), E_OUTOFMEMORY);
+  EXPECT_EQ(std::filesystem::file_size(folder.Path("Graphs.xml")), std::uintmax_t{1} << 30);
+}
+
 TEST_F(GraphDocumentsTest, ANameThatNoDocumentHoldsIsFoundAgain) {
   engine.live.graphs.clear();
   AddGraph(u"a\x01/..\\b");

@@ -121,6 +121,7 @@ TEST_F(XmlStatsOutputTest, AFolderWithoutASeparatorIsAPrefix) {
 TEST_F(XmlStatsOutputTest, AnIndexThatCannotBeSavedEndsTheReport) {
   std::filesystem::create_directory(folder.Path("StatsReport.xml"));
   EXPECT_TRUE(Failed(Output()));
+  EXPECT_TRUE(Failed(FileStatus("StatsReport.xml"))) << "which file it was is told";
 }
 
 /// A document in another encoding, of the same content.
