@@ -117,10 +117,15 @@ TEST_F(ApplicationDetectorTest, TellsPacketsOfAFlowByWhatItWasFoundToCarry) {
   EXPECT_EQ(detector_->counts().recognised, 1U);
 }
 
-TEST_F(ApplicationDetectorTest, RecognisesTheNameServiceOnItsPortAtOnce) {
-  EXPECT_EQ(Path(UdpPacket(40000, 53, DnsQuery())), "IPv4/UDP/DNS");
+TEST_F(ApplicationDetectorTest, KeepsNoPlaceForTheNameServiceOnItsPort) {
+  DetectionLimits limits;
+  limits.undecided = 1;
+  Restart(limits);
+  Path(UdpPacket(40000, 9999, Noise(1)));
+  EXPECT_EQ(Path(UdpPacket(40001, 53, DnsQuery())), "IPv4/UDP/DNS");
   EXPECT_EQ(detector_->counts().recognised, 1U);
-  EXPECT_EQ(detector_->undecided(), 0U);
+  EXPECT_EQ(detector_->undecided(), 1U);
+  EXPECT_EQ(detector_->counts().not_inspected, 0U) << "the other is still looked into";
 }
 
 TEST_F(ApplicationDetectorTest, FreesAtOnceWhatLookingIntoAFlowTook) {
