@@ -267,7 +267,8 @@ TEST(WatchTest, AReportThatFailsIsToldAndTheStatusShowsIt) {
   const CommandResult untold = RunCommand(Replay(folder.Path("out"), {"--settings", settings, "--on-report", program}));
   EXPECT_EQ(untold.exit_status, 1);
   EXPECT_EQ(untold.output, "");
-  EXPECT_THAT(untold.messages, AllOf(HasSubstr("/out/file: this folder cannot be made ("), Not(HasSubstr("--on-report"))));
+  EXPECT_THAT(untold.messages,
+              AllOf(HasSubstr("/out/file: this folder cannot be made ("), Not(HasSubstr("--on-report"))));
 }
 
 bool IsWellFormed(const fs::path& path) {
