@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 #include "app/messages.h"
 
@@ -17,9 +18,15 @@ constexpr const char* kClearLine = "\r\x1b[K";
 constexpr const char* kNoWrap = "\x1b[?7l";
 constexpr const char* kWrap = "\x1b[?7h";
 
+/// False for a terminal that says of itself that it knows no such sequences.
+bool CanClearLines() {
+  const char* kind = std::getenv("TERM");
+  return !kind || std::string_view(kind) != "dumb";
+}
+
 }  // namespace
 
-StatusLine::StatusLine(bool wanted) : wanted_(wanted && isatty(STDERR_FILENO) == 1) {}
+StatusLine::StatusLine(bool wanted) : wanted_(wanted && isatty(STDERR_FILENO) == 1 && CanClearLines()) {}
 
 void StatusLine::Show(std::string_view text) {
   if (!wanted_) return;

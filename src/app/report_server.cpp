@@ -179,7 +179,8 @@ class ReportServer::Impl final : public httplib::Server {
     errno = 0;
     port_ = port == 0 ? bind_to_any_port(kLoopback) : bind_to_port(kLoopback, port) ? port : -1;
     if (port_ > 0) return;
-    throw CommandError(kFailed, fmt::format("port {} of {}: {}", port, kLoopback, Describe(StatusFromErrno(errno))));
+    throw CommandError(kFailed, fmt::format("port {} of {}: {} Leave out --port, or name another one.", port, kLoopback,
+                                            Describe(StatusFromErrno(errno))));
   }
 
   int port() const { return port_; }

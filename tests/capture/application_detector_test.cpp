@@ -224,7 +224,8 @@ TEST(ProtocolNames, AreFitForRows) {
   const ProtocolRegistry& registry = ProtocolRegistry::Get();
   EXPECT_NE(registry.FindName("Netflix"), 0);
   EXPECT_EQ(registry.FindName("No Such Protocol"), 0);
-  for (std::uint16_t i = 1; i < registry.count(); ++i) {
+  const auto count = static_cast<std::uint16_t>(registry.count());
+  for (std::uint16_t i = 1; i < count; ++i) {
     std::string_view name = registry.protocol(i).name;
     EXPECT_FALSE(name.empty());
     EXPECT_EQ(name.find_first_of(",_\"\t"), std::string_view::npos) << name;

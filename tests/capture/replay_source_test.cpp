@@ -8,9 +8,6 @@
 namespace orvo::test {
 namespace {
 
-using testing::ElementsAre;
-using testing::Pair;
-
 constexpr std::uint64_t kStart = 1'000'000 * kNanosecondsPerSecond;
 
 /// Time passes only while somebody waits, and then at once.
