@@ -263,7 +263,8 @@ TEST(WatchTest, AReportThatFailsIsToldAndTheStatusShowsIt) {
   const CommandResult without_folder =
       RunCommand(Replay(folder.Path("out"), {"--settings", settings, "--on-report", program}));
   EXPECT_EQ(without_folder.exit_status, 1);
-  EXPECT_THAT(without_folder.messages, HasSubstr("orvo-report: " + folder.Path("out/file") + ": cannot be made: "));
+  EXPECT_THAT(without_folder.messages,
+              HasSubstr("orvo-report: " + folder.Path("out/file") + ": this folder cannot be made"));
   EXPECT_THAT(without_folder.messages,
               HasSubstr("cannot be started: the interpreter that its first line names does not exist"));
 
@@ -271,7 +272,8 @@ TEST(WatchTest, AReportThatFailsIsToldAndTheStatusShowsIt) {
   const CommandResult untold = RunCommand(Replay(folder.Path("out"), {"--settings", settings, "--on-report", program}));
   EXPECT_EQ(untold.exit_status, 1);
   EXPECT_EQ(untold.output, "");
-  EXPECT_THAT(untold.messages, AllOf(HasSubstr("/out/file: cannot be made: "), Not(HasSubstr("--on-report"))));
+  EXPECT_THAT(untold.messages,
+              AllOf(HasSubstr("/out/file: this folder cannot be made"), Not(HasSubstr("--on-report"))));
 }
 
 bool IsWellFormed(const fs::path& path) {
