@@ -95,8 +95,8 @@ async function readSheet(name, documentName) {
   if (response === null) {
     throw new Problem(
       "This report does not show this",
-      `Its figures are there, but the report has no style sheet ${name} that would lay them out. Full reports have it, ` +
-        "unless the templates that they are made with lack it.",
+      `Its figures are there, but the report has no style sheet ${name} that would lay them out. ` +
+        "Full reports have it, unless the templates that they are made with lack it.",
       [{ title: `${documentName} as it is`, address: documentName }],
     );
   }

@@ -30,8 +30,9 @@ class Page {
 
   checkStyles() {
     if (document.styleSheets.length > 0) return;
-    const why = "The folder of this report has no StatsReport.css, so everything looks plain. The templates that it was made "
-      + "with lack the file, or somebody has removed it.";
+    const why =
+      "The folder of this report has no StatsReport.css, so everything looks plain. " +
+      "The templates that it was made with lack the file, or somebody has removed it.";
     this.main.before(make("p", { role: "alert" }, why));
   }
 
@@ -110,9 +111,8 @@ class Page {
     this.loading.hidden = true;
     const links = problem.links.map(({ title, address }) => make("p", {}, make("a", { href: address }, title)));
     const title = make("h1", {}, problem.message);
-    this.main.replaceChildren(
-      make("article", { class: "problem" }, title, ...problem.text.split("\n").map((line) => make("p", {}, line)), ...links),
-    );
+    const lines = problem.text.split("\n").map((line) => make("p", {}, line));
+    this.main.replaceChildren(make("article", { class: "problem" }, title, ...lines, ...links));
     this.main.removeAttribute("aria-busy");
     this.status.textContent = problem.message;
   }

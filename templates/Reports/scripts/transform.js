@@ -37,7 +37,7 @@ function attributeOf(instruction, name) {
 }
 
 // A part of a style sheet as plain data, which are quicker to walk than the elements of a document: a text, or
-// { name, isInstruction, attributes, children }. White space between elements means nothing, apart from that in xsl:text.
+// { name, isInstruction, attributes, children }. White space between elements means nothing, but in xsl:text.
 function readPart(element) {
   const isKnown = element.namespaceURI === XSL_NAMESPACE;
   if (!isKnown && (element.namespaceURI || !KNOWN_ELEMENTS.has(element.localName))) {
@@ -58,7 +58,8 @@ function readPart(element) {
 class StyleSheet {
   constructor(parsed) {
     const root = parsed.documentElement;
-    if (root?.namespaceURI !== XSL_NAMESPACE || root.localName !== "stylesheet") throw new Error("this is no style sheet");
+    const isSheet = root?.namespaceURI === XSL_NAMESPACE && root.localName === "stylesheet";
+    if (!isSheet) throw new Error("this is no style sheet");
     this.templates = new Map();
     for (const part of readPart(root).children) {
       if (isInstruction(part, "output")) continue;

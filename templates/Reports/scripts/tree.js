@@ -1,6 +1,6 @@
-// A document of a report, as a tree that a browser's own would be too large for: a hundred thousand nodes are two million
-// elements, of which a document object model takes ten seconds and a gigabyte. Here an element is a number, its place in
-// the order of the document; what is known of it stands in columns, and its text stays in the text of the document.
+// A document of a report as a tree. A browser's own would be too large: a hundred thousand nodes are two million
+// elements, for which it takes half a minute and gigabytes. Here an element is a number, its place in the order of the
+// document; what is known of it stands in columns, and its text stays in the text of the document.
 //
 // Element 0 is the document itself. An attribute that an expression selects is an object { owner, place, name, value }.
 

@@ -1,4 +1,4 @@
-// XPath 1.0 over a Tree: expressions become functions of a context, which is { node, position, last, variables }.
+// XPath 1.0 over a Tree: expressions become functions of a context, { node, position, last, variables }.
 // Variables hold texts, numbers and truths. A function that gives nodes may have `first`, which gives the first alone or
 // -1, and `exists`, which tells whether there is one: they spare the others. One that compares a child with a variable
 // has `lookUp`, so that it need not look at all.
@@ -38,8 +38,8 @@ class XPath {
     this.indices = new Map();
   }
 
-  // The children of that name (by its number) that have a child `key` of that text. The first question about children of
-  // an element makes an index of all, as whoever looks for a row by its address looks for others, too.
+  // The children of that name (by its number) that have a child `key` of that text. The first question about children
+  // of an element makes an index of all, as whoever looks for a row by its address looks for others, too.
   lookUp(element, name, key, text) {
     const about = `${element} ${name} ${key}`;
     let index = this.indices.get(about);
@@ -249,7 +249,8 @@ class XPathParser {
       const isDeep = this.skip("//");
       if (!isDeep && !this.skip("/")) return steps;
       const step = this.step();
-      if (isDeep && step.first && typeof step.test === "number") steps.push({ axis: XPATH_AXES.descendant, test: step.test, predicates: [] });
+      const isPlain = step.first && typeof step.test === "number";
+      if (isDeep && isPlain) steps.push({ axis: XPATH_AXES.descendant, test: step.test, predicates: [], isAhead: true });
       else if (isDeep) steps.push({ axis: XPATH_AXES["descendant-or-self"], test: null, predicates: [] }, step);
       else steps.push(step);
     }
