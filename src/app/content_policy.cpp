@@ -45,16 +45,6 @@ constexpr std::string_view kCommonRules =
 /// Texts that may run or style, each once.
 using Sources = Scripts;
 
-/// 'sha256-...': a text by its hash, as policies name it.
-std::string HashSource(std::string_view text) {
-  constexpr std::size_t kSize = 32;
-  std::array<unsigned char, EVP_MAX_MD_SIZE> hash{};
-  EVP_Digest(text.data(), text.size(), hash.data(), nullptr, EVP_sha256(), nullptr);
-  std::array<unsigned char, (kSize + 2) / 3 * 4 + 1> base64{};
-  EVP_EncodeBlock(base64.data(), hash.data(), kSize);
-  return "'sha256-" + std::string(reinterpret_cast<const char*>(base64.data())) + "'";
-}
-
 /// Hashes of every text between `begin` and `end` that is wanted.
 template <class Wanted>
 Sources Between(std::string_view bytes, std::string_view begin, std::string_view end, Wanted wanted) {
@@ -104,6 +94,15 @@ bool IsOneOf(const std::string_view (&names)[count], std::string_view name) {
 }
 
 }  // namespace
+
+std::string HashSource(std::string_view text) {
+  constexpr std::size_t kSize = 32;
+  std::array<unsigned char, EVP_MAX_MD_SIZE> hash{};
+  EVP_Digest(text.data(), text.size(), hash.data(), nullptr, EVP_sha256(), nullptr);
+  std::array<unsigned char, (kSize + 2) / 3 * 4 + 1> base64{};
+  EVP_EncodeBlock(base64.data(), hash.data(), kSize);
+  return "'sha256-" + std::string(reinterpret_cast<const char*>(base64.data())) + "'";
+}
 
 Scripts TrustedScripts(const std::string& templates) {
   Scripts scripts;

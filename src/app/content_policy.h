@@ -13,6 +13,9 @@ inline constexpr const char* kInertPolicy = "default-src 'none'; sandbox; frame-
 /// Scripts, each by its hash as policies name it.
 using Scripts = std::set<std::string>;
 
+/// 'sha256-...': a script or a style by its hash, as policies name it.
+std::string HashSource(std::string_view text);
+
 /// The scripts of the front end's pages in a folder of templates; none for a folder without them.
 Scripts TrustedScripts(const std::string& templates);
 

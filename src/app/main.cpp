@@ -1,5 +1,4 @@
 #include <fcntl.h>
-#include <fmt/core.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -7,13 +6,12 @@
 #include <exception>
 #include <new>
 #include <sstream>
-#include <string>
 #include <string_view>
-#include <vector>
 
 #include "app/component.h"
 #include "app/messages.h"
 #include "app/options.h"
+#include "app/usage.h"
 #include "platform/class_factory.h"
 #include "platform/privilege.h"
 
@@ -25,23 +23,14 @@ constexpr const char* kFooter =
     "Exit status: 0 done, 1 failed, 2 wrong usage. See orvo-report(1).";
 
 /// Prints what the parser has to say; its own exit statuses become the command's.
-int ReportParsing(CLI::App& parser, const CLI::ParseError& error, std::string_view first_word) {
+int ReportParsing(const CLI::App& parser, const CLI::ParseError& error, std::string_view first_word) {
   if (error.get_exit_code() == 0) {  // --help and --version
     std::ostringstream text;
     parser.exit(error, text, text);
     PrintOutput(text.str());
     return kDone;
   }
-  std::string message = error.what();
-  const std::vector<std::string> unknown = parser.remaining(/*recurse=*/true);
-  if (parser.get_subcommands().empty() && !first_word.empty() && !first_word.starts_with('-')) {
-    // The parser misses the verb where it should name the word that is none.
-    message = fmt::format("{}: there is no such verb", first_word);
-  } else if (!unknown.empty() && unknown.front().starts_with('-')) {
-    // An option that is mistyped is why another seems to be missing.
-    message = fmt::format("{}: there is no such option", unknown.front());
-  }
-  PrintMessage(fmt::format("{} (try: orvo-report --help)", message));
+  PrintMessage(UsageMessage(parser, error, first_word));
   return kUsage;
 }
 
@@ -59,6 +48,7 @@ int Run(int argc, char** argv) {
   CLI::App parser("Turns network captures into report files.", "orvo-report");
   parser.set_version_flag("--version", "orvo-report " ORVO_VERSION);
   parser.require_subcommand(1);
+  parser.get_formatter()->label("SUBCOMMAND", "WORD");
   parser.footer(kFooter);
   Verb verb;
   bool privileged = false;
@@ -67,6 +57,7 @@ int Run(int argc, char** argv) {
   AddViewCommand(parser, &verb);
   AddSettingsCommand(parser, &verb);
   AddClassesCommands(parser, &verb);
+  for (CLI::App* word : parser.get_subcommands(nullptr)) word->group("Words");
   try {
     parser.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -44,11 +44,19 @@ struct Target {
   fs::path folder{};
 };
 
+bool HasKinds(const Target& target) {
+  return target.format->type == kOutputXml;
+}
+
 std::vector<Target> ChooseTargets(const MakeOptions& options) {
   std::vector<Target> targets;
+  WarnOfUnknownNames(options.common.settings);
   for (const Format* format : ParseFormats(options.formats)) {
     targets.push_back({.format = format, .preferences = LoadPreferences(options.common.settings)});
     ChooseReport(options.common.report, *targets.back().preferences);
+  }
+  if (!options.common.report.empty() && std::ranges::none_of(targets, HasKinds)) {
+    PrintWarning("--report chooses among reports of format xml; the one of any other format is full");
   }
   return targets;
 }
@@ -133,8 +141,8 @@ std::uint32_t SecondsOf(IStatsContext& context) {
   return static_cast<std::uint32_t>(std::min<std::uint64_t>(seconds, std::numeric_limits<std::uint32_t>::max()));
 }
 
-/// Writes one report in one format. False when one of its files failed.
-bool WriteReport(const MakeOptions& options, const Target& target, CaptureEngine& engine) {
+/// Writes one report in one format, while the line says so. False when one of its files failed.
+bool WriteReport(const MakeOptions& options, const Target& target, CaptureEngine& engine, StatusLine* line) {
   const Format& format = *target.format;
   auto files = MakeObject<ReportFiles>();
   engine.SetObserver(files.get());
@@ -150,6 +158,7 @@ bool WriteReport(const MakeOptions& options, const Target& target, CaptureEngine
   Status status = options.live ? method->OutputLive(context.get(), report_folder.get(), graphs.get())
                                : method->Output(report_folder.get(), context.get(), graphs.get());
   engine.SetObserver(nullptr);
+  line->Clear();
   // A file that failed tells the cause better than the report that failed with it.
   const bool all_written = PrintFiles(*files);
   if (all_written) Require(status, target.folder.string());
@@ -174,10 +183,16 @@ int Make(const MakeOptions& options) {
   const std::unique_ptr<CaptureEngine, LeaveToSystem> engine(MakeEngine(options.common, /*live=*/false).release());
   const Sources sources = OpenCaptures(options.captures);
   MakeFolders(options, &targets);
+  const auto has_pages = [](const Target& target) { return target.format->type == kOutputXml; };
+  if (std::ranges::any_of(targets, has_pages)) WarnOfMissingPages(options.common);
 
   ReadCaptures(options, sources, filter.get(), *engine);
   bool all_written = true;
-  for (const Target& target : targets) all_written &= WriteReport(options, target, *engine);
+  for (const Target& target : targets) {
+    StatusLine line(!options.common.no_progress);
+    line.Show(fmt::format("writing the report ({})", target.format->name));
+    all_written &= WriteReport(options, target, *engine, &line);
+  }
   return all_written ? kDone : kFailed;
 }
 
@@ -201,7 +216,7 @@ void AddMakeCommand(CLI::App& parser, Verb* verb) {
   command->add_option("--format", options->formats, "Report forms, joined by commas: " + FormatNames())
       ->type_name("LIST")
       ->capture_default_str();
-  command->add_flag("--live", options->live, "Report straight from the live statistics, marked with the current time");
+  AddFlag(*command, "--live", &options->live, "Report straight from the live statistics, marked with the current time");
   AddReportOptions(*command, &options->common);
   command->callback([verb, options] { *verb = [options] { return Make(*options); }; });
 }

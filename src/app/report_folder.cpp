@@ -16,7 +16,9 @@ fs::path MakeFolder(const fs::path& path) {
   std::error_code error;
   fs::path folder = fs::absolute(path, error);
   if (!error) fs::create_directories(folder, error);
-  if (error) throw CommandError(kFailed, fmt::format("{}: cannot be made: {}", path.string(), error.message()));
+  if (error)
+    throw CommandError(
+        kFailed, fmt::format("{}: this folder cannot be made ({}); name another one", path.string(), error.message()));
   if (access(folder.c_str(), W_OK | X_OK) != 0) {
     throw CommandError(kFailed,
                        fmt::format("{}: cannot be written: {}", path.string(), Describe(StatusFromErrno(errno))));

@@ -2,7 +2,9 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <vector>
 
 #include "app/component.h"
 #include "app/limits.h"
@@ -24,7 +26,12 @@ constexpr const char* kVendorFolder = "/usr/share/ieee-data";
 /// Names from the system's file, where there is one, and from the user's, which counts more.
 void LearnHosts(const ReportOptions& options, CaptureEngine& engine) {
   engine.LearnHosts(kSystemHosts);
-  if (!options.hosts.empty()) Require(engine.LearnHosts(options.hosts), options.hosts);
+  if (options.hosts.empty()) return;
+  const std::string subject = "--hosts " + options.hosts;
+  const Status status = engine.LearnHosts(options.hosts);
+  Require(status, subject);
+  if (status == S_FALSE && !options.no_names)
+    PrintWarning(subject + ": names no address; each line must read ADDRESS NAME");
 }
 
 /// What the user thinks of nodes of a wireless medium.
@@ -35,7 +42,7 @@ void ReadTrust(const std::string& path, EngineOptions* options) {
     throw CommandError(kUsage, fmt::format("--trust {}: \"{}\" must read ADDRESS known or ADDRESS trusted", path,
                                            Printable(bad_line)));
   }
-  Require(status, path);
+  Require(status, "--trust " + path);
 }
 
 struct TextOption {
@@ -43,6 +50,7 @@ struct TextOption {
   std::string ReportOptions::*value;
   const char* type;
   std::string help;
+  CLI::Validator check = NotEmpty();
 };
 
 }  // namespace
@@ -51,7 +59,8 @@ void AddReportOptions(CLI::App& command, ReportOptions* options) {
   const TextOption texts[] = {
       {"--report", &ReportOptions::report, "KIND", "What the xml form contains: " + ReportNames()},
       {"--templates", &ReportOptions::templates, "DIR",
-       "Folder with StatMap.xml, and Reports with the pages of the xml form (default: those that came along)"},
+       "Folder with StatMap.xml, and Reports with the pages of the xml form (default: those that came along)",
+       IsFolder()},
       {"--filter", &ReportOptions::filter, "EXPR",
        "Count only packets that this expression holds for, see pcap-filter(7)"},
       {"--hosts", &ReportOptions::hosts, "FILE", "Names of addresses, in the form of /etc/hosts, before all others"},
@@ -60,23 +69,23 @@ void AddReportOptions(CLI::App& command, ReportOptions* options) {
       {"--code-page", &ReportOptions::code_page, "NAME", "Encoding of text files (default: the locale's, else UTF-8)"},
   };
   for (const TextOption& text : texts) {
-    command.add_option(text.name, options->*text.value, text.help)->type_name(text.type)->check(NotEmpty());
+    command.add_option(text.name, options->*text.value, text.help)->type_name(text.type)->check(text.check);
   }
   AddSettingsOptions(command, &options->settings);
-  command.add_flag("--no-names", options->no_names, "Write plain addresses instead of names");
+  AddFlag(command, "--no-names", &options->no_names, "Write plain addresses instead of names");
   command.add_option("--limit", options->limits, "Rows that the engine keeps, as a bound on memory: " + LimitNames())
       ->type_name("NAME=N")
       ->allow_extra_args(false);
   command.add_option("--apdex", options->apdex, "Within how many seconds an answer satisfies")
       ->type_name("SECONDS")
-      ->check(CLI::Range(0.000001, 86400.0))
+      ->check(InRange(0.000001, 86400.0))
       ->capture_default_str();
-  command.add_flag("--no-progress", options->no_progress, "Show no progress on a terminal");
+  AddFlag(command, "--no-progress", &options->no_progress, "Show no progress on a terminal");
 }
 
 void ApplyLocale(const ReportOptions& options) {
   if (!options.locale.empty() && Failed(SetUserLocale(options.locale))) {
-    throw CommandError(kUsage, fmt::format("--locale {}: there is no such locale", options.locale));
+    throw CommandError(kUsage, fmt::format("--locale {}: there is no such locale (try de_DE, en-GB)", options.locale));
   }
   if (!options.code_page.empty() && Failed(SetCodePage(options.code_page))) {
     throw CommandError(
@@ -88,7 +97,7 @@ std::unique_ptr<PacketFilter> MakeFilter(const ReportOptions& options) {
   if (options.filter.empty()) return nullptr;
   SourceError error;
   auto filter = PacketFilter::Make(options.filter, &error);
-  if (!filter) throw CommandError(kUsage, fmt::format("--filter {}", error.message));
+  if (!filter) throw CommandError(kUsage, fmt::format("--filter {} (see pcap-filter(7))", error.message));
   return filter;
 }
 
@@ -107,6 +116,28 @@ std::u16string TemplateFolder(const ReportOptions& options) {
   const std::string templates = options.templates.empty() ? TemplatesBesideCommand() : options.templates;
   if (templates.empty()) return {};
   return PathFromSystem((std::filesystem::absolute(templates) / "").string());
+}
+
+void WarnOfMissingPages(const ReportOptions& options) {
+  namespace fs = std::filesystem;
+  const fs::path complete = fs::path(TemplatesBesideCommand()) / "Reports";
+  const fs::path wanted = options.templates.empty() ? complete : fs::path(options.templates) / "Reports";
+  std::error_code error;
+  if (!fs::exists(wanted / "Report.htm", error)) {
+    PrintWarning(fmt::format("{}: Report.htm is missing, so the report gets no page to begin with (--templates)",
+                             Printable(wanted.string())));
+    return;
+  }
+  std::vector<std::string> missing;
+  for (const fs::directory_entry& file : fs::recursive_directory_iterator(complete, error)) {
+    const fs::path name = file.path().lexically_relative(complete);
+    if (!fs::exists(wanted / name, error)) missing.push_back(name.string());
+  }
+  if (missing.empty()) return;
+  std::ranges::sort(missing);
+  const std::string others = missing.size() == 1 ? "" : fmt::format(" and {} others", missing.size() - 1);
+  PrintWarning(fmt::format("{}: {}{} missing, so some pages of the report show less (--templates)",
+                           Printable(wanted.string()), missing.front() + others, missing.size() == 1 ? " is" : " are"));
 }
 
 }  // namespace orvo::app

@@ -44,4 +44,8 @@ std::unique_ptr<CaptureEngine> MakeEngine(const ReportOptions& options, bool liv
 /// component's paths and with a separator at its end. Empty when there is none.
 std::u16string TemplateFolder(const ReportOptions& options);
 
+/// Warns when the templates of these options lack what the pages of a report in XML are made of: the report lacks it,
+/// too.
+void WarnOfMissingPages(const ReportOptions& options);
+
 }  // namespace orvo::app

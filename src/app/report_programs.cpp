@@ -43,8 +43,22 @@ std::string FindProgram(const std::string& program) {
       begin = end + 1;
     }
   }
-  if (!IsProgram(found)) throw CommandError(kUsage, fmt::format("--on-report {}: there is no such program", program));
-  return found;
+  if (IsProgram(found)) return found;
+  std::error_code error;
+  throw CommandError(kUsage, fmt::format("--on-report {}: {}", program,
+                                         fs::is_regular_file(found, error) ? "may not be executed; chmod +x lets it be"
+                                                                           : "there is no such program"));
+}
+
+/// Why a program that was found could not be started: its file is there, so that the errors about files mean something
+/// else.
+std::string WhyNotStarted(int error, const std::string& program) {
+  std::error_code ignored;
+  if (error == ENOENT && fs::exists(program, ignored))
+    return "the interpreter that its first line names does not exist";
+  if (error == ENOEXEC)
+    return "it is no program of this machine, and no first line such as #!/bin/sh names its interpreter";
+  return Describe(StatusFromErrno(error));
 }
 
 /// How a program begins: signals as they are for every other, nothing to read, and no file of ours.
@@ -122,7 +136,7 @@ void ReportPrograms::Start(const Call& call) {
   const int error =
       posix_spawn(&process, program_.c_str(), beginning.actions(), beginning.attributes(), words.data(), environ);
   if (error != 0) {
-    Warn("cannot be started: " + Describe(StatusFromErrno(error)));
+    Warn("cannot be started: " + WhyNotStarted(error, program_));
     return;
   }
   running_.push_back(process);

@@ -20,6 +20,7 @@
 #include "app/content_policy.h"
 #include "app/http_connection.h"
 #include "app/messages.h"
+#include "app/refused_page.h"
 
 namespace orvo::app {
 namespace {
@@ -112,20 +113,18 @@ std::optional<std::string> ReadPage(const ServedFile& file) {
   return bytes;
 }
 
-void SendPage(const ServedFile& file, const std::string& name, const Scripts& trusted, Response& response) {
+void SendPage(const ServedFile& file, const std::string& name, const TrustedPages& trusted, Response& response) {
   const std::optional<std::string> bytes = ReadPage(file);
   if (!bytes) return Refuse(response, 500, "this page cannot be read");
-  const std::optional<std::string> policy = ContentPolicy(name, *bytes, trusted);
-  if (!policy) {
-    return Refuse(response, 403,
-                  name +
-                      " has another script than the pages of this version of orvo-report, and is not shown.\n"
-                      "Make the report again into a new folder; or, when you trust the templates that it was made "
-                      "with, name their folder: orvo-report view DIR --templates FOLDER");
+  if (const std::optional<std::string> policy = ContentPolicy(name, *bytes, trusted.scripts)) {
+    response.status = 200;
+    response.set_header("Content-Security-Policy", *policy);
+    return response.set_content(*bytes, TypeOf(name));
   }
-  response.status = 200;
-  response.set_header("Content-Security-Policy", *policy);
-  response.set_content(*bytes, TypeOf(name));
+  const RefusedPage page = RefusePage(name, trusted);
+  response.status = 403;
+  response.set_header("Content-Security-Policy", page.policy);
+  response.set_content(page.html, TypeOf(name));
 }
 
 /// Sends a file, or a part of it, block by block. One that turns out to be shorter breaks the answer off.
@@ -134,6 +133,7 @@ void SendFile(std::shared_ptr<const ServedFile> file, const std::string& range, 
   const std::optional<Part> asked = ParseRange(range, size);
   response.set_header("Content-Security-Policy", kInertPolicy);
   response.set_header("Accept-Ranges", "bytes");
+  response.set_header("ETag", file->tag());
   if (asked && asked->begin >= asked->end) {
     response.set_header("Content-Range", fmt::format("bytes */{}", size));
     response.status = 416;
@@ -157,7 +157,7 @@ void SendFile(std::shared_ptr<const ServedFile> file, const std::string& range, 
 
 class ReportServer::Impl final : public httplib::Server {
  public:
-  Impl(const ServedFolder& folder, Scripts trusted)
+  Impl(const ServedFolder& folder, TrustedPages trusted)
       : folder_(folder), trusted_(std::move(trusted)), stop_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     if (stop_ < 0) Require(StatusFromErrno(errno), "the server");
     new_task_queue = [] { return new httplib::ThreadPool(kThreads); };
@@ -183,6 +183,12 @@ class ReportServer::Impl final : public httplib::Server {
   }
 
   int port() const { return port_; }
+
+  bool Refuses(const std::string& page) const {
+    const std::shared_ptr<const ServedFile> file = folder_.Open(page);
+    const std::optional<std::string> bytes = file ? ReadPage(*file) : std::nullopt;
+    return bytes && !ContentPolicy(page, *bytes, trusted_.scripts);
+  }
 
   bool Run() {
     listen_after_bind();
@@ -250,7 +256,7 @@ class ReportServer::Impl final : public httplib::Server {
   }
 
   const ServedFolder& folder_;
-  const Scripts trusted_;
+  const TrustedPages trusted_;
   int stop_;
   int port_ = -1;
   std::atomic<bool> is_stopping_ = false;
@@ -259,9 +265,13 @@ class ReportServer::Impl final : public httplib::Server {
   bool has_ended_ = false;
 };
 
-ReportServer::ReportServer(const ServedFolder& folder, Scripts trusted)
+ReportServer::ReportServer(const ServedFolder& folder, TrustedPages trusted)
     : impl_(std::make_unique<Impl>(folder, std::move(trusted))) {}
 ReportServer::~ReportServer() = default;
+
+bool ReportServer::Refuses(const std::string& page) const {
+  return impl_->Refuses(page);
+}
 
 void ReportServer::Bind(int port) {
   impl_->Bind(port);

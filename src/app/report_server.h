@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "app/content_policy.h"
+#include "app/refused_page.h"
 #include "app/served_folder.h"
 
 namespace orvo::app {
@@ -14,11 +14,13 @@ namespace orvo::app {
 class ReportServer {
  public:
   /// `folder` must outlive the server. Of its pages, those run that have no script but `trusted` ones.
-  ReportServer(const ServedFolder& folder, Scripts trusted);
+  ReportServer(const ServedFolder& folder, TrustedPages trusted);
   ReportServer(const ReportServer&) = delete;
   ReportServer& operator=(const ReportServer&) = delete;
   ~ReportServer();
 
+  /// True for a page of the front end that is there and is not shown, as its script is not trusted.
+  bool Refuses(const std::string& page) const;
   /// Takes a port of the loopback address, a free one for 0. Raises a CommandError when it cannot be had.
   void Bind(int port);
   /// "http://127.0.0.1:8080/", once bound.

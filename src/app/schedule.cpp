@@ -8,6 +8,7 @@
 #include "app/component.h"
 #include "app/messages.h"
 #include "app/settings.h"
+#include "platform/code_page.h"
 #include "platform/path.h"
 #include "util/persist_xml.h"
 
@@ -52,6 +53,20 @@ void CheckInterval(const std::string& file, const Setting& setting, ISkryStatsOu
   }
 }
 
+/// Every report would fail below a path that the system cannot have.
+void CheckReportPath(const std::string& file, ISkryStatsOutput& scheduler) {
+  Bstr user;
+  Bstr report;
+  Require(scheduler.GetUserPath(user.Out()), kSubject);
+  Require(scheduler.GetReportPath(report.Out()), kSubject);
+  std::string system;
+  const bool names_drive = report.view().find(u":\\") != std::u16string_view::npos;
+  if (!names_drive && Succeeded(PathToSystem(std::u16string(user.view()).append(report.view()), &system))) return;
+  throw CommandError(kFailed, fmt::format("{}: reportPath=\"{}\" cannot be made below the folder of --out; separate "
+                                          "folders by backslashes, and name no drive",
+                                          file, ToUtf8(report.view())));
+}
+
 bool IsOn(Status (ISkryStatsOutput::*get)(std::int32_t*), ISkryStatsOutput& scheduler) {
   std::int32_t value = 0;
   Require((scheduler.*get)(&value), kSubject);
@@ -81,9 +96,9 @@ void ApplyChoice(const ScheduleChoice& choice, ISkryStatsOutput& scheduler) {
 Interval ParseInterval(std::string_view option, std::string_view text) {
   std::uint32_t value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  const auto* unit = std::ranges::find_if(kUnits, [&](const Unit& one) {
-    return std::string_view(end, text.data() + text.size()) == std::string_view(&one.letter, 1);
-  });
+  const std::string_view letters(end, text.data() + text.size());
+  const auto* unit =
+      std::ranges::find_if(kUnits, [letters](const Unit& one) { return letters == std::string_view(&one.letter, 1); });
   if (error == std::errc::invalid_argument || unit == std::end(kUnits)) {
     throw CommandError(
         kUsage, fmt::format("{} {}: must be a whole number and its unit, s, m, h or d, such as 15m", option, text));
@@ -107,6 +122,7 @@ void ApplySchedule(const std::string& settings_file, const ScheduleChoice& choic
   if (!settings_file.empty()) SettingsFile(settings_file).LoadInto(scheduler);
   ApplyChoice(choice, scheduler);
   // Those of the options were looked at when they were read; what is wrong now comes from the file.
+  CheckReportPath(settings_file, scheduler);
   CheckInterval(settings_file, kOutputInterval, scheduler);
   if (IsOn(&ISkryStatsOutput::GetNewSetEnabled, scheduler) && IsOn(&ISkryStatsOutput::GetScheduled, scheduler)) {
     CheckInterval(settings_file, kNewSetInterval, scheduler);

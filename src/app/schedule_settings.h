@@ -3,12 +3,14 @@
 #include <span>
 #include <string_view>
 
+#include "platform/variant.h"
+
 namespace orvo::app {
 
 /// A setting of the scheduler: the attribute of its element, and what it means.
 struct ScheduleSetting {
   std::string_view name;
-  bool is_text;  ///< else a whole number
+  VariantType type;  ///< what the scheduler reads the attribute as
   std::string_view explanation;
 };
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <system_error>
 
 #include "app/messages.h"
 
@@ -32,6 +33,11 @@ int OpenAt(int folder, const std::string& name, int flags) {
   return descriptor;
 }
 
+std::string TagOf(const struct stat& details) {
+  return fmt::format("\"{:x}-{:x}-{:x}.{:x}\"", details.st_ino, details.st_size, details.st_mtim.tv_sec,
+                     details.st_mtim.tv_nsec);
+}
+
 }  // namespace
 
 ServedFile::~ServedFile() {
@@ -47,7 +53,9 @@ std::size_t ServedFile::ReadAt(std::uint64_t offset, char* destination, std::siz
 }
 
 ServedFolder::ServedFolder(const std::string& path) : descriptor_(OpenAt(AT_FDCWD, path, kFolderFlags)) {
-  if (descriptor_ < 0) throw CommandError(kFailed, fmt::format("{}: {}", path, Describe(StatusFromErrno(errno))));
+  if (descriptor_ >= 0) return;
+  throw CommandError(kFailed, fmt::format("{}: cannot be opened ({}); name the folder of a report", path,
+                                          std::generic_category().message(errno)));
 }
 
 ServedFolder::~ServedFolder() {
@@ -72,7 +80,7 @@ std::shared_ptr<const ServedFile> ServedFolder::Open(std::string_view path) cons
     close(opened);
     return nullptr;
   }
-  return std::make_shared<const ServedFile>(opened, static_cast<std::uint64_t>(details.st_size));
+  return std::make_shared<const ServedFile>(opened, static_cast<std::uint64_t>(details.st_size), TagOf(details));
 }
 
 }  // namespace orvo::app

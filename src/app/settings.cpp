@@ -8,9 +8,12 @@
 
 #include "app/component.h"
 #include "app/schedule_settings.h"
+#include "app/suggestion.h"
+#include "app/unknown_names.h"
 #include "platform/code_page.h"
 #include "platform/path.h"
 #include "platform/xml_interfaces.h"
+#include "platform/xml_tree.h"
 #include "prefs/switch_table.h"
 #include "util/persist_xml.h"
 
@@ -32,14 +35,16 @@ std::string_view GroupElement(const Switch& entry) {
   return kSwitchGroupElements[static_cast<std::size_t>(entry.group)];
 }
 
-/// An attribute that should be a number and is none, as it stands in the document; empty when it is one.
-std::string BadNumber(IXmlElement& element, std::string_view name) {
+/// Ends the command when an attribute should be a number of this type (VT_I4 or VT_UI4) and is none.
+void CheckNumber(const std::string& file, IXmlElement& element, std::string_view name, VariantType type) {
   Variant text;
   Variant number;
-  if (element.GetAttribute(Wide(name).c_str(), &text) != S_OK || Succeeded(ChangeType(&number, text, VT_I4))) return {};
+  if (element.GetAttribute(Wide(name).c_str(), &text) != S_OK || Succeeded(ChangeType(&number, text, type))) return;
   std::u16string shown(text.text());
   if (shown.size() > kLongestShownValue) shown = shown.substr(0, kLongestShownValue) + u"...";
-  return fmt::format("{}=\"{}\"", name, ToUtf8(shown));
+  throw CommandError(kFailed,
+                     fmt::format("{}: {}=\"{}\" is no whole number {}", file, name, ToUtf8(shown),
+                                 type == VT_UI4 ? "from 0 to 4294967295" : "of 32 bits; write 0 for off, 1 for on"));
 }
 
 /// The element of that name below a node; null when there is none.
@@ -50,16 +55,23 @@ ComPtr<IXmlElement> ChildElement(IXmlNode& node, std::u16string_view name) {
   return element;
 }
 
-/// The switch whose value in the document is no number, with that value; empty when all are numbers.
-std::string BadSwitch(IXmlNode& node) {
+/// Ends the command when a switch is set to what is no number.
+void CheckSwitches(const std::string& file, IXmlNode& node) {
   const ComPtr<IXmlElement> switches = ChildElement(node, kSwitchesNode);
-  if (!switches) return {};
+  if (!switches) return;
   for (const Switch& entry : kSwitches) {
     const ComPtr<IXmlElement> group = ChildElement(*switches, Wide(GroupElement(entry)));
-    if (!group) continue;
-    if (std::string bad = BadNumber(*group, entry.name); !bad.empty()) return bad;
+    if (group) CheckNumber(file, *group, entry.name, VT_I4);
   }
-  return {};
+}
+
+/// The same for the settings of the scheduler.
+void CheckSchedule(const std::string& file, IXmlNode& node) {
+  const ComPtr<IXmlElement> element = ChildElement(node, kScheduleElement);
+  if (!element) return;
+  for (const ScheduleSetting& setting : ScheduleSettings()) {
+    if (setting.type != VT_BSTR) CheckNumber(file, *element, setting.name, setting.type);
+  }
 }
 
 /// Ends the command for what is there but can be no settings file: a pipe, a device, something huge.
@@ -76,17 +88,14 @@ void CheckKindAndSize(const std::string& file) {
   }
 }
 
-/// Ends the command for the settings of a file that an object could not read.
-[[noreturn]] void RefuseValue(const std::string& file, std::string_view value) {
-  throw CommandError(kFailed,
-                     fmt::format("{}: {} is no whole number of 32 bits; write 0 for off, 1 for on", file, value));
-}
-
 const Switch& FindSwitch(std::string_view name) {
   const auto* found = std::ranges::find(kSwitches, name, &Switch::name);
   if (found != kSwitches.end()) return *found;
-  throw CommandError(kUsage,
-                     fmt::format("--set {}: there is no such switch (list them with: orvo-report settings)", name));
+  std::vector<std::string_view> names;
+  names.reserve(std::size(kSwitches));
+  for (const Switch& entry : kSwitches) names.push_back(entry.name);
+  throw CommandError(kUsage, fmt::format("--set {}: there is no such switch{} (list them with: orvo-report settings)",
+                                         name, Suggestion(name, names)));
 }
 
 void Assign(IStatsOutputPrefs& preferences, const std::string& assignment) {
@@ -114,7 +123,11 @@ SettingsFile::SettingsFile(const std::string& file) : file_(file) {
   Require(CreateXmlDocument(document_.Out()), file);
   const Status loaded = document_->Load(path.c_str());
   if (loaded == E_FAIL)
-    throw CommandError(kFailed, fmt::format("{}: is not a well-formed XML document, or nests too deep", file));
+    throw CommandError(
+        kFailed,
+        fmt::format(
+            "{}: is not a well-formed XML document, or nests too deep (print a template with: orvo-report settings)",
+            file));
   Require(loaded, file);
 
   // The elements lie below the document's root, or one of them is that root.
@@ -129,21 +142,22 @@ SettingsFile::SettingsFile(const std::string& file) : file_(file) {
 
 void SettingsFile::LoadInto(IStatsOutputPrefs& preferences) const {
   const Status status = Load(&preferences);
-  if (Succeeded(status)) return;
-  if (const std::string bad = BadSwitch(*node_); !bad.empty()) RefuseValue(file_, bad);
+  if (Failed(status)) CheckSwitches(file_, *node_);
   Require(status, file_);
 }
 
 void SettingsFile::LoadInto(ISkryStatsOutput& scheduler) const {
   const Status status = Load(&scheduler);
-  if (Succeeded(status)) return;
-  if (const ComPtr<IXmlElement> element = ChildElement(*node_, kScheduleElement)) {
-    for (const ScheduleSetting& setting : ScheduleSettings()) {
-      if (setting.is_text) continue;
-      if (const std::string bad = BadNumber(*element, setting.name); !bad.empty()) RefuseValue(file_, bad);
-    }
-  }
+  if (Failed(status)) CheckSchedule(file_, *node_);
   Require(status, file_);
+}
+
+std::vector<std::string> SettingsFile::UnknownNames() const {
+  Bstr text;
+  XmlTree tree;
+  Require(document_->GetText(text.Out()), file_);
+  Require(tree.LoadText(ToUtf8(text.view())), file_);
+  return app::UnknownNames(tree.Root());
 }
 
 Status SettingsFile::Load(IUnknown* object) const {
@@ -155,6 +169,13 @@ Status SettingsFile::Load(IUnknown* object) const {
 void ApplyPreferences(const SettingsOptions& options, IStatsOutputPrefs& preferences) {
   if (!options.file.empty()) SettingsFile(options.file).LoadInto(preferences);
   for (const std::string& assignment : options.assignments) Assign(preferences, assignment);
+}
+
+void WarnOfUnknownNames(const SettingsOptions& options) {
+  if (options.file.empty()) return;
+  for (const std::string& unknown : SettingsFile(options.file).UnknownNames()) {
+    PrintWarning(fmt::format("{}: {}", options.file, unknown));
+  }
 }
 
 ComPtr<IStatsOutputPrefs> LoadPreferences(const SettingsOptions& options) {

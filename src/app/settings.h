@@ -26,6 +26,8 @@ class SettingsFile {
   /// may have been changed by then.
   void LoadInto(IStatsOutputPrefs& preferences) const;
   void LoadInto(ISkryStatsOutput& scheduler) const;
+  /// A sentence about each element and attribute that is no setting, and so is passed over.
+  std::vector<std::string> UnknownNames() const;
 
  private:
   Status Load(IUnknown* object) const;
@@ -38,6 +40,10 @@ class SettingsFile {
 /// Changes switches: by the settings file, then by the single assignments. Ends the command for a file that cannot be
 /// read or holds no usable settings, and (wrong usage) for a switch that does not exist.
 void ApplyPreferences(const SettingsOptions& options, IStatsOutputPrefs& preferences);
+
+/// Prints a warning for each name in the settings file that is no setting's. Ends the command for a file that cannot be
+/// read or holds no settings.
+void WarnOfUnknownNames(const SettingsOptions& options);
 
 /// New preferences, the defaults with these changes.
 ComPtr<IStatsOutputPrefs> LoadPreferences(const SettingsOptions& options);

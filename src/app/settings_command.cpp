@@ -1,5 +1,3 @@
-#include <fmt/core.h>
-
 #include <memory>
 
 #include "app/messages.h"
@@ -9,17 +7,6 @@
 
 namespace orvo::app {
 
-CLI::Validator NotEmpty() {
-  return {[](const std::string& value) { return value.empty() ? "must not be empty" : ""; }, ""};
-}
-
-void AddSettingsOptions(CLI::App& command, SettingsOptions* options) {
-  command.add_option("--settings", options->file, "Settings file to start from")->type_name("FILE")->check(NotEmpty());
-  command.add_option("--set", options->assignments, "Set one switch, after the settings file (repeatable)")
-      ->type_name("NAME=VALUE")
-      ->allow_extra_args(false);
-}
-
 void AddSettingsCommand(CLI::App& parser, Verb* verb) {
   CLI::App* command = parser.add_subcommand("settings", "Print the settings document, every switch explained");
   auto options = std::make_shared<SettingsOptions>();
@@ -27,6 +14,7 @@ void AddSettingsCommand(CLI::App& parser, Verb* verb) {
   command->callback([verb, options] {
     *verb = [options] {
       const ComPtr<ISkryStatsOutput> scheduler = MakeScheduler();
+      WarnOfUnknownNames(*options);
       if (!options->file.empty()) SettingsFile(options->file).LoadInto(*scheduler);
       PrintOutput(SettingsDocument(*LoadPreferences(*options), *scheduler));
       return static_cast<int>(kDone);

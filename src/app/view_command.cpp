@@ -9,7 +9,6 @@
 
 #include "app/browser.h"
 #include "app/component.h"
-#include "app/content_policy.h"
 #include "app/messages.h"
 #include "app/options.h"
 #include "app/report_server.h"
@@ -35,11 +34,34 @@ void RequirePages(const ServedFolder& folder, const std::string& path) {
                      fmt::format("{}: holds no report with pages, as Report.htm is missing ({})", path, advice));
 }
 
+TrustedPages PagesToTrust(const ViewOptions& options) {
+  TrustedPages pages;
+  pages.report = options.folder;
+  pages.templates = options.templates.empty() ? TemplatesBesideCommand() : options.templates;
+  pages.scripts = TrustedScripts(pages.templates);
+  // Without any, no page of any report would be shown.
+  if (pages.scripts.empty())
+    throw CommandError(
+        kFailed,
+        fmt::format("{}: holds no pages of reports, as Reports/Report.htm is missing (--templates)", pages.templates));
+  return pages;
+}
+
+/// Whoever waits for the page to say it has gone to the browser in vain.
+void WarnOfRefusedPages(const ReportServer& server, const std::string& folder) {
+  if (!server.Refuses("Report.htm")) return;
+  PrintWarning(
+      fmt::format("{}: Report.htm has a script of another version or of other templates, and is not shown; the "
+                  "page that is shown instead says what to do",
+                  folder));
+}
+
 int View(const ViewOptions& options) {
   const ServedFolder folder(options.folder);
   RequirePages(folder, options.folder);
-  ReportServer server(folder, TrustedScripts(options.templates.empty() ? TemplatesBesideCommand() : options.templates));
+  ReportServer server(folder, PagesToTrust(options));
   server.Bind(options.port);
+  WarnOfRefusedPages(server, options.folder);
 
   // Blocked before there is a second thread, so that only the wait below gets them.
   sigset_t signals;
@@ -77,10 +99,11 @@ void AddViewCommand(CLI::App& parser, Verb* verb) {
   command->add_option("DIR", options->folder, "Folder of the report")->required()->type_name("")->check(NotEmpty());
   command->add_option("--port", options->port, "Port of 127.0.0.1 to show it on (default: a free one)")
       ->type_name("N")
-      ->check(CLI::Range(0, 65535));
+      ->check(InRange(0, 65535));
   command->add_option("--templates", options->templates, "Folder of the templates whose pages may run their scripts")
-      ->type_name("DIR");
-  command->add_flag("--open", options->open, "Start the desktop's browser");
+      ->type_name("DIR")
+      ->check(IsFolder());
+  AddFlag(*command, "--open", &options->open, "Start the desktop's browser");
   command->callback([verb, options] { *verb = [options] { return View(*options); }; });
 }
 

@@ -46,13 +46,14 @@ Wakeup::~Wakeup() {
   close(signals_);
 }
 
-void Wakeup::Wait(int milliseconds) {
-  std::array<pollfd, 2> ends{{{signals_, POLLIN, 0}, {event_, POLLIN, 0}}};
+void Wakeup::Wait(int milliseconds, int descriptor) {
+  std::array<pollfd, 3> ends{{{signals_, POLLIN, 0}, {event_, POLLIN, 0}, {descriptor, POLLIN, 0}}};
   if (poll(ends.data(), ends.size(), milliseconds) <= 0) return;
   std::uint64_t count = 0;
   (void)!read(event_, &count, sizeof count);
 }
 
+// NOLINTBEGIN(readability-make-member-function-const): these change what waits, if not the object.
 void Wakeup::Wake() noexcept {
   const std::uint64_t one = 1;
   (void)!write(event_, &one, sizeof one);
@@ -63,6 +64,7 @@ std::optional<int> Wakeup::NextSignal() {
   if (read(signals_, &signal, sizeof signal) != static_cast<ssize_t>(sizeof signal)) return std::nullopt;
   return static_cast<int>(signal.ssi_signo);
 }
+// NOLINTEND(readability-make-member-function-const)
 
 void Wakeup::EndBy(int signal) {
   const sigset_t ending = SetOf({signal});

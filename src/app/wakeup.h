@@ -14,8 +14,9 @@ class Wakeup {
   Wakeup& operator=(const Wakeup&) = delete;
   ~Wakeup();
 
-  /// Waits for a signal, a Wake, or until the time is over; without end when it is negative.
-  void Wait(int milliseconds);
+  /// Waits for a signal, a Wake, or until the time is over; without end when it is negative. Also until there is
+  /// something to be read from a descriptor, if that is not negative.
+  void Wait(int milliseconds, int descriptor = -1);
   /// Ends a Wait, or the next one. Called by any thread.
   void Wake() noexcept;
   /// A signal that has arrived and was not taken yet.

@@ -4,9 +4,12 @@
 
 #include <chrono>
 #include <csignal>
+#include <filesystem>
+#include <limits>
 #include <utility>
 
 #include "app/component.h"
+#include "app/report_folder.h"
 #include "app/report_kinds.h"
 #include "platform/locale.h"
 
@@ -14,7 +17,8 @@ namespace orvo::app {
 namespace {
 
 constexpr const char* kScheduler = "the scheduler";
-constexpr std::uint32_t kWritten = 0;     // the severity of a report that was written
+constexpr std::uint32_t kWritten = 0;  // the severity of a report that was written
+constexpr std::uint64_t kNotReported = std::numeric_limits<std::uint64_t>::max();
 constexpr int kBetweenStatusLines = 500;  // milliseconds
 constexpr std::chrono::seconds kPatienceWithPrograms(10);
 constexpr std::chrono::milliseconds kOneWish(500);  // signals to end so close to each other mean the same
@@ -56,6 +60,7 @@ Watch::Watch(const WatchParts& parts)
       status_(!parts.options.no_progress),
       context_(parts.engine.Context()),
       graphs_(parts.engine.Graphs()) {
+  WarnOfUnknownNames(parts_.options.settings);
   preferences_ = LoadPreferences(parts_.options.settings);
   ChooseReport(parts_.options.report, *preferences_);
   scheduler_ = MakeScheduler();
@@ -89,10 +94,19 @@ void Watch::SetUp() {
   Require(scheduler_->SetContext(context_.get()), kScheduler);
   Require(scheduler_->SetGraphs(graphs_.get()), kScheduler);
   Require(scheduler_->SetNotifySink(notifications_.get(), {}), kScheduler);
+  if (format.type == kOutputXml) WarnOfMissingPages(parts_.options);
   if (const std::u16string templates = TemplateFolder(parts_.options); !templates.empty()) {
     Require(scheduler_->SetTemplateRoot(Bstr(templates).get()), kScheduler);
   }
   parts_.engine.SetObserver(notifications_->observer());
+  HearOfReports();
+}
+
+void Watch::HearOfReports() {
+  std::int32_t notify = 0;
+  Require(scheduler_->GetNotify(&notify), kScheduler);
+  tells_ = notify != 0;
+  Require(scheduler_->SetNotify(1), kScheduler);
 }
 
 bool Watch::Run() {
@@ -100,9 +114,10 @@ bool Watch::Run() {
   feeder_.Start();
   while (!finished_) {
     ShowStatus();
-    parts_.wakeup.Wait(status_.wanted() ? kBetweenStatusLines : -1);
+    parts_.wakeup.Wait(status_.wanted() ? kBetweenStatusLines : -1, parts_.link.descriptor());
     TakeSignals();
     Tell();
+    TellOfLink();
     parts_.programs.Tend();
     Advance();
   }
@@ -128,15 +143,43 @@ void Watch::Tell() {
   for (const Notification& notification : notifications_->Take()) {
     status_.Clear();
     reported_well_ = notification.severity == kWritten;
-    PrintOutput(fmt::format("{} {} {}\n", TimeText(notification.time), reported_well_ ? "info" : "error",
-                            Printable(notification.text)));
-    parts_.programs.Add(notification.severity, notification.text);
+    if (tells_) {
+      PrintOutput(fmt::format("{} {} {}\n", TimeText(notification.time), reported_well_ ? "info" : "error",
+                              Printable(notification.text)));
+      parts_.programs.Add(notification.severity, notification.text);
+    }
+    if (reported_well_) continue;
+    reported_ = kNotReported;
+    TellOfFolder();
   }
   for (const std::string& problem : notifications_->TakeProblems()) {
     status_.Clear();
     reported_well_ = false;
     PrintMessage(problem);
   }
+}
+
+void Watch::TellOfFolder() {
+  try {
+    Bstr user;
+    Bstr report;
+    std::int32_t sets = 0;
+    Require(scheduler_->GetUserPath(user.Out()), kScheduler);
+    Require(scheduler_->GetReportPath(report.Out()), kScheduler);
+    Require(scheduler_->GetNewSetEnabled(&sets), kScheduler);
+    const std::filesystem::path folder = SystemPath(std::u16string(user.view()).append(report.view()));
+    MakeFolder(sets != 0 ? folder.parent_path() : folder);
+  } catch (const CommandError& error) {
+    PrintMessage(error.message());
+  }
+}
+
+void Watch::TellOfLink() {
+  const std::optional<bool> up = parts_.link.Change();
+  if (!up) return;
+  status_.Clear();
+  PrintWarning(
+      fmt::format("{}: {}", parts_.what, *up ? "is up again" : "is down; no packets come until it is up again"));
 }
 
 void Watch::Advance() {
@@ -182,10 +225,13 @@ void Watch::Reload() {
     CopySchedule(*scheduler_, *trial);
     ApplySchedule(file, parts_.choice, *trial);
     LoadPreferences(parts_.options.settings);
+    WarnOfUnknownNames(parts_.options.settings);
 
     Require(startable_->Stop(), kScheduler);
     const ToldOnce before(*scheduler_);
+    Require(scheduler_->SetNotify(tells_ ? 1 : 0), kScheduler);
     ApplySchedule(file, parts_.choice, *scheduler_);
+    HearOfReports();
     const ToldOnce after(*scheduler_);
     // The output method is the one of the old type, and may not have been told its format yet.
     Require(scheduler_->SetOutputType(before.type), kScheduler);
@@ -237,8 +283,8 @@ void Watch::FinishPrograms() {
     TakeSignals();
   }
   if (parts_.programs.running() == 0) return;
-  PrintWarning(fmt::format("--on-report: {} programs still run, {} were not started", parts_.programs.running(),
-                           parts_.programs.waiting()));
+  PrintWarning(fmt::format("--on-report: programs that still run: {}, reports for which none was started: {}",
+                           parts_.programs.running(), parts_.programs.waiting()));
 }
 
 }  // namespace orvo::app

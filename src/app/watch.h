@@ -14,6 +14,7 @@
 #include "app/schedule.h"
 #include "app/steered_clock.h"
 #include "app/wakeup.h"
+#include "capture/source/link_state.h"
 
 namespace orvo::app {
 
@@ -24,6 +25,7 @@ struct WatchParts {
   std::string what;  ///< the name of the interface or capture
   PacketSource& source;
   WaitingSource& waiting;  ///< what ends the source
+  LinkState& link;         ///< that of the interface
   CaptureEngine& engine;
   Wakeup& wakeup;
   ReportPrograms& programs;
@@ -45,8 +47,13 @@ class Watch {
   struct ToldOnce;
 
   void SetUp();
+  /// Whether reports are told of is decided here from now on: the watch itself always hears of them, for its end.
+  void HearOfReports();
   void TakeSignals();
   void Tell();
+  /// What is wrong with the folder that reports or their sets go into; a report that failed does not say.
+  void TellOfFolder();
+  void TellOfLink();
   void Advance();
   void End();
   void Reload();
@@ -66,9 +73,11 @@ class Watch {
   ComPtr<IStatsOutputPrefs> preferences_;
   ComPtr<ISkryStatsOutput> scheduler_;
   ComPtr<IStartable> startable_;
-  std::atomic<std::uint64_t> reported_ = 0;  // packets that were counted when the latest report began
+  /// The packets that were counted when the latest report began; more than there can be when it failed.
+  std::atomic<std::uint64_t> reported_ = 0;
   std::optional<std::chrono::steady_clock::time_point> asked_to_end_;  // by a signal
   std::atomic<bool> has_reported_ = false;
+  bool tells_ = true;  // of reports
   bool announced_ = false;
   bool reload_ = false;
   bool ending_ = false;

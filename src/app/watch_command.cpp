@@ -14,6 +14,7 @@
 #include "app/watch.h"
 #include "capture/source/capture_file.h"
 #include "capture/source/interface_source.h"
+#include "capture/source/link_state.h"
 #include "capture/source/replay_source.h"
 
 namespace orvo::app {
@@ -110,6 +111,7 @@ int RunWatch(const WatchOptions& options) {
   ReportPrograms programs(options.on_report);
   const bool live = !options.interface.empty();
   const Source source = live ? OpenLive(options) : OpenReplay(options);
+  LinkState link(options.interface);
   // From here on there are threads, which have the privileges and signals of the one that starts them.
   Wakeup wakeup;
   const std::unique_ptr<CaptureEngine> engine = MakeEngine(options.common, live);
@@ -122,6 +124,7 @@ int RunWatch(const WatchOptions& options) {
                  .what = live ? options.interface : fs::path(options.replay).filename().string(),
                  .source = *source.waiting,
                  .waiting = *source.waiting,
+                 .link = link,
                  .engine = *engine,
                  .wakeup = wakeup,
                  .programs = programs});
@@ -150,7 +153,7 @@ void AddWatchCommand(CLI::App& parser, Verb* verb, bool* privileged) {
   what->require_option(1);
   command->add_option("--speed", options->speed, "Replay so many times as fast")
       ->type_name("N")
-      ->check(CLI::Range(0.001, 1e9))
+      ->check(InRange(0.001, 1e9))
       ->needs(replay)
       ->capture_default_str();
   command->add_option("--out", options->common.out, "Folder of all reports, made when missing")

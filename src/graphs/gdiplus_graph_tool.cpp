@@ -25,9 +25,6 @@ constexpr double kBottomPadding = 5;
 /// Numbers beyond it have no place on an axis: the sum of two must be a number.
 constexpr double kGreatestValue = 1e300;
 
-/// What is measured for the height of the title, whatever the title is.
-constexpr std::u16string_view kSampleTitle = u"Sample title";
-
 /// A line for which there is no room is written in smaller letters, down to this size, before it is cut.
 constexpr double kSmallestTitle = 8;
 
@@ -38,7 +35,8 @@ TextLine FitTitle(std::u16string_view text, Font font, double room) {
   return {text, font, room};
 }
 
-/// One or two lines, centred at the top of the picture.
+/// One or two lines, centred at the top of the picture. There is room for a line of the title's font, whatever the
+/// title is, so that all charts of a size have their plots at one height.
 class TitleBlock {
  public:
   TitleBlock(const ChartOptions& options, bool is_pie, const RectF& area) : area_(area) {

@@ -44,7 +44,7 @@ void DrawTotals(PdfReport& report, const Totals& totals, PdfCursor* cursor) {
   }
 }
 
-/// A chart of the dashboard. `draw` fails, too, when the capture has nothing to draw.
+/// A chart of the dashboard. `draw` answers S_FALSE when the capture has nothing to draw.
 struct DashboardChart {
   std::u16string_view name;
   std::int32_t width;  ///< in pixels; 0 for what lies between the margins, a pixel to the point
@@ -55,16 +55,17 @@ struct DashboardChart {
 
 Status DrawTraffic(PdfReport& report, const char16_t* path, std::int32_t width, std::int32_t height) {
   const ComPtr<ITrafficHistory> history = Obtain(*report.job.live, kTrafficHistoryCategory);
-  return report.util.TrafficHistoryChart(history.get(), path, width, height);
+  return history ? report.util.TrafficHistoryChart(history.get(), path, width, height) : S_FALSE;
 }
 
 Status DrawTopTalkers(PdfReport& report, const char16_t* path, std::int32_t width, std::int32_t height) {
+  if (!Obtain(*report.job.live, kTopTalkerCategory)) return S_FALSE;
   return report.util.TopTalkersChart(report.job.live, path, width, height);
 }
 
 Status DrawSizes(PdfReport& report, const char16_t* path, std::int32_t width, std::int32_t height) {
   const ComPtr<ISizeStats> sizes = Obtain(*report.job.live, kSizeCategory);
-  return report.util.SizeDistributionChart(sizes.get(), path, width, height);
+  return sizes ? report.util.SizeDistributionChart(sizes.get(), path, width, height) : S_FALSE;
 }
 
 // On A4 the third finds room only where one of the first two is missing.

@@ -91,10 +91,10 @@ std::string GroupTitle(std::u16string_view title) {
   return narrow;
 }
 
-/// The length of a path as the file system takes it.
-void CheckPathLength(std::u16string_view path, std::size_t most_bytes) {
+/// Whether a path has more bytes than that, as the file system takes it.
+bool IsLonger(std::u16string_view path, std::size_t most_bytes) {
   std::string system;
-  if (Succeeded(PathToSystem(path, &system)) && system.size() > most_bytes) Raise(E_UNEXPECTED);
+  return Succeeded(PathToSystem(path, &system)) && system.size() > most_bytes;
 }
 
 /// The pixels row by row, three bytes each.
@@ -376,7 +376,7 @@ PdfPage* PdfDocument::CurrentPage() const {
 
 bool PdfDocument::DrawImageFitWidth(std::u16string_view path, float* y) noexcept {
   return Attempt([&] {
-    CheckPathLength(path, kPdfMaxImagePathBytes);
+    if (IsLonger(path, kPdfMaxImagePathBytes)) return false;
     Bitmap bitmap;
     Check(Bitmap::Load(path, &bitmap));
     const float width = PageWidth(CurrentPage()) - kPdfSideMargins;
@@ -387,7 +387,7 @@ bool PdfDocument::DrawImageFitWidth(std::u16string_view path, float* y) noexcept
 
 bool PdfDocument::DrawImageFitHeight(std::u16string_view path, float* y, float height) noexcept {
   return Attempt([&] {
-    CheckPathLength(path, kPdfMaxImagePathBytes);
+    if (IsLonger(path, kPdfMaxImagePathBytes)) return false;
     Bitmap bitmap;
     Check(Bitmap::Load(path, &bitmap));
     const float width = static_cast<float>(bitmap.width()) * height / static_cast<float>(bitmap.height());
@@ -398,7 +398,10 @@ bool PdfDocument::DrawImageFitHeight(std::u16string_view path, float* y, float h
 void PdfDocument::Save(std::u16string_view path, Status* cause) {
   if (cause) *cause = S_OK;
   Operation([&] {
-    CheckPathLength(path, kPdfMaxPathBytes);
+    if (IsLonger(path, kPdfMaxPathBytes)) {
+      if (cause) *cause = StatusFromError(kErrorNameTooLong);
+      Raise(E_UNEXPECTED);
+    }
     library_->Finish();
     // The library would write the file itself, but not look whether the system took the last of it.
     const Status written = ReplaceFile(path, [&] { return library_->NextBlock(); });

@@ -51,8 +51,8 @@ class PdfDocument {
   PdfOutline* CreateChildOutline(PdfOutline* parent, std::u16string_view title);
 
   /// Writes the document beside the file, makes the bytes durable, and renames: what was there before, or the whole
-  /// document. Raises E_FAIL when the library or the file system refuses; `cause`, where given, then gets the
-  /// platform's status for it, and S_OK otherwise.
+  /// document. Raises E_FAIL when the library or the file system refuses; `cause`, where given, gets the platform's
+  /// status for that or for a path that is too long, and S_OK otherwise.
   void Save(std::u16string_view path, Status* cause = nullptr);
 
   /// Adds a page with its footer. If `*bookmark_pending` and the title is not empty, clears the flag and makes an entry

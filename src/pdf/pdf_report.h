@@ -19,6 +19,7 @@ struct PdfReport {
   PdfDocument& document;
   std::uint64_t time_mark;
   bool lacks_site;             ///< no capture runs behind the statistics
+  IReportObserver* observer;   ///< null for none
   std::u16string time_text{};  ///< of the time mark
   ComPtr<IAddressTable> addresses{};
   std::uint64_t rows = 0;       ///< of all tables so far

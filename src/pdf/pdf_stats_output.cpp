@@ -59,7 +59,8 @@ void PDFStatsOutput::WriteReport(const ReportJob& job) {
                    .protocol_names = protocol_names(),
                    .document = document,
                    .time_mark = time_mark(),
-                   .lacks_site = lacks_site_};
+                   .lacks_site = lacks_site_,
+                   .observer = observer.get()};
   Status cause = S_OK;
   const Status status = Guard([&] {
     DrawSections(report);

@@ -23,10 +23,6 @@ void PdfTable::AddRow(std::span<const PdfCell> cells) {
   EndRow();
 }
 
-void PdfTable::End() const {
-  if (cursor_.y == 0) Raise(E_FAIL);
-}
-
 bool PdfTable::TryRow(std::u16string_view first_cell) {
   cursor_.ResetX();
   return document_->DrawText(first_cell, cursor_.x, cursor_.y, RoomOf(0));

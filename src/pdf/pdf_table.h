@@ -30,9 +30,9 @@ struct PdfTableFormat {
   float header_gap = kPdfAfterHeader;  ///< from the header's first line to the first row
 };
 
-/// Prints the rows of one section, which starts a page of its own with its first row; every page repeats title and
-/// header, every second row is shaded. All operations raise E_FAIL for what cannot be drawn, and the section ends
-/// there; what it has drawn stays in the document.
+/// Prints the rows of one section, which starts a page of its own with its first row and leaves none without rows;
+/// every page repeats title and header, every second row is shaded. All operations raise E_FAIL for what cannot be
+/// drawn, and the section ends there; what it has drawn stays in the document.
 class PdfTable {
  public:
   /// Draws nothing yet. The document and the columns of `format` are the caller's and must outlive the table.
@@ -40,9 +40,6 @@ class PdfTable {
 
   /// Prints one row, on a new page when there is no room; `cells` are as many as there are columns, or fewer.
   void AddRow(std::span<const PdfCell> cells);
-
-  /// Raises E_FAIL when no row was printed, in which case there is no page and no bookmark either.
-  void End() const;
 
   // The steps of AddRow, for sections that print more than rows or take their cells one by one: TryRow; StartPage if
   // that was false; BeginRow, which is given the first cell once more; AddCell for each of the others; EndRow.

@@ -21,11 +21,13 @@ inline void MakePictureFolder(const PdfReport& report) {
 }
 
 /// Has `draw` write a chart to a file of that name, hands the file to `place`, and deletes it. A chart that cannot be
-/// drawn is left out.
+/// drawn is left out, which the observer hears of, and one for which `draw` answers S_FALSE is left out as not wanted.
 template <class Draw, class Place>
 void PlaceChart(const PdfReport& report, std::u16string_view name, Draw&& draw, Place&& place) {
   const std::u16string path = PictureFolder(report) + std::u16string(name) + u".png";
-  if (Failed(draw(path.c_str()))) return;
+  const Status drawn = draw(path.c_str());
+  if (Failed(drawn) && report.observer) report.observer->FileDone(path.c_str(), 0, drawn);
+  if (drawn != S_OK) return;
   const Status placed = Guard([&] { place(path); });
   (void)DeleteFile(path);
   Check(placed);

@@ -18,10 +18,6 @@ namespace {
 
 constexpr mode_t kNewFileMode = 0666;  // less what the process's mask takes away
 
-std::string DescriptorPath(int descriptor) {
-  return "/proc/self/fd/" + std::to_string(descriptor);
-}
-
 /// Takes the lock that keeps other writers away, without waiting for it.
 Status LockExclusively(int descriptor) {
   while (flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
@@ -97,10 +93,7 @@ Status File::CreateUnpublished(std::u16string_view path, File* file) {
     Check(PathToSystem(path, &system));
     if (LastName(system).empty()) Raise(StatusFromError(kErrorInvalidName));
     File created;
-    // A nameless file gets its name through the process's own table of open files.
-    if (access("/proc/self/fd", X_OK) == 0) {
-      created.descriptor_ = OpenFile(ParentFolder(system), O_TMPFILE | O_RDWR, kNewFileMode);
-    }
+    created.descriptor_ = CreateNameless(system, kNewFileMode);
     if (created.descriptor_ < 0) {
       created.descriptor_ = CreateBeside(system, kNewFileMode, &created.temporary_path_);
     }
@@ -114,8 +107,7 @@ Status File::CreateUnpublished(std::u16string_view path, File* file) {
 Status File::Publish() {
   return Guard([&] {
     if (!is_open() || publish_path_.empty()) Raise(E_UNEXPECTED);
-    int result = temporary_path_.empty() ? linkat(AT_FDCWD, DescriptorPath(descriptor_).c_str(), AT_FDCWD,
-                                                  publish_path_.c_str(), AT_SYMLINK_FOLLOW)
+    int result = temporary_path_.empty() ? NameNameless(descriptor_, publish_path_)
                                          : RenameToFreeName(temporary_path_, publish_path_);
     if (result != 0) Raise(PathStatus(errno, publish_path_));
     publish_path_.clear();

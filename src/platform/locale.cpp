@@ -147,7 +147,7 @@ void ReadNumberForm(const icu::Locale& locale, LocaleData* data) {
   if (first > 0) data->grouping += u";0";
 }
 
-/// Cuts a pattern of the locale data (Unicode Technical Standard 35, part 4, "Date Format Patterns") into runs of one
+/// Cuts a pattern of the locale data (Unicode Technical Standard 35, "Date Format Patterns") into runs of one
 /// letter, handed over as they are, and literal texts without their quotes.
 template <class Field, class Literal>
 void ForEachPatternPart(std::u16string_view pattern, Field&& field, Literal&& literal) {

@@ -33,6 +33,20 @@ std::string TemporaryName() {
   return ".orvo-" + std::string(digits, end) + ".tmp";
 }
 
+/// Offers names beside the path to `take`, which leaves errno, until it takes one; empty when it takes none.
+template <class Take>
+std::string NameBeside(const std::string& path, Take take) {
+  std::string folder = ParentFolder(path);
+  if (!folder.ends_with('/')) folder += '/';
+  constexpr int kAttempts = 100;
+  for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    std::string name = folder + TemporaryName();
+    if (take(name)) return name;
+    if (errno != EEXIST) break;
+  }
+  return {};
+}
+
 }  // namespace
 
 Descriptor::~Descriptor() {
@@ -66,17 +80,23 @@ int OpenFile(const std::string& path, int flags, mode_t mode) {
   return descriptor;
 }
 
+int CreateNameless(const std::string& path, mode_t mode) {
+  // Such a file gets its name through the process's own table of open files.
+  if (access("/proc/self/fd", X_OK) != 0) return -1;
+  return OpenFile(ParentFolder(path), O_TMPFILE | O_RDWR, mode);
+}
+
+int NameNameless(int descriptor, const std::string& path) {
+  const std::string self = "/proc/self/fd/" + std::to_string(descriptor);
+  return linkat(AT_FDCWD, self.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW);
+}
+
 int CreateBeside(const std::string& path, mode_t mode, std::string* temporary_path) {
-  std::string folder = ParentFolder(path);
-  if (!folder.ends_with('/')) folder += '/';
-  constexpr int kAttempts = 100;
   int descriptor = -1;
-  for (int attempt = 0; descriptor < 0 && attempt < kAttempts; ++attempt) {
-    *temporary_path = folder + TemporaryName();
-    descriptor = OpenFile(*temporary_path, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, mode);
-    if (descriptor < 0 && errno != EEXIST) break;
-  }
-  if (descriptor < 0) temporary_path->clear();
+  *temporary_path = NameBeside(path, [&](const std::string& name) {
+    descriptor = OpenFile(name, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, mode);
+    return descriptor >= 0;
+  });
   return descriptor;
 }
 
@@ -124,7 +144,9 @@ Replacement::Replacement(std::string path) : path_(std::move(path)) {
   if (replaces && S_ISDIR(old.st_mode)) Raise(StatusFromError(kErrorIsAFolder));
   bool keeps_mode = replaces && S_ISREG(old.st_mode);
   mode_t mode = keeps_mode ? old.st_mode & 0777 : 0666;
-  descriptor_ = Descriptor(CreateBeside(path_, mode, &temporary_path_));
+  // A process that is killed leaves nothing of a file that has no name yet.
+  descriptor_ = Descriptor(CreateNameless(path_, mode));
+  if (!descriptor_) descriptor_ = Descriptor(CreateBeside(path_, mode, &temporary_path_));
   if (!descriptor_) Raise(PathStatus(errno, path_));
   // The process's mask may have taken away what the old file had. That this fails on file systems without modes is
   // no reason to refuse the write.
@@ -137,6 +159,11 @@ Replacement::~Replacement() {
 
 void Replacement::Commit(bool durable) {
   if (durable && fsync(descriptor_.get()) != 0) Raise(StatusFromErrno(errno));
+  if (temporary_path_.empty()) {
+    temporary_path_ =
+        NameBeside(path_, [&](const std::string& name) { return NameNameless(descriptor_.get(), name) == 0; });
+    if (temporary_path_.empty()) Raise(PathStatus(errno, path_));
+  }
   if (close(descriptor_.Release()) != 0 && errno != EINTR) Raise(StatusFromErrno(errno));
   if (rename(temporary_path_.c_str(), path_.c_str()) != 0) Raise(PathStatus(errno, path_));
   temporary_path_.clear();

@@ -43,6 +43,11 @@ Status PathStatus(int error, const std::string& path);
 /// Opens without leaking into programs that this one starts, again when interrupted; -1 and errno on failure.
 int OpenFile(const std::string& path, int flags, mode_t mode = 0);
 
+/// Makes an empty file in the folder of `path` that has no name, so that it vanishes with its last descriptor; -1 where
+/// the file system knows no such files. The other one gives it a name that is free: 0, or -1 and errno.
+int CreateNameless(const std::string& path, mode_t mode);
+int NameNameless(int descriptor, const std::string& path);
+
 /// Makes an empty file with a name of its own in the same folder as `path`; -1 and errno on failure.
 int CreateBeside(const std::string& path, mode_t mode, std::string* temporary_path);
 

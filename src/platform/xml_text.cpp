@@ -131,6 +131,18 @@ std::string_view DeclaredEncoding(std::string_view bytes) {
   return rest.substr(quote + 1, rest.find(rest[quote], quote + 1) - quote - 1);
 }
 
+/// No less than what the tree of a document takes: an element for every start tag, a text behind every tag, and an
+/// attribute for every equals sign.
+std::uint64_t TreeSize(std::string_view bytes) {
+  constexpr std::uint64_t kNodeSize = 64;
+  constexpr std::uint64_t kAttributeSize = 40;
+  std::uint64_t nodes = 0;
+  for (std::size_t at = bytes.find('<'); at != bytes.npos; at = bytes.find('<', at + 1)) {
+    nodes += bytes.substr(at + 1, 1) == "/" ? 1U : 2U;
+  }
+  return bytes.size() + nodes * kNodeSize + static_cast<std::uint64_t>(std::ranges::count(bytes, '=')) * kAttributeSize;
+}
+
 class StringWriter final : public pugi::xml_writer {
  public:
   explicit StringWriter(std::string* out) : out_(out) {}
@@ -169,6 +181,7 @@ Status ParseXml(std::string_view bytes, pugi::xml_encoding encoding, pugi::xml_d
   // The parser would take a zero for the end.
   bool is_wide = encoding == pugi::encoding_auto && IsWide(bytes);
   if (!is_wide && bytes.find('\0') != bytes.npos) return E_FAIL;
+  if (TreeSize(bytes) > kXmlTreeLimit) return E_OUTOFMEMORY;
   std::optional<std::string> decoded;
   if (encoding == pugi::encoding_auto && !is_wide) decoded = DecodeToUtf8(DeclaredEncoding(bytes), bytes);
   if (decoded) {

@@ -10,6 +10,8 @@ namespace orvo {
 
 /// Larger XML files are not loaded.
 inline constexpr std::uint64_t kXmlSizeLimit = std::uint64_t{256} << 20;
+/// Nor are those whose trees may take more: tags and attributes of a few bytes each take many times their size.
+inline constexpr std::uint64_t kXmlTreeLimit = std::uint64_t{1} << 30;
 
 /// True for a character in the sense of XML 1.0, production [2], surrogates aside.
 bool IsXmlCharacter(char32_t c);
@@ -22,8 +24,9 @@ std::string XmlCharacters(std::u16string_view text);
 std::string XmlCharacters(std::string_view utf8);
 
 /// Parses a document into an empty tree. `encoding` is encoding_auto for the bytes of a file. E_FAIL when it is no
-/// well-formed document or deeper than kXmlDepthLimit; the tree is empty after every failure. Forbidden characters and
-/// malformed UTF-8 in texts and values are replaced, so that what was loaded can be written again.
+/// well-formed document or deeper than kXmlDepthLimit, E_OUTOFMEMORY beyond kXmlTreeLimit; the tree is empty after
+/// every failure. Forbidden characters and malformed UTF-8 in texts and values are replaced, so that what was loaded
+/// can be written again.
 Status ParseXml(std::string_view bytes, pugi::xml_encoding encoding, pugi::xml_document* document);
 
 /// ParseXml of a regular file (path with backslashes).

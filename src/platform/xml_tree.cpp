@@ -58,6 +58,12 @@ std::optional<std::u16string> XmlElement::Attribute(std::string_view name) const
   return FromUtf8(attribute.value());
 }
 
+std::vector<std::u16string> XmlElement::AttributeNames() const {
+  std::vector<std::u16string> names;
+  for (pugi::xml_attribute attribute : pugi::xml_node(node_).attributes()) names.push_back(FromUtf8(attribute.name()));
+  return names;
+}
+
 XmlElement XmlElement::FirstChild(std::string_view name) const {
   return XmlElement(ElementFrom(pugi::xml_node(node_).first_child(), name).internal_object());
 }

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/export.h"
 #include "platform/status.h"
@@ -30,6 +31,7 @@ class ORVO_PLATFORM_API XmlElement {
   std::u16string Name() const;
   std::u16string Text() const;
   std::optional<std::u16string> Attribute(std::string_view name) const;
+  std::vector<std::u16string> AttributeNames() const;
 
   /// The first child element, or the first of that name.
   XmlElement FirstChild(std::string_view name = {}) const;

@@ -211,7 +211,7 @@ void Worker::WriteReport(const std::u16string& folder, IStatsOutputMethod* metho
     MakeFolders(folder);
     if (!FolderExists(folder)) Raise(E_FAIL);
   }
-  if (state_->format_pending) SetFormat(method);
+  if (state_->format_pending && !IsGivenUp()) SetFormat(method);
   if (IsGivenUp()) return;
   const ComPtr<IGraphCollection> graphs = Hold(state_->parts.graphs);
   Check(method->Output(Bstr(folder).get(), context, graphs.get()));
@@ -223,6 +223,7 @@ void Worker::SetFormat(IStatsOutputMethod* method) {
   const Bstr template_root = state_->parts.template_root.Read(CopyOf);
   Check(method->SetFormat(Bstr(format.extension).get(), Bstr(format.separator).get(), preferences.get(),
                           template_root.get()));
+  if (IsGivenUp()) return;
   if (format.wants_interval) Check(method->SetInterval(output_interval_));
   if (!IsGivenUp()) state_->format_pending = false;
 }

@@ -66,9 +66,8 @@ std::string Header(const TextReport& report, const std::vector<SummaryColumn>& c
   return line + '\n';
 }
 
-void WriteRows(TextReport& report, ISummarySnapshot& snapshot, const std::vector<SummaryColumn>& columns,
-               SectionFile& file) {
-  const ReferenceTotals totals = ReadReferenceTotals(snapshot, *report.job.statistics);
+void WriteRows(TextReport& report, ISummarySnapshot& snapshot, const ReferenceTotals& totals,
+               const std::vector<SummaryColumn>& columns, SectionFile& file) {
   const std::string time_saved = TimeSaved(report);
   std::uint32_t count = 0;
   Check(snapshot.GetCount(&count));
@@ -105,12 +104,13 @@ void WriteSummaryFile(TextReport& report) {
   if (Failed(GetCategory(report.job.statistics, kSummaryCategory, &summary)) || !summary) return;
   // Without the map, names come from the engine alone.
   if (report.statistic_map.empty()) (void)report.statistic_map.Load(u"StatMap.xml");
+  // Without these there is nothing to write a header for.
+  ComPtr<ISummarySnapshot> snapshot;
+  Check(summary->GetSnapshot(0, snapshot.Out()));
+  const ReferenceTotals totals = ReadReferenceTotals(*snapshot, *report.job.statistics);
   const std::vector<SummaryColumn> columns = EnabledColumns(report);
-  WriteSectionFile(report, FilePath(report, kStrSummaryStatistics), Header(report, columns), [&](SectionFile& file) {
-    ComPtr<ISummarySnapshot> snapshot;
-    Check(summary->GetSnapshot(0, snapshot.Out()));
-    WriteRows(report, *snapshot, columns, file);
-  });
+  WriteSectionFile(report, FilePath(report, kStrSummaryStatistics), Header(report, columns),
+                   [&](SectionFile& file) { WriteRows(report, *snapshot, totals, columns, file); });
 }
 
 }  // namespace orvo

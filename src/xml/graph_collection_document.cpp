@@ -136,8 +136,9 @@ bool WriteCollection(XmlReport& report) {
   // A report of a special kind begins anew, and so does one that finds nothing to go on from.
   XmlTree document;
   XmlElement root;
-  bool is_kept = !report.memory.special_kind && Succeeded(document.Load(PathBelow(report, kFile))) &&
-                 document.Root().Name() == u"GraphCollection";
+  const Status loaded = report.memory.special_kind ? E_FAIL : document.Load(PathBelow(report, kFile));
+  if (loaded == E_OUTOFMEMORY) Raise(loaded);  // nothing wrong with the file
+  const bool is_kept = Succeeded(loaded) && document.Root().Name() == u"GraphCollection";
   if (is_kept) {
     root = document.Root();
   } else {

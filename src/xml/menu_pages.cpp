@@ -209,7 +209,7 @@ void AddButtons(const XmlMemory& memory, const Page& page, XmlElement html) {
   }
 }
 
-void WritePage(const XmlReport& report, const Page& page) {
+void WritePage(XmlReport& report, const Page& page) {
   if (report.job.folder.empty()) Raise(E_FAIL);
   // Nothing of an earlier page is shown again.
   XmlTree document;
@@ -218,7 +218,7 @@ void WritePage(const XmlReport& report, const Page& page) {
   AddTabs(report.memory, page, html);
   AddPicture(html, kBarStyle, "Images/blue_spacer.gif");
   AddButtons(report.memory, page, html);
-  Check(document.Save(report.job.folder + std::u16string(page.file)));
+  Insist(report, page.file, [&] { Check(document.Save(report.job.folder + std::u16string(page.file))); });
 }
 
 void MarkAdditionalNode(WrittenSections* written) {

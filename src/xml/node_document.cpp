@@ -10,8 +10,10 @@
 namespace orvo {
 namespace {
 
+// NOLINTBEGIN(misc-unused-using-decls): version 14 overlooks uses in arguments of templates.
 using node_values::Count;
 using node_values::Time;
+// NOLINTEND(misc-unused-using-decls)
 
 constexpr std::u16string_view kHistoryFile = u"NodeStatistics.xml";
 constexpr std::string_view kElement = "NodeStatistics";
@@ -59,18 +61,14 @@ constexpr XmlColumn<NodeRow> kColumns[] = {
 };
 
 /// Moves the nodes of the report before, which a kept index still holds, into the history.
-void MoveToHistory(XmlReport& report) {
+void MoveOldEntry(XmlReport& report) {
   const XmlParts::Part old = report.index.Take(kElement);
-  if (old.lines.empty()) return;
-  AddHistory(report, kHistoryFile, kElement, "History", [&](XmlWriter history) {
-    for (const char* part : {"Summary", "Stats"}) history.AddLines(XmlChildLines(old, part));
-    return std::optional<std::uint64_t>(0);
-  });
+  if (old.empty()) return;
+  MoveToHistory(report, kHistoryFile, kElement, old);
   report.memory.written.node_history = true;
 }
 
 bool WriteEntry(XmlReport& report) {
-  MoveToHistory(report);
   const ComPtr<IAddressTable> addresses = Addresses(report);
   const ComPtr<INodeStats> nodes = Obtain(*report.job.live, kNodeCategory);
   if (!addresses || !nodes) return false;
@@ -99,7 +97,12 @@ bool WriteEntry(XmlReport& report) {
 }  // namespace
 
 bool WriteNodeDocument(XmlReport& report) {
-  return Contain(report, kIndexFile, [&] { return WriteEntry(report); });
+  std::u16string_view file = kHistoryFile;
+  return Contain(report, file, [&] {
+    MoveOldEntry(report);
+    file = kIndexFile;
+    return WriteEntry(report);
+  });
 }
 
 }  // namespace orvo

@@ -29,4 +29,14 @@ void AddHistory(XmlReport& report, std::u16string_view file, std::string_view ro
   ReportSaved(report, file, rows.value_or(0));
 }
 
+void MoveToHistory(XmlReport& report, std::u16string_view file, std::string_view root, const XmlParts::Part& old) {
+  // As long as the report before was: copied without being held in memory.
+  Check(ExtendXmlFile(report.job.folder + std::u16string(file), root, [&](const TextSink& put) {
+    put("  <History>\n");
+    for (const char* child : {"Summary", "Stats"}) report.index.old().CopyChild(old, child, put);
+    put("  </History>\n");
+  }));
+  ReportSaved(report, file, 0);
+}
+
 }  // namespace orvo

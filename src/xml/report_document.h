@@ -37,4 +37,8 @@ class IndexEntry {
 void AddHistory(XmlReport& report, std::u16string_view file, std::string_view root, std::string_view entry,
                 const std::function<std::optional<std::uint64_t>(XmlWriter)>& fill);
 
+/// Adds such an entry, "History", whose content are the "Summary" and the "Stats" of an element that was taken from the
+/// index.
+void MoveToHistory(XmlReport& report, std::u16string_view file, std::string_view root, const XmlParts::Part& old);
+
 }  // namespace orvo

@@ -20,6 +20,8 @@ class ReportIndex {
 
   /// Removes the element of a category that an earlier report left; gives it.
   XmlParts::Part Take(std::string_view name) { return old_.Take(name); }
+  /// The document from which elements were taken.
+  const XmlParts& old() const { return old_; }
   /// Adds a category's element with the rows that this report wrote there.
   void Add(std::string lines, std::uint64_t rows);
   /// The rows of this report.

@@ -13,6 +13,7 @@ namespace {
 using Node = WirelessNodeEntry;
 using Strength = WirelessStrength;
 
+// NOLINTBEGIN(misc-unused-using-decls): version 14 overlooks uses in arguments of templates.
 using wireless_node::Authentication;
 using wireless_node::AverageSize;
 using wireless_node::BroadcastName;
@@ -32,6 +33,7 @@ using wireless_node::Time;
 using wireless_node::Trust;
 using wireless_node::Type;
 using wireless_node::WepKey;
+// NOLINTEND(misc-unused-using-decls)
 
 constexpr std::u16string_view kHistoryFile = u"WirelessNodeStatistics.xml";
 constexpr std::string_view kElement = "WirelessNodeStatistics";

@@ -1,6 +1,7 @@
 #include "xml/xml_columns.h"
 
 #include <charconv>
+#include <cmath>
 
 #include "platform/error.h"
 #include "util/ascii.h"
@@ -29,6 +30,7 @@ class RatioDigits {
 
 std::u16string RealText(double value, RealForm form) {
   if (form == RealForm::kRatio) return WidenAscii(RatioDigits(value).text());
+  if (!std::isfinite(value)) return {};
   std::u16string text;
   Check(FormatNumber(value, kDecimals, &text));
   return text;

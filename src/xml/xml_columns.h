@@ -32,7 +32,8 @@ constexpr Value Ratio(std::uint64_t part, std::uint64_t whole) {
 /// Adds a value as an element of its own. Raises the failure of a conversion.
 void AddValue(XmlReport& report, std::string_view name, const Value& value, RealForm form, XmlWriter row);
 
-/// A value as XML documents word it: empty for nothing and for a time of 0. Raises the failure of a conversion.
+/// A value as XML documents word it: empty for nothing, for a time of 0, and for a real number that is not finite, as a
+/// rate over no time is. Raises the failure of a conversion.
 std::u16string ValueText(XmlReport& report, const Value& value, RealForm form = RealForm::kThreeDecimals);
 
 /// Adds such a ratio as an element of its own.

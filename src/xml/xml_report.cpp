@@ -6,6 +6,14 @@
 #include "util/ascii.h"
 
 namespace orvo {
+namespace {
+
+void TellFailure(XmlReport& report, std::u16string_view file, Status status) {
+  if (!report.observer) return;
+  (void)Guard([&] { report.observer->FileDone((report.job.folder + std::u16string(file)).c_str(), 0, status); });
+}
+
+}  // namespace
 
 SwitchReading ReadSwitch(const XmlReport& report, std::uint32_t identifier) {
   SwitchReading reading;
@@ -17,10 +25,15 @@ bool Contain(XmlReport& report, const std::u16string_view& file, const std::func
   bool written = false;
   const Status status = Guard([&] { written = write(); });
   if (Succeeded(status)) return written;
-  if (report.observer) {
-    (void)Guard([&] { report.observer->FileDone((report.job.folder + std::u16string(file)).c_str(), 0, status); });
-  }
+  TellFailure(report, file, status);
   return false;
+}
+
+void Insist(XmlReport& report, std::u16string_view file, const std::function<void()>& write) {
+  const Status status = Guard(write);
+  if (Succeeded(status)) return;
+  TellFailure(report, file, status);
+  Raise(status);
 }
 
 ComPtr<IAddressTable> Addresses(const XmlReport& report) {

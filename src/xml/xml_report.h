@@ -78,6 +78,8 @@ SwitchReading ReadSwitch(const XmlReport& report, std::uint32_t identifier);
 /// The boundary of a writer: what is raised inside ends that writer alone, which then answers false. `file` is the
 /// document of which the observer is told that it failed.
 bool Contain(XmlReport& report, const std::u16string_view& file, const std::function<bool()>& write);
+/// The boundary of a document without which there is no report: the observer is told, and the failure raised on.
+void Insist(XmlReport& report, std::u16string_view file, const std::function<void()>& write);
 
 /// The address table of the live context, asked for anew by every writer; null when there is none. Raises a failure.
 ComPtr<IAddressTable> Addresses(const XmlReport& report);

@@ -10,6 +10,7 @@ namespace orvo {
 namespace {
 
 constexpr MethodTraits kTraits{.class_id = kXmlStatsOutputClass, .settings_element = u"xmlstatsoutput"};
+
 /// Opens the index: an earlier one is extended by a full report, and begun anew by one of another kind.
 void OpenIndex(XmlReport& report) {
   const bool loaded = report.index.Load(report.job.folder + std::u16string(kIndexFile));
@@ -52,11 +53,11 @@ void XMLStatsOutput::WriteReport(const ReportJob& job) {
                    .time_mark = time_mark(),
                    .interval = interval()};
   if (Failed(Query(job.live, &report.observer))) report.observer.Reset();
-  OpenIndex(report);
+  Insist(report, kIndexFile, [&] { OpenIndex(report); });
   WriteKind(report, kind);
   WriteSummaryDocument(report);
   WriteReportGraphs(report);
-  report.index.Save(job.folder + std::u16string(kIndexFile));
+  Insist(report, kIndexFile, [&] { report.index.Save(job.folder + std::u16string(kIndexFile)); });
   ReportSaved(report, kIndexFile, report.index.rows());
 }
 

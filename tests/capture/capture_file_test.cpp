@@ -116,6 +116,40 @@ TEST(CaptureFileTest, DamageKeepsWhatCouldBeRead) {
   }
 }
 
+TEST(CaptureFileTest, ATimeFarAwayIsBelievedOfTwoInARow) {
+  const CaptureBytes file;
+  const CaptureFolder folder;
+  constexpr std::uint32_t kYear = 365 * 86'400;
+  struct {
+    std::vector<std::uint32_t> claimed, counted;
+    const char* warning;
+  } const cases[] = {
+      {{1, 9, 9 + kYear, 9 + 2 * kYear, 9 + kYear}, {1, 9, 9 + kYear, 9 + 2 * kYear, 9 + kYear}, ""},
+      {{5, 7, 6, 8 + kYear, 8, 9 + kYear, 9}, {5, 7, 6, 6, 8, 8, 9}, "packet 4 claims to be 365 days later"},
+      {{5, 7 + kYear, 8 + kYear, 9 + kYear}, {5, 5, 8 + kYear, 9 + kYear}, "packet 2 claims to be 365 days later"},
+      {{5 + kYear, 1, 6 + kYear}, {5 + kYear, 5 + kYear, 6 + kYear}, "packet 2 claims to be 365 days earlier"},
+      {{5 + kYear, 1, 2, 3}, {5 + kYear, 5 + kYear, 2, 3}, "packet 2 claims to be 365 days earlier"},
+  };
+  for (const auto& one : cases) {
+    Buffer pcap = file.PcapHeader();
+    Buffer pcapng = file.Section() + file.Interface(1, file.Option(9, {0}));
+    for (std::uint32_t second : one.claimed) {
+      pcap = pcap + file.PcapRecord(second, 0, Frame());
+      pcapng = pcapng + file.Enhanced(0, second, Frame());
+    }
+    for (const Buffer& bytes : {pcap, pcapng}) {
+      const ReadCapture read(folder.Write(bytes));
+      std::vector<std::uint32_t> counted;
+      for (const ReadPacket& packet : read.packets) {
+        counted.push_back(static_cast<std::uint32_t>((packet.packet.time - kUnixEpoch) / 1'000'000'000));
+      }
+      EXPECT_EQ(counted, one.counted);
+      EXPECT_THAT(read.warning.message, HasSubstr(one.warning));
+      EXPECT_EQ(Failed(read.warning.status), *one.warning != '\0') << read.warning.message;
+    }
+  }
+}
+
 TEST(CaptureFileTest, PacketsAreWholeWhereverABlockOfTheFileEnds) {
   const CaptureBytes file;
   Buffer bytes = file.PcapHeader();
@@ -137,10 +171,7 @@ TEST(CaptureFileTest, RefusesWhatIsNoCaptureAndSaysWhy) {
   const CaptureFolder folder;
   const std::string letter = "This is a letter, and no capture at all.";
   const std::string text = folder.Write(Buffer(letter.begin(), letter.end()), "text");
-  struct {
-    std::string path;
-    const char* message;
-  } const cases[] = {
+  const std::pair<std::string, const char*> cases[] = {
       {folder.Path("missing"), "No such file or directory); check the path"},
       {text + "/below", "Not a directory"},
       {folder.Path(""), "is a folder"},
@@ -154,11 +185,11 @@ TEST(CaptureFileTest, RefusesWhatIsNoCaptureAndSaysWhy) {
       {folder.Write(file.Section(2), "section"), "version 2 instead of 1"},
       {folder.Path("new\nline"), "new?line: cannot be opened"},
   };
-  for (const auto& c : cases) {
+  for (const auto& [path, message] : cases) {
     SourceError error;
-    EXPECT_FALSE(OpenCaptureFile(c.path, &error)) << c.path;
-    EXPECT_TRUE(Failed(error.status)) << c.path;
-    EXPECT_THAT(error.message, HasSubstr(c.message));
+    EXPECT_FALSE(OpenCaptureFile(path, &error)) << path;
+    EXPECT_TRUE(Failed(error.status)) << path;
+    EXPECT_THAT(error.message, HasSubstr(message));
     EXPECT_EQ(error.message.find('\n'), std::string::npos);
   }
 }

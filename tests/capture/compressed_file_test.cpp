@@ -8,6 +8,7 @@
 
 #include <algorithm>
 
+#include "capture/source/zstd_reader.h"
 #include "tests/capture/capture_bytes.h"
 
 namespace orvo::test {
@@ -152,6 +153,9 @@ TEST(CompressedFileTest, RefusesWhatUnpacksToNoCapture) {
     EXPECT_THAT(ReadCapture(folder.Write(compress({}))).error.message, HasSubstr("is not a capture file"));
     EXPECT_THAT(ReadCapture(folder.Write(First(compress(letter), 12))).error.message, HasSubstr("cut off"));
   }
+  // Packed in a way that is not read: said, as its user takes it for a capture.
+  const Buffer bzip2 = {'B', 'Z', 'h', '9', '1', 'A'};
+  EXPECT_THAT(ReadCapture(folder.Write(bzip2)).error.message, HasSubstr("is packed by bzip2; unpack it first"));
 }
 
 TEST(CompressedFileTest, ABombCostsNoMemory) {
@@ -182,6 +186,30 @@ TEST(CompressedFileTest, WindowsBeyondTheLimitAreRefused) {
   EXPECT_THAT(ReadCapture(folder.Write(frame)).error.message, HasSubstr("looks back on more than 128 MB"));
   const Buffer allowed = Le32(0xFD2FB528) + Buffer{0, (27 - 10) << 3, 1, 0, 0};
   EXPECT_THAT(ReadCapture(folder.Write(allowed)).error.message, HasSubstr("it begins like none"));
+}
+
+TEST(CompressedFileTest, FewFilesHaveLargeWindowsAtOnce) {
+  const CaptureFolder folder;
+  // A frame with a window of 16 MiB, and a last block as it is (RFC 8878 section 3.1.1.2).
+  auto frame = [](const Buffer& content) {
+    const auto size = static_cast<std::uint8_t>(content.size() << 3 | 1);
+    return Le32(0xFD2FB528) + Buffer{0, (24 - 10) << 3, size, 0, 0} + content;
+  };
+  const std::string large = folder.Write(frame(CaptureBytes().PcapHeader()), "large");
+  const std::string small = folder.Write(Zstd(SomeCapture(3)), "small");
+  SourceError error;
+  std::vector<std::unique_ptr<PacketSource>> open;
+  for (int i = 0; i < kMostLargeWindows; ++i) {
+    open.push_back(OpenCaptureFile(large, &error));
+    ASSERT_TRUE(open.back()) << i << error.message;
+  }
+  EXPECT_THAT(ReadCapture(large).error.message, HasSubstr("looks back on more than 8 MB"));
+  EXPECT_EQ(ReadCapture(small).packets.size(), 3U);
+  Packet packet;
+  EXPECT_FALSE(open[0]->Next(&packet));
+  EXPECT_TRUE(ReadCapture(large).opened) << "what has been read to its end holds none any more";
+  open.pop_back();
+  EXPECT_TRUE(ReadCapture(large).opened);
 }
 
 }  // namespace

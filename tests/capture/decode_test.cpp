@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
 #include <thread>
 
 #include "capture/classify/protocol_tree.h"
@@ -115,41 +114,28 @@ TEST(Decode, SaysWhatIsWrongWithAPacket) {
   for (const Sample& sample : BadSamples()) EXPECT_EQ(Describe(MakePacket(sample.frame)), sample.found);
 }
 
-// The bytes stand in memory of exactly their length, where a sanitizer sees the first one read too many.
 TEST(Decode, EveryPrefixOfEverySampleStaysWithinItsBytes) {
   auto samples = GoodSamples();
   for (Sample& bad : BadSamples()) samples.push_back(std::move(bad));
   for (const Sample& sample : samples) {
-    for (std::size_t length = 0; length < sample.frame.size(); ++length) {
-      Buffer prefix(sample.frame.begin(), sample.frame.begin() + static_cast<std::ptrdiff_t>(length));
-      prefix.shrink_to_fit();
+    const bool malformed = Decoded(MakePacket(sample.frame)).malformed;
+    ForEachPrefix(sample.frame, [&](const Buffer& prefix) {
       Packet packet = MakePacket(prefix);
       packet.original_length = static_cast<std::uint32_t>(sample.frame.size());
-      PacketFacts facts;
-      DecodePacket(packet, &facts);
+      const PacketFacts facts = Decoded(packet);
       EXPECT_TRUE(facts.cut_off);
-      EXPECT_EQ(facts.pair_count > 0, length >= 14);
+      EXPECT_EQ(facts.pair_count > 0, prefix.size() >= 14);
       // What the capture left out is not the frame's fault.
-      Packet whole = MakePacket(sample.frame);
-      PacketFacts whole_facts;
-      DecodePacket(whole, &whole_facts);
-      EXPECT_LE(facts.malformed, whole_facts.malformed) << sample.found << " at " << length;
-    }
+      EXPECT_LE(facts.malformed, malformed) << sample.found << " at " << prefix.size();
+    });
   }
 }
 
 TEST(Decode, SurvivesChangedBytes) {
-  std::mt19937 random(1);
+  ProtocolTree& tree = ProtocolTree::Get();
   for (const Sample& sample : GoodSamples()) {
-    for (int round = 0; round < 2000; ++round) {
-      Buffer frame = sample.frame;
-      for (int change = 0; change < 3; ++change) frame[random() % frame.size()] = static_cast<std::uint8_t>(random());
-      frame.resize(random() % 4 == 0 ? random() % (frame.size() + 1) : frame.size());
-      frame.shrink_to_fit();
-      PacketFacts facts;
-      DecodePacket(MakePacket(frame), &facts);
-      EXPECT_TRUE(ProtocolTree::Get().Contains(ProtocolTree::Get().Classify(facts)));
-    }
+    ForEachDamage(sample.frame, 2000,
+                  [&](const Buffer& frame) { EXPECT_TRUE(tree.Contains(tree.Classify(Decoded(MakePacket(frame))))); });
   }
 }
 
@@ -164,9 +150,7 @@ TEST(ProtocolTree, NumbersStandForPlacesForAllThreads) {
   auto samples = GoodSamples();
   auto classify = [&](std::vector<std::uint16_t>* numbers) {
     for (const Sample& sample : samples) {
-      PacketFacts facts;
-      DecodePacket(MakePacket(sample.frame), &facts);
-      numbers->push_back(ProtocolTree::Get().Classify(facts));
+      numbers->push_back(ProtocolTree::Get().Classify(Decoded(MakePacket(sample.frame))));
     }
   };
   std::vector<std::uint16_t> first;

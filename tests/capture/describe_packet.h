@@ -21,8 +21,7 @@ inline std::string Path(std::uint16_t place) {
 
 /// Everything that a packet was found to be, in one line.
 inline std::string Describe(const Packet& packet) {
-  PacketFacts facts;
-  DecodePacket(packet, &facts);
+  PacketFacts facts = Decoded(packet);
   std::string text = Path(ProtocolTree::Get().Classify(facts));
   static constexpr const char* kArrows[] = {"->", "=>*", "=>+"};
   for (std::size_t i = 0; i < facts.pair_count; ++i) {

@@ -23,24 +23,19 @@ inline std::string DescribeRates(const WirelessRate* rates, std::uint32_t count)
   return text;
 }
 
-inline std::string AssociationOf(IWirelessNodeStats& nodes, std::uint32_t station) {
-  std::uint32_t count = 0;
-  EXPECT_EQ(nodes.GetAssociationCount(&count), S_OK);
-  for (std::uint32_t i = 0; i < count; ++i) {
-    const WirelessAssociation* association = nullptr;
-    EXPECT_EQ(nodes.GetAssociation(i, &association), S_OK);
+inline std::string AssociationOf(const ComPtr<IWirelessNodeStats>& nodes, std::uint32_t station) {
+  for (std::uint32_t i = 0, count = Ask(nodes)(&IWirelessNodeStats::GetAssociationCount); i < count; ++i) {
+    const WirelessAssociation* association = Ask(nodes)(&IWirelessNodeStats::GetAssociation, i);
     if (association->station == station) return association->strength == 2 ? "strong" : "weak";
   }
   return "none";
 }
 
 /// What a node is, without what it has sent and received: one line each.
-inline std::string DescribeNode(const View& view, IWirelessNodeStats& nodes, std::uint32_t index) {
+inline std::string DescribeNode(const View& view, const ComPtr<IWirelessNodeStats>& nodes, std::uint32_t index) {
   static constexpr const char* kTypes[] = {"?", "admin", "AP", "name", "STA", "ad hoc"};
-  const WirelessNodeEntry* entry = nullptr;
-  EXPECT_EQ(nodes.GetEntry(index, &entry), S_OK);
-  const WirelessNodeEntry* network = nullptr;
-  EXPECT_EQ(nodes.GetEntry(entry->association_keys[0], &network), S_OK);
+  const WirelessNodeEntry* entry = Ask(nodes)(&IWirelessNodeStats::GetEntry, index);
+  const WirelessNodeEntry* network = Ask(nodes)(&IWirelessNodeStats::GetEntry, entry->association_keys[0]);
   std::string text = (entry->address == kNoAddress ? "-" : view.Text(entry->address)) + " " + kTypes[entry->type] +
                      " '" + std::string(entry->name.begin(), entry->name.begin() + entry->name_length) + "'";
   if (entry->type == kWirelessStation) {
@@ -56,12 +51,11 @@ inline std::string DescribeNode(const View& view, IWirelessNodeStats& nodes, std
 }
 
 /// What a node has sent and received.
-inline std::string DescribeTraffic(const View& view, IWirelessNodeStats& nodes, std::uint32_t index) {
-  const WirelessNodeEntry* entry = nullptr;
-  EXPECT_EQ(nodes.GetEntry(index, &entry), S_OK);
+inline std::string DescribeTraffic(const View& view, const ComPtr<IWirelessNodeStats>& nodes, std::uint32_t index) {
+  const WirelessNodeEntry* entry = Ask(nodes)(&IWirelessNodeStats::GetEntry, index);
   const WirelessRate* rates = nullptr;
   std::uint32_t count = 0;
-  EXPECT_EQ(nodes.GetRates(index, &rates, &count), S_OK);
+  EXPECT_EQ(nodes->GetRates(index, &rates, &count), S_OK);
   auto number = [](std::uint64_t value) { return std::to_string(value); };
   return (entry->address == kNoAddress ? "-" : view.Text(entry->address)) + " sent=" + number(entry->packets_sent) +
          "/" + number(entry->bytes_sent) + " received=" + number(entry->packets_received) + "/" +
@@ -72,36 +66,30 @@ inline std::string DescribeTraffic(const View& view, IWirelessNodeStats& nodes, 
          " noise=" + Describe(entry->noise) + " rates=" + DescribeRates(rates, count);
 }
 
-inline std::string DescribeNodes(const View& view, std::string (*describe)(const View&, IWirelessNodeStats&,
-                                                                           std::uint32_t) = DescribeNode) {
-  ComPtr<IWirelessNodeStats> nodes = view.Get(kWirelessNodeCategory);
-  std::uint32_t count = 0;
+using DescribeOne = std::string (*)(const View& view, const ComPtr<IWirelessNodeStats>& nodes, std::uint32_t index);
+
+inline std::string DescribeNodes(const View& view, DescribeOne describe = DescribeNode) {
+  const ComPtr<IWirelessNodeStats> nodes = view.Get(kWirelessNodeCategory);
   std::uint32_t excluded[2] = {9, 9};
-  EXPECT_EQ(nodes->GetCount(&count), S_OK);
   EXPECT_EQ(nodes->GetExcluded(&excluded[0], &excluded[1]), S_OK);
   std::string text;
-  for (std::uint32_t i = 0; i < count; ++i) {
-    if (i != excluded[0] && i != excluded[1]) text += describe(view, *nodes, i) + "\n";
+  for (std::uint32_t i = 0, count = Ask(nodes)(&IWirelessNodeStats::GetCount); i < count; ++i) {
+    if (i != excluded[0] && i != excluded[1]) text += describe(view, nodes, i) + "\n";
   }
-  WirelessCounts counts;
-  EXPECT_EQ(nodes->GetCounts(&counts), S_OK);
+  const WirelessCounts counts = Ask(nodes)(&IWirelessNodeStats::GetCounts);
   return text + "networks=" + std::to_string(counts.networks) +
          " access-points=" + std::to_string(counts.access_points) +
          " ad-hoc=" + std::to_string(counts.ad_hoc_networks) + " clients=" + std::to_string(counts.clients) + "\n";
 }
 
 inline std::string DescribeChannels(const View& view) {
-  ComPtr<IWirelessChannelStats> channels = view.Get(kWirelessChannelCategory);
-  std::uint32_t count = 0;
-  EXPECT_EQ(channels->GetCount(&count), S_OK);
+  const ComPtr<IWirelessChannelStats> channels = view.Get(kWirelessChannelCategory);
   std::string text;
   auto add = [&](const char* title, const FrameCount& one) {
     if (one.packets != 0)
       text += std::string(" ") + title + "=" + std::to_string(one.packets) + "/" + std::to_string(one.bytes);
   };
-  for (std::uint32_t i = 0; i < count; ++i) {
-    const WirelessChannelEntry* entry = nullptr;
-    EXPECT_EQ(channels->GetEntry(i, &entry), S_OK);
+  for (const WirelessChannelEntry* entry : view.Entries(kWirelessChannelCategory)) {
     text += std::to_string(entry->channel) + "/" + std::to_string(entry->frequency) +
             " band=" + std::to_string(entry->band);
     add("total", entry->total);

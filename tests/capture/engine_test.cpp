@@ -24,43 +24,29 @@ TEST(Engine, FindsEveryRowThatItLists) {
   FeedSmallCapture(&engine);
   View view(engine);
   auto nodes = view.Get(kNodeCategory);
-  std::uint32_t count = 0;
-  ASSERT_EQ(nodes->GetCount(&count), S_OK);
-  EXPECT_EQ(count, 7U);
-  const NodeEntry* node = nullptr;
-  for (std::uint32_t i = 0; i < count; ++i) {
-    const NodeEntry* same = nullptr;
-    ASSERT_EQ(nodes->GetEntry(i, &node), S_OK);
-    EXPECT_EQ(nodes->FindByAddress(node->address, &same), S_OK);
-    EXPECT_EQ(same, node);
-  }
-  EXPECT_EQ(nodes->GetEntry(count, &node), E_INVALIDARG);
+  const auto node_rows = view.Entries(kNodeCategory);
+  EXPECT_EQ(node_rows.size(), 7U);
+  for (const NodeEntry* node : node_rows) EXPECT_EQ(Ask(nodes)(&INodeStats::FindByAddress, node->address), node);
+  const NodeEntry* node = node_rows[0];
+  EXPECT_EQ(nodes->GetEntry(7, &node), E_INVALIDARG);
   EXPECT_EQ(nodes->FindByAddress(kNoAddress, &node), S_FALSE);
   EXPECT_EQ(node, nullptr);
 
   auto protocols = view.Get(kProtocolCategory);
-  ASSERT_EQ(protocols->GetCount(&count), S_OK);
-  EXPECT_EQ(count, 3U);
+  const auto protocol_rows = view.Entries(kProtocolCategory);
+  EXPECT_EQ(protocol_rows.size(), 3U);
+  for (const ProtocolEntry* row : protocol_rows) EXPECT_EQ(Ask(protocols)(&IProtocolStats::FindByKey, row->key), row);
   const ProtocolEntry* protocol = nullptr;
-  for (std::uint32_t i = 0; i < count; ++i) {
-    const ProtocolEntry* same = nullptr;
-    ASSERT_EQ(protocols->GetEntry(i, &protocol), S_OK);
-    EXPECT_EQ(protocols->FindByKey(protocol->key, &same), S_OK);
-    EXPECT_EQ(same, protocol);
-  }
   EXPECT_EQ(protocols->FindByKey(view.Index("10.0.0.1"), &protocol), S_FALSE);
 
-  ComPtr<IConversationIndex> index;
-  ASSERT_EQ(view.context->GetConversationIndex(index.Out()), S_OK);
+  const auto index = Ask(view.context)(&IStatsContext::GetConversationIndex);
   auto conversations = view.Get(kConversationCategory);
-  const ConversationEntry* conversation = nullptr;
-  ConversationEndpoints ends;
-  std::uint64_t key = 0;
-  ASSERT_EQ(index->FirstOfType(kAddressIp, &key), S_OK);
-  EXPECT_EQ(conversations->FindByKey(key, &conversation), S_OK);
-  EXPECT_EQ(conversation->key, key);
+  std::uint64_t key = Ask(index)(&IConversationIndex::FirstOfType, kAddressIp);
+  EXPECT_EQ(Ask(conversations)(&IConversationStats::FindByKey, key)->key, key);
   EXPECT_EQ(index->FirstOfType(kAddressIpx, &key), S_FALSE);
   for (std::uint64_t wrong : {std::uint64_t{0}, std::uint64_t{99}, ~std::uint64_t{0}}) {
+    ConversationEndpoints ends;
+    const ConversationEntry* conversation = nullptr;
     EXPECT_EQ(index->Resolve(wrong, &ends), E_INVALIDARG);
     EXPECT_EQ(index->NextOfType(wrong, &key), S_FALSE);
     EXPECT_EQ(conversations->FindByKey(wrong, &conversation), S_FALSE);
@@ -72,14 +58,10 @@ TEST(Engine, TakesTimesInWhateverOrder) {
   CaptureEngine engine;
   FeedSmallCapture(&engine);
   View view(engine);
-  std::uint64_t start = 0;
-  std::uint64_t duration = 0;
-  EXPECT_EQ(view.context->GetStartTime(&start), S_OK);
-  EXPECT_EQ(view.context->GetDuration(&duration), S_OK);
-  EXPECT_EQ(start, kNewYear - kSecond);
-  EXPECT_EQ(duration, 4 * kSecond);
-  const NodeEntry* node = nullptr;
-  ASSERT_EQ(view.Get(kNodeCategory)->FindByAddress(view.Index("10.0.0.2"), &node), S_OK);
+  EXPECT_EQ(Ask(view.context)(&IStatsContext::GetStartTime), kNewYear - kSecond);
+  EXPECT_EQ(Ask(view.context)(&IStatsContext::GetDuration), 4 * kSecond);
+  const NodeEntry* node = view.Node("10.0.0.2");
+  ASSERT_NE(node, nullptr);
   EXPECT_EQ(node->first_time_sent, kNewYear - kSecond);
   EXPECT_EQ(node->last_time_sent, kNewYear - kSecond);
   EXPECT_EQ(node->first_time_received, kNewYear);
@@ -89,13 +71,8 @@ TEST(Engine, PutsLogicalAddressesBehindPhysicalOnes) {
   CaptureEngine engine;
   FeedSmallCapture(&engine);
   View view(engine);
-  auto hierarchy = view.Get(kHierarchyCategory);
   std::map<std::string, std::string> found;
-  std::uint32_t count = 0;
-  ASSERT_EQ(hierarchy->GetCount(&count), S_OK);
-  for (std::uint32_t i = 0; i < count; ++i) {
-    const HierarchyEntry* entry = nullptr;
-    ASSERT_EQ(hierarchy->GetEntry(i, &entry), S_OK);
+  for (const HierarchyEntry* entry : view.Entries(kHierarchyCategory)) {
     std::string key = view.Text(entry->address) + " " + (entry->parent == kNoAddress ? "*" : view.Text(entry->parent));
     found[key] = std::to_string(entry->packets_sent) + " " + std::to_string(entry->bytes_sent) + " " +
                  std::to_string(entry->packets_received) + " " + std::to_string(entry->bytes_received);
@@ -116,10 +93,7 @@ TEST(Engine, ALengthDoesNotReadAsNoLength) {
     Packet packet = MakePacket(frame);
     packet.original_length = size;
     engine.Feed(packet);
-    const NodeEntry* node = nullptr;
-    auto nodes = View(engine).Get(kNodeCategory);
-    ASSERT_EQ(nodes->GetEntry(0, &node), S_OK);
-    EXPECT_EQ(node->min_size_sent, std::min(size, 0xFFFEU));
+    EXPECT_EQ(View(engine).Entries(kNodeCategory).at(0)->min_size_sent, std::min(size, 0xFFFEU));
   }
 }
 
@@ -130,57 +104,40 @@ TEST(Engine, OneEpochLastsUntilAvailabilityIsAskedAgain) {
   ASSERT_EQ(context->IsAvailable(), S_OK);
   ComPtr<INodeStats> early;
   ASSERT_EQ(GetCategory(context.get(), kNodeCategory, &early), S_OK);
-  const NodeEntry* node = nullptr;
-  ASSERT_EQ(early->GetEntry(0, &node), S_OK);
-  NodeEntry before = *node;
+  const NodeEntry* node = Ask(early)(&INodeStats::GetEntry, 0U);
+  const std::uint64_t before = node->packets_sent;
 
   FeedSmallCapture(&engine);
   Buffer stranger = Ethernet(Mac(2), Mac(77), 0x0806, Arp());
   engine.Feed(MakePacket(stranger));
-  std::uint64_t packets = 0;
-  std::uint32_t addresses = 0;
-  ComPtr<IAddressTable> table;
-  EXPECT_EQ(context->GetTotalPackets(&packets), S_OK);
-  EXPECT_EQ(context->GetAddressTable(table.Out()), S_OK);
-  EXPECT_EQ(table->GetCount(&addresses), S_OK);
-  EXPECT_EQ(packets, 4U);
-  EXPECT_EQ(addresses, 10U);  // 4 physical, 3 logical, 3 protocols
-  EXPECT_EQ(node->packets_sent, before.packets_sent);
-
-  ComPtr<IStatsContext> another = engine.Context();
-  EXPECT_EQ(another->GetTotalPackets(&packets), S_OK);
-  EXPECT_EQ(packets, 9U) << "another context starts with an epoch of its own";
+  const auto packets = [](const ComPtr<IStatsContext>& of) { return Ask(of)(&IStatsContext::GetTotalPackets); };
+  EXPECT_EQ(packets(context), 4U);
+  EXPECT_EQ(Ask(Ask(context)(&IStatsContext::GetAddressTable))(&IAddressTable::GetCount), 10U)
+      << "4 physical, 3 logical, 3 protocols";
+  EXPECT_EQ(node->packets_sent, before);
+  EXPECT_EQ(packets(engine.Context()), 9U) << "another context starts with an epoch of its own";
   ASSERT_EQ(context->IsAvailable(), S_OK);
-  EXPECT_EQ(context->GetTotalPackets(&packets), S_OK);
-  EXPECT_EQ(packets, 9U);
-  EXPECT_EQ(node->packets_sent, before.packets_sent) << "what was handed out does not change";
+  EXPECT_EQ(packets(context), 9U);
+  EXPECT_EQ(node->packets_sent, before) << "what was handed out does not change";
 }
 
 TEST(Engine, AnEmptyCaptureIsAvailable) {
   CaptureEngine engine;
   ComPtr<IStatsContext> context = engine.Context();
   EXPECT_EQ(context->IsAvailable(), S_OK);
-  std::uint64_t start = 1;
-  std::uint32_t medium = 1;
-  std::uint32_t subtype = 1;
-  EXPECT_EQ(context->GetStartTime(&start), S_OK);
-  EXPECT_EQ(context->GetMediumType(&medium), S_OK);
-  EXPECT_EQ(context->GetMediumSubtype(&subtype), S_OK);
-  EXPECT_EQ(start, 0U);
-  EXPECT_EQ(medium, kMediumEthernet);
-  EXPECT_EQ(subtype, kSubtypeWired);
+  EXPECT_EQ(Ask(context)(&IStatsContext::GetStartTime), 0U);
+  EXPECT_EQ(Ask(context)(&IStatsContext::GetMediumType), kMediumEthernet);
+  EXPECT_EQ(Ask(context)(&IStatsContext::GetMediumSubtype), kSubtypeWired);
   EXPECT_EQ(context->GetTotalPackets(nullptr), E_POINTER);
 }
 
 TEST(Engine, OffersAnalysisTables) {
   CaptureEngine engine;
+  View view(engine);
+  EXPECT_EQ(Ask(view.Table(kTableMedia))(&ITable::GetRowCount), 0U);
   ComPtr<ITableProvider> provider;
-  ASSERT_EQ(View(engine).Get(kExpertCategory)->QueryInterface(ITableProvider::kIid, provider.OutVoid()), S_OK);
+  ASSERT_EQ(Query(view.Get(kExpertCategory).get(), &provider), S_OK);
   ComPtr<ITable> table;
-  EXPECT_EQ(provider->GetTable(kTableMedia, 1, table.Out()), S_OK);
-  std::uint32_t rows = 1;
-  EXPECT_EQ(table->GetRowCount(&rows), S_OK);
-  EXPECT_EQ(rows, 0U);
   EXPECT_EQ(provider->GetTable(kTableMedia, 2, table.Out()), E_INVALIDARG);
   EXPECT_EQ(provider->GetTable(99, 1, table.Out()), E_INVALIDARG);
   EXPECT_FALSE(table);
@@ -227,17 +184,12 @@ TEST(Engine, AResetStartsOverUnderTheOldIndices) {
   Buffer frame = Ethernet(Mac(1), Mac(2), 0x0800, Ipv4(Ip4(2), Ip4(1), 1, Icmp(8)));
   engine.Feed(MakePacket(frame));
   View after(engine);
-  std::uint64_t packets = 0;
-  EXPECT_EQ(after.context->GetTotalPackets(&packets), S_OK);
-  EXPECT_EQ(packets, 1U);
+  EXPECT_EQ(after.TotalPackets(), 1U);
   EXPECT_EQ(after.Index("10.0.0.1"), before.Index("10.0.0.1"));
-  std::uint32_t nodes = 0;
-  EXPECT_EQ(after.Get(kNodeCategory)->GetCount(&nodes), S_OK);
-  EXPECT_EQ(nodes, 4U);
-  const NodeEntry* node = nullptr;
-  EXPECT_EQ(after.Get(kNodeCategory)->FindByAddress(after.Index("224.0.0.251"), &node), S_FALSE);
-  EXPECT_EQ(after.Get(kNodeCategory)->FindByAddress(after.Index("10.0.0.2"), &node), S_OK);
-  EXPECT_EQ(node->packets_sent, 1U);
+  EXPECT_EQ(after.Entries(kNodeCategory).size(), 4U);
+  EXPECT_EQ(after.Node("224.0.0.251"), nullptr);
+  ASSERT_NE(after.Node("10.0.0.2"), nullptr);
+  EXPECT_EQ(after.Node("10.0.0.2")->packets_sent, 1U);
 }
 
 TEST(Engine, LimitsBoundTheTablesAndTheSummarySaysSo) {
@@ -248,16 +200,10 @@ TEST(Engine, LimitsBoundTheTablesAndTheSummarySaysSo) {
   CaptureEngine engine(options);
   FeedSmallCapture(&engine);
   View view(engine);
-  std::uint32_t count = 0;
-  std::uint64_t packets = 0;
-  EXPECT_EQ(view.Get(kNodeCategory)->GetCount(&count), S_OK);
-  EXPECT_EQ(count, 3U);
-  EXPECT_EQ(view.Get(kConversationCategory)->GetCount(&count), S_OK);
-  EXPECT_EQ(count, 1U);
-  EXPECT_EQ(view.Get(kHierarchyCategory)->GetCount(&count), S_OK);
-  EXPECT_EQ(count, 2U);
-  EXPECT_EQ(view.context->GetTotalPackets(&packets), S_OK);
-  EXPECT_EQ(packets, 4U);
+  EXPECT_EQ(view.Entries(kNodeCategory).size(), 3U);
+  EXPECT_EQ(view.Entries(kConversationCategory).size(), 1U);
+  EXPECT_EQ(view.Entries(kHierarchyCategory).size(), 2U);
+  EXPECT_EQ(view.TotalPackets(), 4U);
   EXPECT_EQ(view.Value("Packets of Addresses Not Listed").first, 4U);
   EXPECT_EQ(view.Value("Packets of Conversations Not Listed").first, 1U);
   EXPECT_EQ(view.Value("Packets of Hierarchy Rows Not Listed").first, 3U);
@@ -275,14 +221,11 @@ TEST(Engine, ListedConversationsAreWholeUnderEveryLimit) {
     ASSERT_EQ(engine.Context()->ResetStatistics(), S_OK);  // addresses stay, their nodes do not
     FeedSmallCapture(&engine);
     View view(engine);
-    ComPtr<IConversationIndex> index;
-    ASSERT_EQ(view.context->GetConversationIndex(index.Out()), S_OK);
-    auto conversations = view.Get(kConversationCategory);
+    const auto index = Ask(view.context)(&IStatsContext::GetConversationIndex);
     auto nodes = view.Get(kNodeCategory);
     auto protocols = view.Get(kProtocolCategory);
-    std::uint32_t count = 0;
-    ASSERT_EQ(conversations->GetCount(&count), S_OK);
-    std::uint32_t walked = 0;
+    const std::size_t count = view.Entries(kConversationCategory).size();
+    std::size_t walked = 0;
     for (unsigned type = 0; type < 256; ++type) {
       std::uint64_t key = 0;
       std::uint64_t previous = 0;
@@ -291,16 +234,10 @@ TEST(Engine, ListedConversationsAreWholeUnderEveryLimit) {
         EXPECT_GT(key, previous) << "in order of first appearance";
         previous = key;
         ++walked;
-        ConversationEndpoints ends;
-        const NodeEntry* node = nullptr;
-        const ProtocolEntry* protocol = nullptr;
-        const AddressRecord* source = nullptr;
-        ASSERT_EQ(index->Resolve(key, &ends), S_OK);
-        EXPECT_EQ(nodes->FindByAddress(ends.source, &node), S_OK);
-        EXPECT_EQ(nodes->FindByAddress(ends.destination, &node), S_OK);
-        EXPECT_EQ(protocols->FindByKey(ends.protocol, &protocol), S_OK);
-        ASSERT_EQ(view.addresses->GetRecord(ends.source, &source), S_OK);
-        EXPECT_EQ(source->type, type);
+        const ConversationEndpoints ends = Ask(index)(&IConversationIndex::Resolve, key);
+        for (std::uint32_t end : {ends.source, ends.destination}) Ask(nodes)(&INodeStats::FindByAddress, end);
+        Ask(protocols)(&IProtocolStats::FindByKey, ends.protocol);
+        EXPECT_EQ(Ask(view.addresses)(&IAddressTable::GetRecord, ends.source)->type, type);
       }
     }
     EXPECT_EQ(walked, count) << limit;
@@ -347,13 +284,9 @@ TEST(Engine, OnlyALiveCaptureHasASite) {
 
 /// Words every address, as a report does.
 void AppendNames(const View& view, IAddressNameService* names) {
-  std::uint32_t count = 0;
-  view.addresses->GetCount(&count);
-  for (std::uint32_t i = 0; i < count; ++i) {
-    const AddressRecord* record = nullptr;
+  for (std::uint32_t i = 0, count = Ask(view.addresses)(&IAddressTable::GetCount); i < count; ++i) {
     std::u16string text;
-    ASSERT_EQ(view.addresses->GetRecord(i, &record), S_OK);
-    ASSERT_EQ(names->AppendAddressText(*record, &text), S_OK);
+    ASSERT_EQ(names->AppendAddressText(*Ask(view.addresses)(&IAddressTable::GetRecord, i), &text), S_OK);
     EXPECT_FALSE(text.empty());
   }
 }
@@ -377,38 +310,24 @@ TEST(EngineThreads, ReadAndFeedAtTheSameTime) {
   });
   while (!done) {
     View view(engine);
-    auto nodes = view.Get(kNodeCategory);
-    std::uint32_t count = 0;
     std::uint64_t sent = 0;
-    std::uint64_t packets = 0;
-    nodes->GetCount(&count);
-    for (std::uint32_t i = 0; i < count; ++i) {
-      const NodeEntry* node = nullptr;
-      ASSERT_EQ(nodes->GetEntry(i, &node), S_OK);
+    for (const NodeEntry* node : view.Entries(kNodeCategory)) {
       if (view.Text(node->address).find(':') != std::string::npos) sent += node->packets_sent;
     }
-    view.context->GetTotalPackets(&packets);
-    EXPECT_EQ(sent, packets) << "every packet has one physical sender";
+    EXPECT_EQ(sent, view.TotalPackets()) << "every packet has one physical sender";
 
-    std::uint64_t bytes = 0;
-    view.context->GetTotalBytes(&bytes);
     const double* rates = nullptr;
-    std::uint32_t seconds = 0;
+    std::uint32_t count = 0;
     auto history = view.Get(kTrafficHistoryCategory);
     history->GetSamples(&rates, &count);
-    history->GetInterval(&seconds);
-    EXPECT_NEAR(std::accumulate(rates, rates + count, 0.0) * seconds, static_cast<double>(bytes), 0.5);
+    EXPECT_NEAR(std::accumulate(rates, rates + count, 0.0) * Ask(history)(&ITrafficHistory::GetInterval),
+                static_cast<double>(Ask(view.context)(&IStatsContext::GetTotalBytes)), 0.5);
 
-    ComPtr<IGraphCollection> graphs = engine.Graphs();
-    ComPtr<IGraph> graph;
-    ComPtr<IGraphSeries> series;
-    graphs->GetCount(&count);
-    ASSERT_EQ(graphs->GetGraph(1, graph.Out()), S_OK);
-    ASSERT_EQ(graph->GetSeries(series.Out()), S_OK);
+    const auto series = Ask(Ask(engine.Graphs())(&IGraphCollection::GetGraph, 1U))(&IGraph::GetSeries);
     std::vector<double> points(400);
     count = 400;
     ASSERT_EQ(series->GetSamples(0, 0, 0, &count, points.data(), nullptr), S_OK);
-    EXPECT_EQ(std::accumulate(points.begin(), points.begin() + count, 0.0), static_cast<double>(packets));
+    EXPECT_EQ(std::accumulate(points.begin(), points.begin() + count, 0.0), static_cast<double>(view.TotalPackets()));
     AppendNames(view, names.get());
   }
   feeder.join();
@@ -418,17 +337,10 @@ TEST(EngineThreads, ReadAndFeedAtTheSameTime) {
 /// Of all flows that the expert analysis lists.
 std::uint64_t PacketsOfFlows(const View& view) {
   constexpr std::uint32_t kPackets = 10;
-  ComPtr<ITableProvider> provider;
-  ComPtr<ITable> flows;
-  EXPECT_EQ(Query(view.Get(kExpertCategory).get(), &provider), S_OK);
-  EXPECT_EQ(provider->GetTable(kTableFlows, 1, flows.Out()), S_OK);
-  std::uint32_t count = 0;
-  EXPECT_EQ(flows->GetRowCount(&count), S_OK);
+  const ComPtr<ITable> flows = view.Table(kTableFlows);
   std::uint64_t packets = 0;
-  std::u16string text;
-  for (std::uint32_t row = 0; row < count; ++row) {
-    EXPECT_EQ(flows->GetCell(row, kPackets, &text), S_OK);
-    packets += std::stoull(Ascii(text));
+  for (std::uint32_t row = 0, count = Ask(flows)(&ITable::GetRowCount); row < count; ++row) {
+    packets += std::stoull(CellOf(flows, row, kPackets));
   }
   return packets;
 }
@@ -450,19 +362,10 @@ TEST(EngineThreads, CountWhatWasFedBeforeTheyAnswer) {
   std::thread reader([&] {
     while (!done) {
       const View view(*engine);
-      auto nodes = view.Get(kNodeCategory);
-      std::uint32_t count = 0;
       std::uint64_t sent = 0;
-      std::uint64_t total = 0;
-      nodes->GetCount(&count);
-      for (std::uint32_t i = 0; i < count; ++i) {
-        const NodeEntry* node = nullptr;
-        ASSERT_EQ(nodes->GetEntry(i, &node), S_OK);
-        sent += node->packets_sent;
-      }
-      view.context->GetTotalPackets(&total);
-      EXPECT_EQ(sent, 2 * total) << "every packet has a physical and a logical sender";
-      EXPECT_EQ(PacketsOfFlows(view), total) << "analyses tell of the same packets as tables";
+      for (const NodeEntry* node : view.Entries(kNodeCategory)) sent += node->packets_sent;
+      EXPECT_EQ(sent, 2 * view.TotalPackets()) << "every packet has a physical and a logical sender";
+      EXPECT_EQ(PacketsOfFlows(view), view.TotalPackets()) << "analyses tell of the same packets as tables";
       engine->StoreSummary(u"now");
     }
   });
@@ -486,9 +389,7 @@ TEST(EngineThreads, CountWhatWasFedBeforeTheyAnswer) {
   const ComPtr<IStatsContext> last = engine->Context();
   engine->Feed(packets);
   engine.reset();  // with packets on their way; the context holds on
-  std::uint64_t total = 0;
-  ASSERT_EQ(last->GetTotalPackets(&total), S_OK);
-  EXPECT_EQ(total, fed + 2 * packets.size());
+  EXPECT_EQ(Ask(last)(&IStatsContext::GetTotalPackets), fed + 2 * packets.size());
 }
 
 }  // namespace

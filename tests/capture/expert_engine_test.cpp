@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "engine/tables.h"
 #include "tests/capture/engine_fixture.h"
 
 namespace orvo::test {
@@ -21,15 +20,10 @@ void FeedQueries(CaptureEngine* engine, unsigned count) {
 }
 
 std::string Rows(CaptureEngine& engine) {
-  ComPtr<ITableProvider> provider;
-  EXPECT_EQ(View(engine).Get(kExpertCategory)->QueryInterface(ITableProvider::kIid, provider.OutVoid()), S_OK);
+  const View view(engine);
   std::string text;
   for (std::uint32_t kind : {kTableFlows, kTableApplications, kTableEventCounts, kTableEventLog}) {
-    ComPtr<ITable> table;
-    std::uint32_t rows = 99;
-    EXPECT_EQ(provider->GetTable(kind, 1, table.Out()), S_OK);
-    EXPECT_EQ(table->GetRowCount(&rows), S_OK);
-    text += std::to_string(rows) + " ";
+    text += std::to_string(Ask(view.Table(kind))(&ITable::GetRowCount)) + " ";
   }
   return text;
 }
@@ -72,13 +66,7 @@ TEST(ExpertEngine, TakesTheTargetThatItIsGiven) {
     options.apdex_target = target;
     CaptureEngine engine(options);
     FeedQueries(&engine, 1);
-    ComPtr<ITableProvider> provider;
-    ComPtr<ITable> table;
-    std::u16string score;
-    ASSERT_EQ(View(engine).Get(kExpertCategory)->QueryInterface(ITableProvider::kIid, provider.OutVoid()), S_OK);
-    ASSERT_EQ(provider->GetTable(kTableFlows, 1, table.Out()), S_OK);
-    EXPECT_EQ(table->GetCell(0, 7, &score), S_OK);
-    EXPECT_EQ(Ascii(score), expected);
+    EXPECT_EQ(CellOf(View(engine).Table(kTableFlows), 0, 7), expected);
   }
 }
 

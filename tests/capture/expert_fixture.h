@@ -52,8 +52,7 @@ class ExpertFixture : public ExpertParts {
   void Feed(const Buffer& frame, double milliseconds = 0, std::uint32_t original_length = 0) {
     Packet packet = MakePacket(frame, kNewYear + static_cast<std::uint64_t>(milliseconds * kMillisecond));
     if (original_length != 0) packet.original_length = original_length;
-    PacketFacts facts;
-    DecodePacket(packet, &facts);
+    PacketFacts facts = Decoded(packet);
     FlowPacket flow_packet;
     if (flow_packet.Read(facts, packet.time)) {
       std::uint64_t begun = flows_.begun();

@@ -5,38 +5,31 @@
 #include <cstdlib>
 #include <fstream>
 #include <set>
-#include <sstream>
 
 #include "tests/capture/expert_fixture.h"
+#include "tests/support/ask.h"
+#include "tests/support/temporary_folder.h"
 
 namespace orvo::test {
 namespace {
 
-std::string Narrow(const std::u16string& text) {
-  return {text.begin(), text.end()};
-}
-
 /// What an ITable answers, read whole.
 struct Sheet {
   explicit Sheet(const ComPtr<ITable>& table) {
-    std::uint32_t column_count = 0;
-    std::uint32_t row_count = 0;
-    EXPECT_EQ(table->GetColumnCount(&column_count), S_OK);
-    EXPECT_EQ(table->GetRowCount(&row_count), S_OK);
-    std::u16string text;
+    const auto ask = Ask(table);
+    const std::uint32_t column_count = ask(&ITable::GetColumnCount);
+    const std::uint32_t row_count = ask(&ITable::GetRowCount);
     for (std::uint32_t column = 0; column < column_count; ++column) {
-      EXPECT_EQ(table->GetColumnIdentifier(column, &text), S_OK);
-      identifiers.push_back(Narrow(text));
-      EXPECT_EQ(table->GetColumnTitle(column, &text), S_OK);
-      titles.push_back(Narrow(text));
+      identifiers.push_back(Ascii(ask(&ITable::GetColumnIdentifier, column)));
+      titles.push_back(Ascii(ask(&ITable::GetColumnTitle, column)));
     }
     for (std::uint32_t row = 0; row < row_count; ++row) {
       rows.emplace_back();
       for (std::uint32_t column = 0; column < column_count; ++column) {
-        EXPECT_EQ(table->GetCell(row, column, &text), S_OK);
-        rows.back().push_back(Narrow(text));
+        rows.back().push_back(Ascii(ask(&ITable::GetCell, row, column)));
       }
     }
+    std::u16string text;
     EXPECT_EQ(table->GetCell(row_count, 0, &text), E_INVALIDARG);
     EXPECT_EQ(table->GetCell(0, column_count, &text), E_INVALIDARG);
   }
@@ -182,9 +175,7 @@ std::string EventPage() {
 TEST(ExpertEvents, AreDocumented) {
   const std::string path = ORVO_SOURCE_DIR "/docs/expert-events.md";
   if (std::getenv("ORVO_REWRITE_EXPECTED")) std::ofstream(path) << EventPage();
-  std::ostringstream text;
-  text << std::ifstream(path).rdbuf();
-  EXPECT_EQ(text.str(), EventPage()) << "ORVO_REWRITE_EXPECTED=1 writes the page";
+  EXPECT_EQ(FileBytes(path), EventPage()) << "ORVO_REWRITE_EXPECTED=1 writes the page";
 }
 
 TEST(ExpertEvents, HaveTextsThatReportsCanShow) {

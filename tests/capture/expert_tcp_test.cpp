@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <cctype>
+#include <sstream>
+
 #include "tests/capture/expert_fixture.h"
 
 namespace orvo::test {
@@ -9,14 +12,31 @@ constexpr char kClientSide = '>';
 
 /// One segment; sequence numbers are relative to the first of each side.
 struct Step {
-  char from;          ///< '>' for the client, '<' for the server
-  const char* flags;  ///< S, F, R and A
-  std::uint32_t sequence;
-  std::uint32_t acknowledgement;
-  unsigned length = 0;
   double milliseconds = 0;
+  char from = 0;           ///< '>' for the client, '<' for the server
+  std::string flags = "";  ///< S, F, R and A
+  std::uint32_t sequence = 0;
+  std::uint32_t acknowledgement = 0;
+  unsigned length = 0;
   unsigned window = 1000;
 };
+
+/// Segments in the form "30>A1,101+100w900": at 30 ms, from the client, ACK, sequence 1, acknowledging 101, with 100
+/// bytes of payload and a window of 900. No payload and a window of 1000 need not be told.
+std::vector<Step> Steps(const std::string& text) {
+  std::vector<Step> steps;
+  std::istringstream words(text);
+  for (std::string word; words >> word;) {
+    Step& step = steps.emplace_back();
+    std::istringstream in(word);
+    in >> step.milliseconds >> step.from;
+    while (std::isalpha(in.peek()) != 0) step.flags += static_cast<char>(in.get());
+    char mark = 0;
+    in >> step.sequence >> mark >> step.acknowledgement;
+    while (in >> mark) in >> (mark == '+' ? step.length : step.window);
+  }
+  return steps;
+}
 
 struct Talk {
   const char* what;
@@ -24,13 +44,11 @@ struct Talk {
   const char* events;
 };
 
-std::uint8_t FlagsOf(const char* letters) {
+std::uint8_t FlagsOf(const std::string& letters) {
   std::uint8_t flags = 0;
-  for (; *letters; ++letters) {
-    flags |= *letters == 'S' ? TcpSegment::kSyn : 0;
-    flags |= *letters == 'F' ? TcpSegment::kFin : 0;
-    flags |= *letters == 'R' ? TcpSegment::kRst : 0;
-    flags |= *letters == 'A' ? TcpSegment::kAck : 0;
+  for (auto [letter, flag] :
+       {std::pair('S', TcpSegment::kSyn), {'F', TcpSegment::kFin}, {'R', TcpSegment::kRst}, {'A', TcpSegment::kAck}}) {
+    if (letters.find(letter) != letters.npos) flags |= flag;
   }
   return flags;
 }
@@ -48,123 +66,54 @@ void Play(const std::vector<Step>& steps, std::uint32_t client_base, std::uint32
   }
 }
 
-std::vector<Step> Opened(std::vector<Step> rest) {
-  std::vector<Step> steps{{'>', "S", 0, 0, 0, 0}, {'<', "SA", 0, 1, 0, 10}, {'>', "A", 1, 1, 0, 20}};
-  steps.insert(steps.end(), rest.begin(), rest.end());
-  return steps;
+std::vector<Step> Opened(const std::string& rest) {
+  return Steps("0>S0,0 10<SA0,1 20>A1,1 " + rest);
 }
 
 const std::vector<Talk>& Talks() {
   static const std::vector<Talk> talks{
       {"a sound connection",
-       Opened({{'>', "A", 1, 1, 100, 30},
-               {'<', "A", 1, 101, 0, 40},
-               {'<', "A", 1, 101, 500, 50},
-               {'>', "A", 101, 501, 0, 60},
-               {'>', "FA", 101, 501, 0, 70},
-               {'<', "FA", 501, 102, 0, 80},
-               {'>', "A", 102, 502, 0, 90}}),
-       ""},
-      {"a segment sent again",
-       Opened({{'>', "A", 1, 1, 100, 30}, {'>', "A", 1, 1, 100, 330}, {'<', "A", 1, 101, 0, 340}}),
-       "TCP_RETRANSMISSION"},
-      {"sent again, at once", Opened({{'>', "A", 1, 1, 100, 30}, {'>', "A", 1, 1, 100, 31}}), "TCP_RETRANSMISSION"},
-      {"sent again with more",
-       Opened({{'>', "A", 1, 1, 100, 30}, {'>', "A", 1, 1, 150, 330}, {'>', "A", 151, 1, 10, 340}}),
-       "TCP_RETRANSMISSION"},
-      {"a first segment sent again", {{'>', "S", 0, 0, 0, 0}, {'>', "S", 0, 0, 0, 1000}}, "TCP_RETRANSMISSION"},
-      {"an end sent again", Opened({{'>', "FA", 1, 1, 0, 30}, {'>', "FA", 1, 1, 0, 330}}), "TCP_RETRANSMISSION"},
-      {"two that change places",
-       Opened({{'>', "A", 101, 1, 100, 30}, {'>', "A", 1, 1, 100, 31}, {'>', "A", 201, 1, 10, 32}}),
+       Opened("30>A1,1+100 40<A1,101 50<A1,101+500 60>A101,501 70>FA101,501 80<FA501,102 90>A102,502"), ""},
+      {"a segment sent again", Opened("30>A1,1+100 330>A1,1+100 340<A1,101"), "TCP_RETRANSMISSION"},
+      {"sent again, at once", Opened("30>A1,1+100 31>A1,1+100"), "TCP_RETRANSMISSION"},
+      {"sent again with more", Opened("30>A1,1+100 330>A1,1+150 340>A151,1+10"), "TCP_RETRANSMISSION"},
+      {"a first segment sent again", Steps("0>S0,0 1000>S0,0"), "TCP_RETRANSMISSION"},
+      {"an end sent again", Opened("30>FA1,1 330>FA1,1"), "TCP_RETRANSMISSION"},
+      {"two that change places", Opened("30>A101,1+100 31>A1,1+100 32>A201,1+10"),
        "TCP_OUT_OF_ORDER TCP_SEGMENT_MISSING"},
-      {"lost before the capture, and sent again", Opened({{'>', "A", 101, 1, 100, 30}, {'>', "A", 1, 1, 100, 330}}),
+      {"lost before the capture, and sent again", Opened("30>A101,1+100 330>A1,1+100"),
        "TCP_RETRANSMISSION TCP_SEGMENT_MISSING"},
       {"lost before the capture, and sent again as it was asked for",
-       Opened({{'>', "A", 1, 1, 100, 30},
-               {'<', "A", 1, 101, 0, 31},
-               {'>', "A", 201, 1, 100, 32},
-               {'<', "A", 1, 101, 0, 33},
-               {'>', "A", 301, 1, 100, 34},
-               {'<', "A", 1, 101, 0, 35},
-               {'>', "A", 401, 1, 100, 36},
-               {'<', "A", 1, 101, 0, 37},
-               {'>', "A", 101, 1, 100, 38}}),
+       Opened("30>A1,1+100 31<A1,101 32>A201,1+100 33<A1,101 34>A301,1+100 35<A1,101 36>A401,1+100 37<A1,101 "
+              "38>A101,1+100"),
        "TCP_RETRANSMISSION TCP_SEGMENT_MISSING TCP_REPEATED_ACK"},
-      {"a gap that comes to be late after the last segment",
-       Opened({{'>', "A", 1, 1, 100, 30}, {'>', "A", 201, 1, 100, 900}, {'>', "A", 101, 1, 100, 901}}),
+      {"a gap that comes to be late after the last segment", Opened("30>A1,1+100 900>A201,1+100 901>A101,1+100"),
        "TCP_OUT_OF_ORDER TCP_SEGMENT_MISSING"},
-      {"an acknowledgement that may be what is missing",
-       Opened({{'>', "A", 1, 1, 100, 30}, {'<', "A", 51, 101, 10, 900}}), "TCP_SEGMENT_MISSING"},
-      {"a gap filled in two parts, then sent again",
-       Opened({{'>', "A", 101, 1, 100, 30},
-               {'>', "A", 1, 1, 50, 31},
-               {'>', "A", 51, 1, 50, 32},
-               {'>', "A", 51, 1, 50, 33}}),
+      {"an acknowledgement that may be what is missing", Opened("30>A1,1+100 900<A51,101+10"), "TCP_SEGMENT_MISSING"},
+      {"a gap filled in two parts, then sent again", Opened("30>A101,1+100 31>A1,1+50 32>A51,1+50 33>A51,1+50"),
        "TCP_RETRANSMISSION TCP_OUT_OF_ORDER*2 TCP_SEGMENT_MISSING"},
       {"keep-alives with and without a byte, and their acknowledgements",
-       Opened({{'>', "A", 1, 1, 10, 30},
-               {'<', "A", 1, 11, 0, 40},
-               {'>', "A", 10, 1, 1, 10000},
-               {'<', "A", 1, 11, 0, 10010},
-               {'>', "A", 10, 1, 0, 20000},
-               {'<', "A", 1, 11, 0, 20010},
-               {'>', "A", 11, 1, 10, 20020}}),
-       ""},
+       Opened("30>A1,1+10 40<A1,11 10000>A10,1+1 10010<A1,11 20000>A10,1 20010<A1,11 20020>A11,1+10"), ""},
       {"acknowledgements that ask for what is lost",
-       Opened({{'<', "A", 1, 1, 100, 30},
-               {'>', "A", 1, 101, 0, 40},
-               {'<', "A", 101, 1, 100, 50},
-               {'<', "A", 201, 1, 100, 51},
-               {'>', "A", 1, 101, 0, 60},
-               {'>', "A", 1, 101, 0, 61},
-               {'>', "A", 1, 101, 0, 62},
-               {'>', "A", 1, 101, 0, 63}}),
+       Opened("30<A1,1+100 40>A1,101 50<A101,1+100 51<A201,1+100 60>A1,101 61>A1,101 62>A1,101 63>A1,101"),
        "TCP_REPEATED_ACK"},
       {"a window that opens is no repeated acknowledgement",
-       Opened({{'<', "A", 1, 1, 100, 30},
-               {'<', "A", 101, 1, 100, 30},
-               {'>', "A", 1, 101, 0, 40, 900},
-               {'>', "A", 1, 101, 0, 41, 910},
-               {'>', "A", 1, 101, 0, 42, 920},
-               {'>', "A", 1, 101, 0, 43, 930}}),
-       ""},
+       Opened("30<A1,1+100 30<A101,1+100 40>A1,101w900 41>A1,101w910 42>A1,101w920 43>A1,101w930"), ""},
       {"no room, and probes into it",
-       Opened({{'>', "A", 1, 1, 100, 30},
-               {'<', "A", 1, 101, 0, 40, 0},
-               {'>', "A", 100, 1, 1, 50},
-               {'<', "A", 1, 101, 0, 60, 0},
-               {'<', "A", 1, 101, 0, 70, 900},
-               {'<', "A", 1, 101, 0, 80, 0}}),
-       "TCP_ZERO_WINDOW*2"},
-      {"an acknowledgement that took long", Opened({{'>', "A", 1, 1, 100, 30}, {'<', "A", 1, 101, 0, 531}}),
-       "TCP_SLOW_ACK"},
-      {"none can tell which of two is acknowledged",
-       Opened({{'>', "A", 1, 1, 100, 30}, {'>', "A", 1, 1, 100, 330}, {'<', "A", 1, 101, 0, 900}}),
+       Opened("30>A1,1+100 40<A1,101w0 50>A100,1+1 60<A1,101w0 70<A1,101w900 80<A1,101w0"), "TCP_ZERO_WINDOW*2"},
+      {"an acknowledgement that took long", Opened("30>A1,1+100 531<A1,101"), "TCP_SLOW_ACK"},
+      {"none can tell which of two is acknowledged", Opened("30>A1,1+100 330>A1,1+100 900<A1,101"),
        "TCP_RETRANSMISSION"},
-      {"refused", {{'>', "S", 0, 0, 0, 0}, {'<', "RA", 0, 1, 0, 1}}, "TCP_CONNECTION_REFUSED"},
-      {"reset twice", Opened({{'<', "R", 1, 0, 0, 30}, {'<', "R", 1, 0, 0, 31}}), "TCP_CONNECTION_RESET"},
-      {"slow to open",
-       {{'>', "S", 0, 0, 0, 0}, {'<', "SA", 0, 1, 0, 400}, {'>', "A", 1, 1, 0, 501}},
-       "TCP_SLOW_CONNECTION"},
-      {"another attempt with other numbers",
-       {{'>', "S", 0, 0, 0, 0}, {'>', "S", 70000, 0, 0, 100}, {'>', "A", 70001, 1, 10, 110}},
-       ""},
-      {"joined in the middle", {{'<', "A", 500, 900, 100, 0}, {'>', "A", 900, 600, 10, 1}}, ""},
-      {"a server that thinks",
-       Opened({{'>', "A", 1, 1, 100, 30}, {'<', "A", 1, 101, 0, 40}, {'<', "A", 1, 101, 10, 2031}}), "BUSY_SERVER"},
+      {"refused", Steps("0>S0,0 1<RA0,1"), "TCP_CONNECTION_REFUSED"},
+      {"reset twice", Opened("30<R1,0 31<R1,0"), "TCP_CONNECTION_RESET"},
+      {"slow to open", Steps("0>S0,0 400<SA0,1 501>A1,1"), "TCP_SLOW_CONNECTION"},
+      {"another attempt with other numbers", Steps("0>S0,0 100>S70000,0 110>A70001,1+10"), ""},
+      {"joined in the middle", Steps("0<A500,900+100 1>A900,600+10"), ""},
+      {"a server that thinks", Opened("30>A1,1+100 40<A1,101 2031<A1,101+10"), "BUSY_SERVER"},
       {"a long answer in drops",
-       Opened({{'>', "A", 1, 1, 100, 30},
-               {'<', "A", 1, 101, 33000, 40},
-               {'>', "A", 101, 33001, 0, 50},
-               {'<', "A", 33001, 101, 33000, 6000},
-               {'>', "A", 101, 66001, 100, 6010}}),
+       Opened("30>A1,1+100 40<A1,101+33000 50>A101,33001 6000<A33001,101+33000 6010>A101,66001+100"),
        "TCP_LOW_THROUGHPUT"},
-      {"a long answer in time",
-       Opened({{'>', "A", 1, 1, 100, 30},
-               {'<', "A", 1, 101, 33000, 40},
-               {'<', "A", 33001, 101, 33000, 4000},
-               {'<', "FA", 66001, 101, 0, 4010}}),
-       ""},
+      {"a long answer in time", Opened("30>A1,1+100 40<A1,101+33000 4000<A33001,101+33000 4010<FA66001,101"), ""},
   };
   return talks;
 }
@@ -183,14 +132,8 @@ TEST(ExpertTcp, TellsWhatGoesWrong) {
 
 TEST(ExpertTcp, CountsForTheRow) {
   ExpertFixture expert;
-  Play(Opened({{'>', "A", 1, 1, 100, 30},
-               {'>', "A", 1, 1, 100, 330},
-               {'<', "A", 1, 101, 50, 430},
-               {'<', "A", 101, 101, 50, 431},
-               {'<', "A", 51, 101, 50, 432},
-               {'>', "A", 101, 151, 1, 2500},
-               {'<', "A", 151, 102, 1, 2504, 0},
-               {'<', "RA", 152, 102, 0, 2506}}),
+  Play(Opened("30>A1,1+100 330>A1,1+100 430<A1,101+50 431<A101,101+50 432<A51,101+50 2500>A101,151+1 "
+              "2504<A151,102+1w0 2506<RA152,102"),
        1, 1, &expert);
   FlowRow row = expert.Rows().at(0);
   EXPECT_EQ(row.packets, (std::array<std::uint32_t, 2>{5, 6}));

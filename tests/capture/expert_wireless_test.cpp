@@ -13,8 +13,7 @@ class WirelessWatchTest : public testing::Test {
  protected:
   void Feed(const Buffer& frame, std::uint32_t link = kLinkWireless) {
     Packet packet = WirelessPacket(frame, link, kNewYear + static_cast<std::uint64_t>(milliseconds_ * kMillisecond));
-    PacketFacts facts;
-    DecodePacket(packet, &facts);
+    PacketFacts facts = Decoded(packet);
     expert_.Inspect(packet, facts);
   }
 

@@ -16,8 +16,7 @@ constexpr std::uint8_t kFin = 1, kSyn = 2, kRst = 4, kPush = 8, kAck = 16;
 
 /// The flow packet of a frame; with protocol 0 when it is of no flow.
 FlowPacket Read(const Buffer& frame, std::uint64_t time = kNewYear) {
-  PacketFacts facts;
-  DecodePacket(MakePacket(frame), &facts);
+  PacketFacts facts = Decoded(MakePacket(frame));
   FlowPacket packet;
   return packet.Read(facts, time) ? packet : FlowPacket{};
 }

@@ -2,9 +2,12 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "capture/decode/protocol_registry.h"
 #include "capture/source/packet.h"
 #include "engine/address.h"
 
@@ -103,6 +106,36 @@ inline Packet MakePacket(const Buffer& frame, std::uint64_t time = kNewYear) {
   packet.bytes = frame;
   packet.original_length = static_cast<std::uint32_t>(frame.size());
   return packet;
+}
+
+inline PacketFacts Decoded(const Packet& packet) {
+  PacketFacts facts;
+  DecodePacket(packet, &facts);
+  return facts;
+}
+
+/// Calls `take` with every beginning, in memory of exactly its length, where a sanitizer sees the first byte read too
+/// many.
+template <class Take>
+void ForEachPrefix(const Buffer& bytes, Take take) {
+  for (std::size_t length = 0; length < bytes.size(); ++length) {
+    Buffer prefix(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length));
+    prefix.shrink_to_fit();
+    take(std::as_const(prefix));
+  }
+}
+
+/// Calls `take` so many times with three bytes changed at random, and now and then with less of them.
+template <class Take>
+void ForEachDamage(const Buffer& bytes, int rounds, Take take) {
+  std::mt19937 random(static_cast<unsigned>(bytes.size()));
+  for (int round = 0; round < rounds && !bytes.empty(); ++round) {
+    Buffer changed = bytes;
+    for (int i = 0; i < 3; ++i) changed[random() % changed.size()] = static_cast<std::uint8_t>(random());
+    if (random() % 4 == 0) changed.resize(random() % (changed.size() + 1));
+    changed.shrink_to_fit();
+    take(std::as_const(changed));
+  }
 }
 
 inline std::string Ascii(std::u16string_view text) {

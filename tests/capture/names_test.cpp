@@ -113,9 +113,10 @@ TEST(DnsNames, HoldNoCharacterThatActs) {
       {{'a', 0, '\n', 0x1B, 0x7F}, u"a????"},
       {Bytes("a.b\\c/d"), u"a.b?c?d"},  // a dot within a label
       {Bytes("J\xC3\xBCrgen"), u"j\u00FCrgen"},
+      // Turns the text behind it. NOLINTNEXTLINE(misc-misleading-bidirectional)
       {Bytes("\xE2\x80\xAE"
              "cod"),
-       u"?cod"},  // turns the text behind it
+       u"?cod"},
       {{'x', 0xC3, 0xFF}, u"x??"},
       {Bytes("under_score-1"), u"under_score-1"},
       {Bytes("-1-x"), u"?1-x"},  // begins like a formula

@@ -67,6 +67,12 @@ TEST(PacketFilterTest, SaysWhatIsWrongWithAnExpression) {
     EXPECT_GT(error.message.size(), std::string(expression).size() + 5) << error.message;
     EXPECT_EQ(error.message.find('\n'), std::string::npos) << error.message;
   }
+  SourceError error;
+  std::string long_one(79, 'a');
+  for (int i = 0; i < 9999; ++i) long_one += "\u00E4";
+  EXPECT_FALSE(PacketFilter::Make(long_one, &error));
+  EXPECT_THAT(error.message, testing::StartsWith(long_one.substr(0, 79) + "...: ")) << "not even a part of a letter";
+  EXPECT_LT(error.message.size(), 500U);
   EXPECT_TRUE(Make("wlan type mgt")) << "for captures of another link type than the most common one";
 }
 

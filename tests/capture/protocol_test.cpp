@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
 
 #include "tests/capture/describe_packet.h"
 
@@ -237,35 +236,26 @@ TEST(Protocols, AreFoundWithTheirEnds) {
   for (const Sample& sample : AllSamples()) EXPECT_EQ(Describe(PacketOf(sample)), sample.found);
 }
 
-// The bytes stand in memory of exactly their length, where a sanitizer sees the first one read too many.
 TEST(Protocols, EveryPrefixStaysWithinItsBytes) {
   for (const Sample& sample : AllSamples()) {
-    bool malformed = sample.found.ends_with("malformed");
-    for (std::size_t length = 0; length < sample.frame.size(); ++length) {
-      Buffer prefix(sample.frame.begin(), sample.frame.begin() + static_cast<std::ptrdiff_t>(length));
-      prefix.shrink_to_fit();
+    ForEachPrefix(sample.frame, [&](const Buffer& prefix) {
       Packet packet = PacketOf(sample);
       packet.bytes = prefix;
-      PacketFacts facts;
-      DecodePacket(packet, &facts);
-      EXPECT_TRUE(!facts.malformed || malformed) << sample.found << " at " << length;
-    }
+      EXPECT_TRUE(!Decoded(packet).malformed || sample.found.ends_with("malformed"))
+          << sample.found << " at " << prefix.size();
+    });
   }
 }
 
 TEST(Protocols, SurviveChangedBytes) {
-  std::mt19937 random(7);
   for (const Sample& sample : AllSamples()) {
-    for (int round = 0; round < 500; ++round) {
-      Buffer frame = sample.frame;
-      for (int change = 0; change < 3; ++change) frame[random() % frame.size()] = static_cast<std::uint8_t>(random());
+    ForEachDamage(sample.frame, 500, [&](const Buffer& frame) {
       Packet packet = MakePacket(frame);
       packet.link_type = sample.link;
-      PacketFacts facts;
-      DecodePacket(packet, &facts);
+      const PacketFacts facts = Decoded(packet);
       EXPECT_NE(ProtocolTree::Get().Classify(facts), 0);
       EXPECT_LE(facts.pair_count, PacketFacts::kMaxPairs);
-    }
+    });
   }
 }
 
@@ -274,9 +264,7 @@ TEST(Protocols, KeepDatagramAndPayload) {
   auto decode = [](std::uint32_t link, const Buffer& frame) {
     Packet packet = MakePacket(frame);
     packet.link_type = link;
-    PacketFacts facts;
-    DecodePacket(packet, &facts);
-    return facts;
+    return Decoded(packet);
   };
   auto text = [](Bytes bytes) { return std::string(bytes.begin(), bytes.end()); };
   Buffer hello{'h', 'e', 'l', 'l', 'o'};

@@ -18,21 +18,24 @@ class SnapshotTest : public testing::Test {
     FeedSmallCapture(&engine_);
   }
 
+  static ComPtr<IStatsSnapshotSource> SourceOf(CaptureEngine& engine) {
+    ComPtr<IStatsSnapshotSource> source;
+    EXPECT_EQ(Query(engine.Context().get(), &source), S_OK);
+    return source;
+  }
   /// The engine's statistics as bytes.
   std::string Take(std::uint64_t* mark = nullptr) {
     std::uint64_t time = 0;
     auto stream = MakeObject<MemoryStream>();
     stream->step = 1000;
-    ComPtr<IStatsSnapshotSource> source;
-    EXPECT_EQ(Query(engine_.Context().get(), &source), S_OK);
-    EXPECT_EQ(source->WriteStatistics(stream.get(), mark ? mark : &time), S_OK);
+    EXPECT_EQ(SourceOf(engine_)->WriteStatistics(stream.get(), mark ? mark : &time), S_OK);
     return stream->bytes;
   }
 
-  static Status Load(const std::string& bytes, ComPtr<IUnknown>* snapshot) {
-    *snapshot = MakeStatsSnapshot();
+  static Status Load(const std::string& bytes, ComPtr<IStatsContext>* snapshot) {
     ComPtr<IPersistStream> persist;
-    EXPECT_EQ(Query(snapshot->get(), &persist), S_OK);
+    EXPECT_EQ(Query(MakeStatsSnapshot().get(), &persist), S_OK);
+    EXPECT_EQ(Query(persist.get(), snapshot), S_OK);
     auto stream = MakeObject<MemoryStream>();
     stream->bytes = bytes;
     stream->step = 700;
@@ -43,37 +46,25 @@ class SnapshotTest : public testing::Test {
 };
 
 /// The totals and all of the summary, in words.
-std::string Describe(IStatsContext* context) {
+std::string Describe(const ComPtr<IStatsContext>& context) {
   std::string text;
-  using Getter = Status (IStatsContext::*)(std::uint64_t*);
-  for (Getter getter : {&IStatsContext::GetTotalPackets, &IStatsContext::GetTotalBytes, &IStatsContext::GetStartTime,
-                        &IStatsContext::GetDuration}) {
-    std::uint64_t total = 0;
-    EXPECT_EQ((context->*getter)(&total), S_OK);
-    text += std::to_string(total) + " ";
+  for (auto getter : {&IStatsContext::GetTotalPackets, &IStatsContext::GetTotalBytes, &IStatsContext::GetStartTime,
+                      &IStatsContext::GetDuration}) {
+    text += std::to_string(Ask(context)(getter)) + " ";
   }
   ComPtr<ISummaryStats> summary;
-  std::uint32_t states = 0;
-  EXPECT_EQ(GetCategory(context, kSummaryCategory, &summary), S_OK);
-  EXPECT_EQ(summary->GetSnapshotCount(&states), S_OK);
-  for (std::uint32_t i = 0; i < states; ++i) {
-    ComPtr<ISummarySnapshot> state;
-    std::u16string name;
-    std::uint32_t statistics = 0;
-    EXPECT_EQ(summary->GetSnapshot(i, state.Out()), S_OK);
-    EXPECT_EQ(state->GetSnapshotName(&name), S_OK);
-    EXPECT_EQ(state->GetCount(&statistics), S_OK);
-    text += "\n" + Ascii(name);
-    for (std::uint32_t s = 0; s < statistics; ++s) {
-      Guid identifier;
-      Guid group;
-      SummaryValue value;
-      EXPECT_EQ(state->GetIdentifier(s, &identifier), S_OK);
-      EXPECT_EQ(state->GetParent(identifier, &group), S_OK);
-      EXPECT_EQ(state->GetName(identifier, &name), S_OK);
-      EXPECT_EQ(state->GetValue(identifier, &value), S_OK);
-      text += "\n" + Ascii(FormatGuid(group) + name) + " " + std::to_string(value.kind) + " " +
-              std::to_string(value.first) + " " + std::to_string(value.second);
+  EXPECT_EQ(GetCategory(context.get(), kSummaryCategory, &summary), S_OK);
+  for (std::uint32_t i = 0, states = Ask(summary)(&ISummaryStats::GetSnapshotCount); i < states; ++i) {
+    const auto state = Ask(summary)(&ISummaryStats::GetSnapshot, i);
+    const auto ask = Ask(state);
+    text += "\n" + Ascii(ask(&ISummarySnapshot::GetSnapshotName));
+    for (std::uint32_t s = 0, count = ask(&ISummarySnapshot::GetCount); s < count; ++s) {
+      const Guid identifier = ask(&ISummarySnapshot::GetIdentifier, s);
+      const SummaryValue value = ask(&ISummarySnapshot::GetValue, identifier);
+      text += "\n" +
+              Ascii(FormatGuid(ask(&ISummarySnapshot::GetParent, identifier)) +
+                    ask(&ISummarySnapshot::GetName, identifier)) +
+              " " + std::to_string(value.kind) + " " + std::to_string(value.first) + " " + std::to_string(value.second);
     }
   }
   return text;
@@ -81,33 +72,27 @@ std::string Describe(IStatsContext* context) {
 
 TEST_F(SnapshotTest, AnswersLikeTheContextThatWroteIt) {
   std::uint64_t mark = 0;
-  ComPtr<IUnknown> object;
-  ASSERT_EQ(Load(Take(&mark), &object), S_OK);
+  ComPtr<IStatsContext> snapshot;
+  ASSERT_EQ(Load(Take(&mark), &snapshot), S_OK);
   EXPECT_EQ(mark, kNewYear + 3 * kSecond);
   View live(engine_);
-  ComPtr<IStatsContext> snapshot;
-  ASSERT_EQ(Query(object.get(), &snapshot), S_OK);
   EXPECT_EQ(snapshot->IsAvailable(), S_OK);
-  const std::string expected = Describe(live.context.get());
+  const std::string expected = Describe(live.context);
   EXPECT_NE(expected.find("red\n"), std::string::npos) << "the stored state is among\n" << expected;
-  EXPECT_EQ(Describe(snapshot.get()), expected);
+  EXPECT_EQ(Describe(snapshot), expected);
 
-  std::uint32_t count = 0;
   ComPtr<IProtocolStats> protocols;
   ASSERT_EQ(GetCategory(snapshot.get(), kProtocolCategory, &protocols), S_OK);
-  ASSERT_EQ(protocols->GetCount(&count), S_OK);
-  ASSERT_EQ(count, 3U);
-  const ProtocolEntry* entry = nullptr;
-  ASSERT_EQ(protocols->FindByKey(live.Index("DNS"), &entry), S_OK);
+  EXPECT_EQ(Ask(protocols)(&IProtocolStats::GetCount), 3U);
+  const ProtocolEntry* entry = Ask(protocols)(&IProtocolStats::FindByKey, live.Index("DNS"));
+  ASSERT_NE(entry, nullptr);
   EXPECT_EQ(entry->packets, 2U);
   EXPECT_EQ(entry->bytes, 160U);
 }
 
 TEST_F(SnapshotTest, HoldsNoMoreThanItSays) {
-  ComPtr<IUnknown> object;
-  ASSERT_EQ(Load(Take(), &object), S_OK);
   ComPtr<IStatsContext> snapshot;
-  ASSERT_EQ(Query(object.get(), &snapshot), S_OK);
+  ASSERT_EQ(Load(Take(), &snapshot), S_OK);
   ComPtr<INodeStats> nodes;
   ComPtr<IAddressTable> addresses;
   ComPtr<IConversationIndex> index;
@@ -118,19 +103,17 @@ TEST_F(SnapshotTest, HoldsNoMoreThanItSays) {
 
 TEST_F(SnapshotTest, RefusesEveryDamage) {
   const std::string good = Take();
-  ComPtr<IUnknown> object;
+  ComPtr<IStatsContext> snapshot;
   for (std::size_t at = 0; at < good.size(); ++at) {
     std::string bad = good;
     bad[at] = static_cast<char>(bad[at] ^ (1 << (at % 8)));
-    ASSERT_TRUE(Failed(Load(bad, &object))) << "byte " << at;
-    ASSERT_TRUE(Failed(Load(good.substr(0, at), &object))) << "cut off at " << at;
+    ASSERT_TRUE(Failed(Load(bad, &snapshot))) << "byte " << at;
+    ASSERT_TRUE(Failed(Load(good.substr(0, at), &snapshot))) << "cut off at " << at;
   }
-  ComPtr<IStatsContext> snapshot;
-  ASSERT_EQ(Query(object.get(), &snapshot), S_OK);
   std::uint64_t packets = 0;
   EXPECT_EQ(snapshot->GetTotalPackets(&packets), E_UNEXPECTED) << "nothing was loaded";
   EXPECT_TRUE(Failed(snapshot->IsAvailable()));
-  EXPECT_EQ(Load(good + "behind it", &object), S_OK);
+  EXPECT_EQ(Load(good + "behind it", &snapshot), S_OK);
 }
 
 /// CRC-32C bit by bit, so that damage can be given a right checksum.
@@ -154,44 +137,37 @@ TEST_F(SnapshotTest, SurvivesDamageWithARightChecksum) {
     std::string bad = good;
     bad[at] = static_cast<char>(~bad[at]);
     Sign(&bad);
-    ComPtr<IUnknown> object;
-    Status status = Load(bad, &object);
+    ComPtr<IStatsContext> snapshot;
+    Status status = Load(bad, &snapshot);
     EXPECT_TRUE(status == S_OK || status == E_FAIL) << "byte " << at;
     refused += Failed(status);
     if (Failed(status)) continue;
-    ComPtr<IStatsContext> snapshot;
     ComPtr<ISummaryStats> summary;
-    ComPtr<ISummarySnapshot> present;
-    ASSERT_EQ(Query(object.get(), &snapshot), S_OK);
     ASSERT_EQ(GetCategory(snapshot.get(), kSummaryCategory, &summary), S_OK);
-    ASSERT_EQ(summary->GetSnapshot(0, present.Out()), S_OK);
     SummaryValue value;
-    present->GetValue(kStatDuration, &value);
+    Ask(summary)(&ISummaryStats::GetSnapshot, 0U)->GetValue(kStatDuration, &value);
   }
   EXPECT_GT(refused, 100);
 }
 
 TEST_F(SnapshotTest, AFailedLoadKeepsWhatWasLoaded) {
   const std::string good = Take();
-  ComPtr<IUnknown> object;
-  ASSERT_EQ(Load(good, &object), S_OK);
+  ComPtr<IStatsContext> snapshot;
+  ASSERT_EQ(Load(good, &snapshot), S_OK);
   ComPtr<IPersistStream> persist;
-  ASSERT_EQ(Query(object.get(), &persist), S_OK);
+  ASSERT_EQ(Query(snapshot.get(), &persist), S_OK);
   EXPECT_TRUE(Failed(persist->Load(MakeObject<MemoryStream>().get())));
   EXPECT_EQ(persist->Load(nullptr), E_POINTER);
   auto copy = MakeObject<MemoryStream>();
   EXPECT_EQ(persist->Save(copy.get(), true), S_OK);
   EXPECT_EQ(copy->bytes, good);
-  Guid class_id;
-  EXPECT_EQ(persist->GetClassID(&class_id), S_OK);
-  EXPECT_EQ(class_id, kStatsSnapshotClass);
+  EXPECT_EQ(Ask(persist)(&IPersistStream::GetClassID), kStatsSnapshotClass);
 }
 
 TEST_F(SnapshotTest, AFullStreamFailsTheWrite) {
   auto stream = MakeObject<MemoryStream>();
   stream->room = 100;
-  ComPtr<IStatsSnapshotSource> source;
-  ASSERT_EQ(Query(engine_.Context().get(), &source), S_OK);
+  const auto source = SourceOf(engine_);
   std::uint64_t mark = 0;
   EXPECT_EQ(source->WriteStatistics(stream.get(), &mark), STG_E_MEDIUMFULL);
   EXPECT_EQ(source->WriteStatistics(nullptr, &mark), E_POINTER);
@@ -203,7 +179,7 @@ class FixedClock final : public Clock {
   std::unique_ptr<Event> CreateEvent() override { return nullptr; }
 };
 
-TEST(SnapshotMark, IsThePresentForLiveAndEmptyCaptures) {
+TEST_F(SnapshotTest, HasTheTimeOfThePresentForLiveAndEmptyCaptures) {
   FixedClock clock;
   SetProcessClock(&clock);
   for (bool live : {false, true}) {
@@ -211,10 +187,8 @@ TEST(SnapshotMark, IsThePresentForLiveAndEmptyCaptures) {
     options.live = live;
     CaptureEngine engine(options);
     if (live) FeedSmallCapture(&engine);
-    ComPtr<IStatsSnapshotSource> source;
-    ASSERT_EQ(Query(engine.Context().get(), &source), S_OK);
     std::uint64_t mark = 0;
-    EXPECT_EQ(source->WriteStatistics(MakeObject<MemoryStream>().get(), &mark), S_OK);
+    EXPECT_EQ(SourceOf(engine)->WriteStatistics(MakeObject<MemoryStream>().get(), &mark), S_OK);
     EXPECT_EQ(mark, clock.Now());
   }
   SetProcessClock(nullptr);

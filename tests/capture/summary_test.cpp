@@ -83,35 +83,26 @@ TEST(Summary, EveryStatisticHasANameAndAGroup) {
   CaptureEngine engine;
   View view(engine);
   ComPtr<ISummarySnapshot> snapshot = view.Summary();
-  std::uint32_t count = 0;
-  ASSERT_EQ(snapshot->GetCount(&count), S_OK);
+  const auto ask = Ask(snapshot);
   std::set<Guid> identifiers;
   Guid first_group;
   Guid previous_group;
   std::set<Guid> groups;
-  for (std::uint32_t i = 0; i < count; ++i) {
-    Guid identifier;
-    Guid group;
-    std::u16string name;
-    ASSERT_EQ(snapshot->GetIdentifier(i, &identifier), S_OK);
-    ASSERT_EQ(snapshot->GetParent(identifier, &group), S_OK);
+  for (std::uint32_t i = 0, count = ask(&ISummarySnapshot::GetCount); i < count; ++i) {
+    const Guid identifier = ask(&ISummarySnapshot::GetIdentifier, i);
+    const Guid group = ask(&ISummarySnapshot::GetParent, identifier);
     EXPECT_TRUE(identifiers.insert(identifier).second);
-    EXPECT_EQ(snapshot->GetName(identifier, &name), S_OK);
-    EXPECT_FALSE(name.empty());
-    EXPECT_EQ(snapshot->GetName(group, &name), S_OK);
-    EXPECT_FALSE(name.empty());
+    EXPECT_FALSE(ask(&ISummarySnapshot::GetName, identifier).empty());
+    EXPECT_FALSE(ask(&ISummarySnapshot::GetName, group).empty());
     if (i == 0) first_group = group;
-    bool is_new = groups.insert(group).second;
-    EXPECT_EQ(is_new, group != previous_group) << "groups stand together";
+    EXPECT_EQ(groups.insert(group).second, group != previous_group) << "groups stand together";
     previous_group = group;
   }
   for (const Guid& known :
        {kStatTotalPackets, kStatTotalBytes, kStatDuration, kStatStartDate, kStatStartTime, kStatFirstGroup}) {
     EXPECT_EQ(identifiers.count(known), 1U);
   }
-  Guid group;
-  EXPECT_EQ(snapshot->GetParent(kStatFirstGroup, &group), S_OK);
-  EXPECT_EQ(group, first_group);
+  EXPECT_EQ(ask(&ISummarySnapshot::GetParent, kStatFirstGroup), first_group);
 }
 
 TEST(Summary, UnknownIdentifiersHaveEmptyResults) {
@@ -139,18 +130,14 @@ TEST(Summary, StoredOnesStandBesideThePresentOne) {
   engine.StoreSummary(u"after");
   FeedSmallCapture(&engine);
   View view(engine);
-  std::uint32_t count = 0;
-  ASSERT_EQ(view.Get(kSummaryCategory)->GetSnapshotCount(&count), S_OK);
-  ASSERT_EQ(count, 3U);
+  ASSERT_EQ(Ask(view.Get(kSummaryCategory))(&ISummaryStats::GetSnapshotCount), 3U);
   const std::pair<const char16_t*, std::uint64_t> expected[] = {{u"Current", 8}, {u"before", 0}, {u"after", 4}};
-  for (std::uint32_t i = 0; i < count; ++i) {
-    std::u16string name;
-    EXPECT_EQ(view.Summary(i)->GetSnapshotName(&name), S_OK);
-    EXPECT_EQ(name, expected[i].first);
+  for (std::uint32_t i = 0; i < 3; ++i) {
+    EXPECT_EQ(Ask(view.Summary(i))(&ISummarySnapshot::GetSnapshotName), expected[i].first);
     EXPECT_EQ(view.Value("Total Packets", i).first, expected[i].second);
   }
   ComPtr<ISummarySnapshot> none;
-  EXPECT_EQ(view.Get(kSummaryCategory)->GetSnapshot(count, none.Out()), E_INVALIDARG);
+  EXPECT_EQ(view.Get(kSummaryCategory)->GetSnapshot(3, none.Out()), E_INVALIDARG);
 }
 
 }  // namespace

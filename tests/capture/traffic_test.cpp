@@ -119,13 +119,9 @@ TEST(TrafficHistory, IsACategoryOfBytesPerSecond) {
   auto history = View(engine).Get(kTrafficHistoryCategory);
   const double* values = nullptr;
   std::uint32_t count = 0;
-  std::uint32_t seconds = 0;
-  std::uint64_t start = 0;
   ASSERT_EQ(history->GetSamples(&values, &count), S_OK);
-  EXPECT_EQ(history->GetInterval(&seconds), S_OK);
-  EXPECT_EQ(history->GetStartTime(&start), S_OK);
-  EXPECT_EQ(seconds, 5U);
-  EXPECT_EQ(start, kNewYear);
+  EXPECT_EQ(Ask(history)(&ITrafficHistory::GetInterval), 5U);
+  EXPECT_EQ(Ask(history)(&ITrafficHistory::GetStartTime), kNewYear);
   ASSERT_EQ(count, 25U);
   EXPECT_EQ(values[0], 262 / 5.0);
   EXPECT_EQ(values[1], 0);
@@ -166,14 +162,8 @@ TEST(SizeDistribution, TurnsJumboWithTheFirstLongFrame) {
   for (const auto& [view, scheme, expected] :
        {std::tuple{&before, kSizesEthernet, Buckets{3, 1, 0, 0, 0, 0}},
         std::tuple{&after, kSizesJumbo, Buckets{3, 1, 0, 0, 0, 0, 0, 0, 0, 1, 0}}}) {
-    auto sizes = view->Get(kSizeCategory);
-    const std::uint64_t* buckets = nullptr;
-    std::uint32_t count = 0;
-    std::uint32_t found = 0;
-    ASSERT_EQ(sizes->GetBuckets(&buckets, &count), S_OK);
-    ASSERT_EQ(sizes->GetScheme(&found), S_OK);
-    EXPECT_EQ(found, scheme);
-    EXPECT_EQ(Buckets(buckets, buckets + count), expected);
+    EXPECT_EQ(Ask(view->Get(kSizeCategory))(&ISizeStats::GetScheme), scheme);
+    EXPECT_EQ(view->SizeBuckets(), expected);
   }
   EXPECT_EQ(after.Value("1518 Bytes or More").first, 1U);
 }
@@ -181,30 +171,19 @@ TEST(SizeDistribution, TurnsJumboWithTheFirstLongFrame) {
 /// One graph of an engine, with its series.
 struct GraphUnderTest {
   GraphUnderTest(CaptureEngine& engine, const std::string& wanted) {
-    ComPtr<IGraphCollection> graphs = engine.Graphs();
-    std::uint32_t count = 0;
-    EXPECT_EQ(graphs->GetCount(&count), S_OK);
-    for (std::uint32_t i = 0; i < count; ++i) {
-      ComPtr<IGraph> candidate;
-      std::u16string name;
-      EXPECT_EQ(graphs->GetGraph(i, candidate.Out()), S_OK);
-      EXPECT_EQ(candidate->GetName(&name), S_OK);
-      if (Ascii(name) == wanted) graph = candidate;
+    const ComPtr<IGraphCollection> graphs = engine.Graphs();
+    for (std::uint32_t i = 0, count = Ask(graphs)(&IGraphCollection::GetCount); i < count; ++i) {
+      const auto candidate = Ask(graphs)(&IGraphCollection::GetGraph, i);
+      if (Ascii(Ask(candidate)(&IGraph::GetName)) == wanted) {
+        graph = candidate;
+      }
     }
-    if (graph) {
-      EXPECT_EQ(graph->GetSeries(series.Out()), S_OK);
-    }
+    if (graph) series = Ask(graph)(&IGraph::GetSeries);
   }
 
   std::vector<std::string> Names() const {
-    std::uint32_t count = 0;
-    EXPECT_EQ(series->GetCount(&count), S_OK);
-    std::vector<std::string> names;
-    for (std::uint32_t i = 0; i < count; ++i) {
-      std::u16string name;
-      EXPECT_EQ(series->GetName(i, &name), S_OK);
-      names.push_back(Ascii(name));
-    }
+    std::vector<std::string> names(Ask(series)(&IGraphSeries::GetCount));
+    for (std::uint32_t i = 0; i < names.size(); ++i) names[i] = Ascii(Ask(series)(&IGraphSeries::GetName, i));
     return names;
   }
 
@@ -249,25 +228,21 @@ TEST(Graphs, ShowWhatWasCounted) {
        {"DNS", "mDNS", "ARP", "ICMP", "IPv4"},
        {{1280, 8 * 74, 0, 0}, {0, 0, 0, 480}, {0, 336, 0, 0}, {0, 336, 0, 0}, {0, 0, 0, 120}}},
   };
-  std::uint32_t count = 0;
-  EXPECT_EQ(engine.Graphs()->GetCount(&count), S_OK);
-  EXPECT_EQ(count, std::size(cases));
+  EXPECT_EQ(Ask(engine.Graphs())(&IGraphCollection::GetCount), std::size(cases));
   for (const auto& c : cases) {
     SCOPED_TRACE(c.graph);
     GraphUnderTest test(engine, c.graph);
     ASSERT_TRUE(test.graph);
     EXPECT_EQ(test.Names(), c.names);
     for (std::uint32_t i = 0; i < c.values.size(); ++i) EXPECT_EQ(test.Values(i), c.values[i]) << i;
-    std::u16string title;
-    EXPECT_EQ(test.graph->GetTitle(&title), S_OK);
-    EXPECT_FALSE(title.empty());
+    EXPECT_FALSE(Ask(test.graph)(&IGraph::GetTitle).empty());
     std::uint32_t none = 7;
     EXPECT_EQ(test.series->GetSamples(static_cast<std::uint32_t>(c.names.size()), 0, 0, &none, nullptr, nullptr),
               E_INVALIDARG);
     EXPECT_EQ(none, 0U);
   }
   ComPtr<IGraph> beyond;
-  EXPECT_EQ(engine.Graphs()->GetGraph(count, beyond.Out()), E_INVALIDARG);
+  EXPECT_EQ(engine.Graphs()->GetGraph(std::size(cases), beyond.Out()), E_INVALIDARG);
 }
 
 TEST(Graphs, CountRetransmissionsWhenTheyAreSent) {
@@ -324,12 +299,8 @@ TEST(Graphs, FoldToLongerSamples) {
   for (std::uint64_t second = 0; second < 10'002; ++second) engine.Feed(MakePacket(frame, kNewYear + second * kSecond));
   for (const char* name : {"Utilization", "Top Protocols"}) {
     GraphUnderTest test(engine, name);
-    std::uint32_t seconds = 0;
-    std::uint32_t count = 0;
-    EXPECT_EQ(test.graph->GetInterval(&seconds), S_OK);
-    EXPECT_EQ(test.graph->GetSampleCount(&count), S_OK);
-    EXPECT_EQ(seconds, 5U);
-    EXPECT_EQ(count, 2001U);
+    EXPECT_EQ(Ask(test.graph)(&IGraph::GetInterval), 5U);
+    EXPECT_EQ(Ask(test.graph)(&IGraph::GetSampleCount), 2001U);
     Values expected(2001, 8 * 42);
     expected.back() = 8 * 42 * 2 / 5.0;
     EXPECT_EQ(test.Values(0), expected);
@@ -342,13 +313,9 @@ TEST(Graphs, AreOfTheMomentThatAReportBegan) {
   ComPtr<IGraphCollection> graphs = engine.Graphs();
   ComPtr<IStatsContext> context = engine.Context();
   auto packets = [&] {
-    std::uint32_t count = 0;
-    ComPtr<IGraph> graph;
-    ComPtr<IGraphSeries> series;
-    EXPECT_EQ(graphs->GetCount(&count), S_OK);
-    EXPECT_EQ(graphs->GetGraph(1, graph.Out()), S_OK);
-    EXPECT_EQ(graph->GetSeries(series.Out()), S_OK);
-    count = 1;
+    EXPECT_GT(Ask(graphs)(&IGraphCollection::GetCount), 1U);
+    const auto series = Ask(Ask(graphs)(&IGraphCollection::GetGraph, 1U))(&IGraph::GetSeries);
+    std::uint32_t count = 1;
     double first = 0;
     EXPECT_EQ(series->GetSamples(0, 0, 0, &count, &first, nullptr), S_OK);
     return first;

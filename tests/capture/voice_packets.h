@@ -58,8 +58,7 @@ class VoiceBench {
   }
   void SendFrame(const Buffer& frame, std::uint64_t milliseconds) {
     Packet packet = MakePacket(frame, kNewYear + milliseconds * 1'000'000);
-    PacketFacts facts;
-    DecodePacket(packet, &facts);
+    PacketFacts facts = Decoded(packet);
     analysis_.Inspect(packet, facts);
   }
   void SendFile(const std::string& path) {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <random>
+#include <tuple>
 
 #include "capture/decode/radio_rates.h"
 #include "tests/capture/describe_packet.h"
@@ -17,8 +17,7 @@ std::string Text(const AddressRecord& address) {
 
 /// What the radio and the frame's header told, in one line.
 std::string DescribeWireless(const Packet& packet) {
-  PacketFacts facts;
-  DecodePacket(packet, &facts);
+  PacketFacts facts = Decoded(packet);
   const WirelessFacts& wireless = facts.wireless;
   const RadioFacts& radio = wireless.radio;
   std::string text;
@@ -258,43 +257,28 @@ std::vector<std::pair<std::uint32_t, Buffer>> EveryPacket() {
   return packets;
 }
 
-// The bytes stand in memory of exactly their length, where a sanitizer sees the first one read too many.
 TEST(WirelessDecode, StaysWithinEveryPrefixAndBlamesTheCaptureForIt) {
   for (const auto& [link, bytes] : EveryPacket()) {
-    PacketFacts whole;
-    DecodePacket(WirelessPacket(bytes, link), &whole);
-    for (std::size_t length = 0; length < bytes.size(); ++length) {
-      const Buffer prefix(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length));
+    const PacketFacts whole = Decoded(WirelessPacket(bytes, link));
+    ForEachPrefix(bytes, [&, link = link, size = bytes.size()](const Buffer& prefix) {
       Packet packet = WirelessPacket(prefix, link);
-      packet.original_length = static_cast<std::uint32_t>(bytes.size());
-      PacketFacts facts;
-      DecodePacket(packet, &facts);
-      EXPECT_LE(facts.malformed, whole.malformed) << "link " << link << " at " << length;
-      EXPECT_LE(facts.wireless.icv_error, whole.wireless.icv_error) << "link " << link << " at " << length;
-    }
+      packet.original_length = static_cast<std::uint32_t>(size);
+      const PacketFacts facts = Decoded(packet);
+      EXPECT_LE(facts.malformed, whole.malformed) << "link " << link << " at " << prefix.size();
+      EXPECT_LE(facts.wireless.icv_error, whole.wireless.icv_error) << "link " << link << " at " << prefix.size();
+    });
   }
 }
 
 TEST(WirelessDecode, StaysWithinPacketsWithAnyByteChanged) {
-  std::mt19937 random(1);
   for (const auto& [link, bytes] : EveryPacket()) {
-    for (int round = 0; round < 200 && !bytes.empty(); ++round) {
-      Buffer changed = bytes;
-      for (int i = 0; i < 3; ++i) changed[random() % changed.size()] = static_cast<std::uint8_t>(random());
-      PacketFacts facts;
-      DecodePacket(WirelessPacket(changed, link), &facts);
+    ForEachDamage(bytes, 200, [link = link](const Buffer& changed) {
+      const PacketFacts facts = Decoded(WirelessPacket(changed, link));
       EXPECT_LE(facts.pair_count, PacketFacts::kMaxPairs);
       EXPECT_LE(facts.wireless.announced.name_length, 32);
-    }
+    });
   }
 }
-
-struct SecuritySample {
-  unsigned capabilities;
-  Buffer elements;
-  int encryption;
-  int authentication;
-};
 
 TEST(WirelessDecode, ReadsHowNetworksAreProtected) {
   const Buffer rsn{0x00, 0x0F, 0xAC};
@@ -307,7 +291,7 @@ TEST(WirelessDecode, ReadsHowNetworksAreProtected) {
     return body + Le16(1) + suite(organisation, management);
   };
   constexpr unsigned kPrivacy = 0x11;
-  const SecuritySample samples[] = {
+  const std::tuple<unsigned, Buffer, int, int> samples[] = {
       {1, {}, 0, 0},
       {kPrivacy, {}, 1, 0},
       {kPrivacy, Element(133, Zeros(8) + Buffer{0x10} + Zeros(5)), 2, 0},
@@ -328,26 +312,19 @@ TEST(WirelessDecode, ReadsHowNetworksAreProtected) {
       {kPrivacy, Element(48, Le16(1) + suite(rsn, 2) + Le16(0xFFFF) + suite(rsn, 4)), 3, 0},
       {kPrivacy, Element(48, {1}), 1, 0},
   };
-  for (const SecuritySample& sample : samples) {
-    const Buffer frame =
-        ManagementFrame(8, BroadcastMac(), kAp, kAp, Announcement(sample.capabilities, sample.elements));
-    PacketFacts facts;
-    DecodePacket(WirelessPacket(frame), &facts);
-    const auto at = &sample - samples;
-    EXPECT_FALSE(facts.malformed) << at;
-    EXPECT_EQ(facts.wireless.announced.encryption, sample.encryption) << at;
-    EXPECT_EQ(facts.wireless.announced.authentication, sample.authentication) << at;
+  for (const auto& [capabilities, elements, encryption, authentication] : samples) {
+    const Buffer frame = ManagementFrame(8, BroadcastMac(), kAp, kAp, Announcement(capabilities, elements));
+    const PacketFacts facts = Decoded(WirelessPacket(frame));
+    const std::string row = testing::PrintToString(elements);
+    EXPECT_FALSE(facts.malformed) << row;
+    EXPECT_EQ(facts.wireless.announced.encryption, encryption) << row;
+    EXPECT_EQ(facts.wireless.announced.authentication, authentication) << row;
   }
 }
 
 TEST(WirelessDecode, ReadsNamesAndChannels) {
-  struct Expectation {
-    Buffer elements;
-    std::string name;
-    bool shows;
-    int channel;
-  };
-  const Expectation expectations[] = {
+  const std::tuple<Buffer, std::string, bool, int> expectations[] = {
+      // the name, whether it is shown, the channel
       {NameElement("net") + Element(3, {6}), "net", true, 6},
       {NameElement("") + Element(61, {36}), "", false, 36},
       {NameElement(std::string(3, '\0')), std::string(3, '\0'), false, 0},
@@ -355,25 +332,18 @@ TEST(WirelessDecode, ReadsNamesAndChannels) {
       {NameElement(std::string(33, 'x')), "", false, 0},  // longer than a name may be
       {Element(3, {}) + Element(61, {}), "", false, 0},
   };
-  for (const Expectation& expected : expectations) {
-    const Buffer frame = ManagementFrame(8, BroadcastMac(), kAp, kAp, Announcement(1, expected.elements));
-    PacketFacts facts;
-    DecodePacket(WirelessPacket(frame), &facts);
-    const NetworkFacts& network = facts.wireless.announced;
-    EXPECT_EQ(std::string(network.name.begin(), network.name.begin() + network.name_length), expected.name);
-    EXPECT_EQ(network.shows_name(), expected.shows) << expected.name;
-    EXPECT_EQ(network.channel, expected.channel) << expected.name;
+  for (const auto& [elements, name, shows, channel] : expectations) {
+    const Buffer frame = ManagementFrame(8, BroadcastMac(), kAp, kAp, Announcement(1, elements));
+    const NetworkFacts network = Decoded(WirelessPacket(frame)).wireless.announced;
+    EXPECT_EQ(std::string(network.name.begin(), network.name.begin() + network.name_length), name);
+    EXPECT_EQ(network.shows_name(), shows) << name;
+    EXPECT_EQ(network.channel, channel) << name;
   }
 }
 
 TEST(WirelessDecode, KnowsChannelsAndBands) {
-  struct Expectation {
-    std::uint32_t megahertz;
-    std::uint32_t modes;
-    std::uint16_t channel;
-    std::uint32_t band;
-  };
-  constexpr Expectation kExpectations[] = {
+  // The frequency and the modes, and what they make: channel and band.
+  const std::tuple<std::uint32_t, std::uint32_t, std::uint16_t, std::uint32_t> cases[] = {
       {0, 0, 0, 0},
       {2412, kRadioCck, 1, 2},
       {2472, kRadioCck | kRadioOfdm, 13, 4},
@@ -396,10 +366,9 @@ TEST(WirelessDecode, KnowsChannelsAndBands) {
       {4940, kRadioOfdm | kRadioQuarterWidth, 188, 101},
       {900, kRadioOfdm, 0, 3},
   };
-  for (const Expectation& expected : kExpectations) {
-    EXPECT_EQ(ChannelOfFrequency(expected.megahertz), expected.channel) << expected.megahertz;
-    EXPECT_EQ(BandCode(expected.megahertz, expected.modes), expected.band)
-        << expected.megahertz << " " << expected.modes;
+  for (const auto& [megahertz, modes, channel, band] : cases) {
+    EXPECT_EQ(ChannelOfFrequency(megahertz), channel) << megahertz;
+    EXPECT_EQ(BandCode(megahertz, modes), band) << megahertz << " " << modes;
   }
   for (std::uint32_t number : {1U, 13U, 14U, 36U, 165U, 188U}) {
     EXPECT_EQ(ChannelOfFrequency(FrequencyOfChannel(number)), number);

@@ -9,7 +9,6 @@
 #include "capture/decode/protocol_registry.h"
 #include "capture/names/trust_file.h"
 #include "capture/source/capture_file.h"
-#include "engine/traffic.h"
 #include "platform/persist.h"
 #include "tests/capture/describe_wireless.h"
 #include "tests/capture/memory_stream.h"
@@ -56,6 +55,10 @@ Buffer Upward(const Buffer& ap, const Buffer& body = IpPacket(), std::uint8_t fl
 }
 Buffer Eap(std::uint8_t code, std::uint8_t method) {
   return Snap(0x888E, {2, 0, 0, 6, code, 1, 0, 6, method, 0});
+}
+
+std::string DescribeAll(const View& view) {
+  return DescribeNodes(view) + DescribeNodes(view, DescribeTraffic) + DescribeChannels(view);
 }
 
 void FeedAll(CaptureEngine& engine, const std::vector<Buffer>& frames) {
@@ -179,8 +182,7 @@ TEST(WirelessNodes, CountWhatTheRadioHeard) {
             "protected=2/110 crc=1 icv=1 signal=0-100,100% -100..-40,-40,340 noise=10-10,10% -95..-95,-95,50 "
             "rates=2:2/164 22:2/110 108:1/26\n");
   ComPtr<IWirelessChannelStats> channels = view.Get(kWirelessChannelCategory);
-  const WirelessChannelEntry* entry = nullptr;
-  ASSERT_EQ(channels->GetEntry(0, &entry), S_OK);
+  const WirelessChannelEntry* entry = Ask(channels)(&IWirelessChannelStats::GetEntry, 0U);
   EXPECT_NEAR(entry->signal_milliwatt_sum, 1e-10 + 1e-6 + 1e-7 + 1e-5 + 1e-4, 1e-12);
   EXPECT_EQ(channels->GetEntry(1, &entry), E_INVALIDARG);
   // Whom the damaged frame names has sent and received nothing. The access point is beside the ends of its frames.
@@ -199,11 +201,8 @@ TEST(WirelessNodes, AreABoundedTable) {
     engine.Feed(WirelessPacket(frame, kLinkRadiotap));
   }
   View view(engine);
-  std::uint32_t count = 0;
-  ASSERT_EQ(view.Get(kWirelessNodeCategory)->GetCount(&count), S_OK);
-  EXPECT_EQ(count, 2U + 3);
-  ASSERT_EQ(view.Get(kWirelessChannelCategory)->GetCount(&count), S_OK);
-  EXPECT_EQ(count, 1U);
+  EXPECT_EQ(view.Entries(kWirelessNodeCategory).size(), 2U + 3);
+  EXPECT_EQ(view.Entries(kWirelessChannelCategory).size(), 1U);
   EXPECT_EQ(view.Value("Packets of Wireless Rows Not Listed").first, 9U);
   EXPECT_EQ(view.Value("Total Packets").first, 10U);
 }
@@ -212,9 +211,9 @@ TEST(WirelessNodes, AreFrozenWhenHandedOut) {
   CaptureEngine engine;
   FeedAll(engine, {BeaconOf(kAp, "net")});
   View before(engine);
-  const std::string first = DescribeNodes(before) + DescribeNodes(before, DescribeTraffic) + DescribeChannels(before);
+  const std::string first = DescribeAll(before);
   FeedAll(engine, {BeaconOf(kAp, "new"), Upward(kAp), BeaconOf(kAp2, "two")});
-  EXPECT_EQ(DescribeNodes(before) + DescribeNodes(before, DescribeTraffic) + DescribeChannels(before), first);
+  EXPECT_EQ(DescribeAll(before), first);
   EXPECT_NE(DescribeNodes(View(engine)), DescribeNodes(before));
   // Starting over forgets the nodes, but not that the medium is wireless.
   ASSERT_EQ(engine.Context()->ResetStatistics(), S_OK);
@@ -252,39 +251,26 @@ TEST(WirelessMedium, IsToldByBandsAndRates) {
     CaptureEngine engine;
     for (const Buffer& packet : expected.packets) engine.Feed(WirelessPacket(packet, expected.link));
     View view(engine);
-    std::uint32_t type = 9;
-    std::uint32_t subtype = 9;
-    EXPECT_EQ(view.context->GetMediumType(&type), S_OK);
-    EXPECT_EQ(view.context->GetMediumSubtype(&subtype), S_OK);
-    EXPECT_EQ(type, kMediumEthernet);
-    EXPECT_EQ(subtype, expected.subtype) << &expected - expectations;
+    EXPECT_EQ(Ask(view.context)(&IStatsContext::GetMediumType), kMediumEthernet);
+    EXPECT_EQ(Ask(view.context)(&IStatsContext::GetMediumSubtype), expected.subtype) << &expected - expectations;
     const bool is_wireless = expected.subtype != kSubtypeWired;
     ComPtr<IWirelessNodeStats> nodes;
     ComPtr<IWirelessChannelStats> channels;
     EXPECT_EQ(Succeeded(GetCategory(view.context.get(), kWirelessNodeCategory, &nodes)), is_wireless);
     EXPECT_EQ(Succeeded(GetCategory(view.context.get(), kWirelessChannelCategory, &channels)), is_wireless);
-    std::uint32_t scheme = 0;
-    EXPECT_EQ(view.Get(kSizeCategory)->GetScheme(&scheme), S_OK);
-    EXPECT_EQ(scheme, is_wireless ? kSizesWireless : kSizesEthernet);
+    EXPECT_EQ(Ask(view.Get(kSizeCategory))(&ISizeStats::GetScheme), is_wireless ? kSizesWireless : kSizesEthernet);
   }
 }
 
 TEST(WirelessMedium, HasSizesOfItsOwn) {
   CaptureEngine engine;
-  std::uint64_t packets = 0;
   for (std::uint32_t length : {63U, 64U, 255U, 256U, 512U, 1024U, 2047U, 2048U, 2346U, 2347U}) {
     Buffer frame = ControlFrame(13, kSta);
     Packet packet = WirelessPacket(frame);
     packet.original_length = length;
     engine.Feed(packet);
-    ++packets;
   }
-  const std::uint64_t* buckets = nullptr;
-  std::uint32_t count = 0;
-  View view(engine);
-  ComPtr<ISizeStats> sizes = view.Get(kSizeCategory);
-  ASSERT_EQ(sizes->GetBuckets(&buckets, &count), S_OK);
-  EXPECT_EQ(std::vector(buckets, buckets + count), (std::vector<std::uint64_t>{1, 2, 1, 1, 2, 2, 1}));
+  EXPECT_EQ(View(engine).SizeBuckets(), (std::vector<std::uint64_t>{1, 2, 1, 1, 2, 2, 1}));
 }
 
 TEST(Trust, ComesFromAFile) {
@@ -320,10 +306,6 @@ void ForEachSamplePacket(Take take) {
   for (Packet packet; source->Next(&packet);) take(packet);
 }
 
-std::string DescribeAll(const View& view) {
-  return DescribeNodes(view) + DescribeNodes(view, DescribeTraffic) + DescribeChannels(view);
-}
-
 TEST(WirelessSnapshot, HoldsEverythingWireless) {
   CaptureEngine engine;
   ForEachSamplePacket([&](const Packet& packet) { engine.Feed(packet); });
@@ -350,8 +332,7 @@ TEST(WirelessSnapshot, IsReadWithDistrust) {
   AddressTable addresses(1000);
   WirelessTables tables({}, nullptr);
   ForEachSamplePacket([&](const Packet& packet) {
-    PacketFacts facts;
-    DecodePacket(packet, &facts);
+    PacketFacts facts = Decoded(packet);
     tables.Count({packet.time, packet.original_length, facts.eap_method, facts.wireless}, &addresses);
   });
   SnapshotWriter out;

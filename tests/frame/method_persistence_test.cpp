@@ -34,13 +34,11 @@ class MethodPersistence : public testing::Test {
 };
 
 TEST_F(MethodPersistence, FindsNothingButADocumentElement) {
-  const struct {
-    const char16_t* element;
-    Status status;
-  } cases[] = {{u"csvstatsoutput", S_OK}, {u"xmlstatsoutput", S_FALSE}, {u"below", S_FALSE}};
-  for (const auto& c : cases) {
+  const std::pair<const char16_t*, Status> cases[] = {
+      {u"csvstatsoutput", S_OK}, {u"xmlstatsoutput", S_FALSE}, {u"below", S_FALSE}};
+  for (const auto& [element, status] : cases) {
     for (bool text_method : {true, false}) {
-      EXPECT_EQ(LoadMethodElement(document_.get(), node_.get(), c.element, text_method), c.status);
+      EXPECT_EQ(LoadMethodElement(document_.get(), node_.get(), element, text_method), status);
     }
   }
 }
@@ -55,20 +53,16 @@ TEST_F(MethodPersistence, SavesNothing) {
 
 TEST_F(MethodPersistence, TellsWhatIsWrongWithItsArguments) {
   ComPtr<Stranger> stranger = MakeObject<Stranger>();
-  const struct {
-    IUnknown* document;
-    IUnknown* node;
-    Status status;
-  } cases[] = {
+  const std::tuple<IUnknown*, IUnknown*, Status> cases[] = {
       {nullptr, node_.get(), E_POINTER},
       {document_.get(), nullptr, E_POINTER},
       {stranger.get(), node_.get(), E_NOINTERFACE},
       {document_.get(), stranger.get(), E_NOINTERFACE},
   };
-  for (const auto& c : cases) {
+  for (const auto& [document, node, status] : cases) {
     for (auto* operation : {LoadMethodElement, SaveMethodElement}) {
-      EXPECT_EQ(operation(c.document, c.node, u"csvstatsoutput", true), E_FAIL);
-      EXPECT_EQ(operation(c.document, c.node, u"xmlstatsoutput", false), c.status);
+      EXPECT_EQ(operation(document, node, u"csvstatsoutput", true), E_FAIL);
+      EXPECT_EQ(operation(document, node, u"xmlstatsoutput", false), status);
     }
   }
 }

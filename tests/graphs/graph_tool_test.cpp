@@ -75,19 +75,15 @@ constexpr Argb kBlue = 0xFF3F3FCF;
 constexpr Argb kGreen = 0xFF9EB73F;
 
 TEST_F(GraphToolTest, RangesContainZeroAndNothingMissing) {
-  const struct {
-    std::vector<double> points;
-    double minimum;
-    double maximum;
-  } cases[] = {
+  const std::tuple<std::vector<double>, double, double> cases[] = {
       {{3, 9, kMissing, 4}, 0, 9},
       {{-3, kMissing, -8}, -8, 0},
       {{kNan, kInfinity, -kInfinity, 2}, 0, 2},
       {{kMissing, kMissing}, 0, 0},
   };
-  for (const auto& c : cases) {
+  for (const auto& [points, minimum, maximum] : cases) {
     CZxGraphDataStorage data;
-    Fill(&data, 0, c.points);
+    Fill(&data, 0, points);
     CZxGDIPlusGraphTool tool;
     tool.chartKind = kChartOverTime;
     EXPECT_EQ(tool.maximum(), 1.0);
@@ -95,8 +91,8 @@ TEST_F(GraphToolTest, RangesContainZeroAndNothingMissing) {
     EXPECT_EQ(tool.maximum(), 1.0) << "without a storage nothing changes";
     tool.AttachStorage(&data);
     tool.ComputeRange();
-    EXPECT_EQ(tool.minimum(), c.minimum);
-    EXPECT_EQ(tool.maximum(), c.maximum);
+    EXPECT_EQ(tool.minimum(), minimum);
+    EXPECT_EQ(tool.maximum(), maximum);
   }
 }
 

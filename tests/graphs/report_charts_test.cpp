@@ -84,11 +84,7 @@ TEST_F(ReportChartsTest, EachIsAPictureOfTheSizeAskedFor) {
 }
 
 TEST_F(ReportChartsTest, FailuresOfTheEngineEndTheChart) {
-  const struct {
-    int chart;
-    const char* operation;
-    int nth;
-  } cases[] = {
+  const std::tuple<int, const char*, int> cases[] = {
       {0, "ITrafficHistory::GetSamples", 1},
       {0, "ITrafficHistory::GetInterval", 1},
       {0, "ITrafficHistory::GetStartTime", 1},
@@ -106,10 +102,10 @@ TEST_F(ReportChartsTest, FailuresOfTheEngineEndTheChart) {
       {3, "IGraphSeries::GetName", 2},
       {3, "IGraphSeries::GetSamples", 2},
   };
-  for (const auto& c : cases) {
-    engine_.Fail(c.operation, c.nth, MakeStatus(0x80001234));
-    EXPECT_EQ(Draw(c.chart, Path().c_str()), MakeStatus(0x80001234)) << c.operation;
-    EXPECT_THAT(folder_.Names(), testing::IsEmpty()) << c.operation;
+  for (const auto& [chart, operation, nth] : cases) {
+    engine_.Fail(operation, nth, MakeStatus(0x80001234));
+    EXPECT_EQ(Draw(chart, Path().c_str()), MakeStatus(0x80001234)) << operation;
+    EXPECT_THAT(folder_.Names(), testing::IsEmpty()) << operation;
     engine_.Fail({}, 0, S_OK);
   }
   engine_.live.missing = {kTopTalkerCategory.identifier};
@@ -183,24 +179,20 @@ TEST_F(ReportChartsTest, WithoutIpThePhysicalAddressesOfTheMediumTalk) {
   }
   engine_.live.nodes = physical;
   const std::string ethernet = Picture(1);
-  const struct {
-    std::uint32_t medium;
-    std::uint32_t subtype;
-    AddressType type;
-  } cases[] = {
+  const std::tuple<std::uint32_t, std::uint32_t, AddressType> cases[] = {
       {kMediumWan, 0, kAddressWan},
       {kMediumWanFrame, 0, kAddressWan},
       {kMediumTokenRing, 0, kAddressTokenRing},
       {kMediumTokenRing, 1, kAddressPhysical},
       {7, 0, kAddressPhysical},
   };
-  for (const auto& c : cases) {
+  for (const auto& [medium, subtype, type] : cases) {
     for (AddressRecord& record : engine_.live.addresses) {
-      if (record.length == 6) record.type = c.type;
+      if (record.length == 6) record.type = type;
     }
-    engine_.live.medium_type = c.medium;
-    engine_.live.medium_subtype = c.subtype;
-    EXPECT_EQ(Picture(1), ethernet) << c.medium << ", " << c.subtype;
+    engine_.live.medium_type = medium;
+    engine_.live.medium_subtype = subtype;
+    EXPECT_EQ(Picture(1), ethernet) << medium << ", " << subtype;
   }
   for (AddressRecord& record : engine_.live.addresses) record.type = kAddressIpv6;
   EXPECT_NE(Picture(1), ethernet);

@@ -154,7 +154,9 @@ TEST_F(PdfDocumentTest, TitlesAndPathsHaveTheirLimits) {
     EXPECT_EQ(y, fits ? 656 : 700) << bytes;
   }
   for (auto [bytes, status] : {std::pair{510U, S_OK}, {511U, S_OK}, {512U, E_UNEXPECTED}, {513U, E_UNEXPECTED}}) {
-    EXPECT_EQ(Raised([&, size = bytes] { document.Save(padded(size, "Report.pdf", "Other.pdf")); }), status) << bytes;
+    Status cause = E_FAIL;
+    EXPECT_EQ(Raised([&, size = bytes] { document.Save(padded(size, "Report.pdf", "Other.pdf"), &cause); }), status);
+    EXPECT_EQ(cause, Failed(status) ? StatusFromError(kErrorNameTooLong) : S_OK) << bytes;
   }
   ExpectSound(folder_.Path("Report.pdf"));
 }

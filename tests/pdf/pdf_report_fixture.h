@@ -7,49 +7,31 @@
 #include <vector>
 
 #include "pdf/pdf_stats_output.h"
-#include "platform/clock.h"
-#include "prefs/stats_output_prefs.h"
-#include "prefs/switch_ids.h"
 #include "tests/support/pdf_pages.h"
-#include "tests/support/scripted_engine.h"
-#include "tests/support/temporary_folder.h"
-#include "tests/support/text.h"
+#include "tests/support/report_fixture.h"
 
 namespace orvo::test {
-
-/// 2026-11-22 14:05:09 UTC, and so many seconds later.
-inline std::uint64_t Moment(std::int64_t seconds = 0) {
-  return TimeFromUnix((1'795'356'309 + seconds) * 1'000'000'000);
-}
 
 /// A failure that nothing but a test's own engine answers with.
 inline constexpr Status kDenied = StatusFromError(kErrorAccessDenied);
 
-/// A PDF report from a scripted engine into a folder of its own.
-class PdfReportTest : public testing::Test {
- protected:
+class PdfReportTest : public ReportTest {
+ public:
   using Page = std::vector<std::string>;
 
-  PdfReportTest() {
-    engine.snapshot_time = Moment();
+  PdfReportTest() : ReportTest(CreatePdfStatsOutput) {
     engine.live.start_time = Moment(-7);
     engine.live.duration = 7'000'000'000;
     engine.live.total_packets = 10;
     engine.live.total_bytes = 1000;
-    EXPECT_EQ(CreatePdfStatsOutput(IStatsOutputMethod::kIid, method.OutVoid()), S_OK);
-    EXPECT_EQ(CreateStatsOutputPrefs(IStatsOutputPrefs::kIid, preferences.OutVoid()), S_OK);
     EXPECT_EQ(method->SetFormat(nullptr, nullptr, preferences.get(), nullptr), S_OK);
   }
 
-  void Switch(std::uint32_t identifier, std::int32_t value) { preferences->SetPreference(identifier, value); }
-
-  Status Output(IGraphCollection* graphs = nullptr) {
-    return method->Output(Bstr(folder.ReportFolder()).get(), engine.Context().get(), graphs);
+  /// After a report that must go through.
+  PdfReportTest& Reported(const std::source_location& place = std::source_location::current()) {
+    ExpectReport(place);
+    return *this;
   }
-  Status OutputLive(IGraphCollection* graphs = nullptr) {
-    return method->OutputLive(engine.Context().get(), Bstr(folder.ReportFolder()).get(), graphs);
-  }
-
   std::string Report() const { return folder.Path("Report.pdf"); }
   /// The pages whose first line is this title, with the time of the report behind it.
   std::vector<Page> PagesTitled(const std::string& title) const {
@@ -78,11 +60,6 @@ class PdfReportTest : public testing::Test {
     EXPECT_FALSE(engine.files.empty());
     return engine.files.empty() ? ScriptedEngine::FileReport() : engine.files.back();
   }
-
-  TemporaryFolder folder;
-  ScriptedEngine engine;
-  ComPtr<IStatsOutputMethod> method;
-  ComPtr<IStatsOutputPrefs> preferences;
 };
 
 }  // namespace orvo::test

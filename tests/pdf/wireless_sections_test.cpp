@@ -104,8 +104,7 @@ TEST_F(WirelessSectionsTest, ChannelsAreShownByBytesAndByPackets) {
   EXPECT_THAT(Rows(PagesTitled("Wireless Channel Statistics (Packets)").at(0)), SizeIs(3));
   EXPECT_EQ(Heard().status, kDenied);
   Switch(kSwitchOutputWChannelsStats, 0);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(Entries(), ElementsAre("  Wireless")) << "the group stands also when nothing stands below it";
+  EXPECT_THAT(Reported().Entries(), ElementsAre("  Wireless")) << "the group stands also when nothing stands below it";
 }
 
 TEST_F(WirelessSectionsTest, OtherMediaHaveNone) {
@@ -113,8 +112,7 @@ TEST_F(WirelessSectionsTest, OtherMediaHaveNone) {
   AddChannel(6, 4);
   for (std::uint32_t subtype : {0U, 4U}) {
     engine.live.medium_subtype = subtype;
-    ASSERT_EQ(Output(), S_OK);
-    EXPECT_THAT(Entries(), IsEmpty()) << subtype;
+    EXPECT_THAT(Reported().Entries(), IsEmpty()) << subtype;
   }
 }
 

@@ -7,6 +7,7 @@
 #include <atomic>
 #include <csignal>
 #include <thread>
+#include <utility>
 
 #include "tests/platform/temp_folder.h"
 
@@ -203,6 +204,21 @@ TEST(FileTest, AFailingReplacementKeepsTheOldFile) {
             0);
   EXPECT_EQ(folder.Get("a.txt"), "old");
   EXPECT_EQ(folder.Count(), 2U);
+}
+
+TEST(FileTest, WhoIsKilledWhileReplacingAFileLeavesNothing) {
+  TempFolder folder;
+  if (open(folder.System().c_str(), O_TMPFILE | O_RDWR, 0600) < 0) GTEST_SKIP() << "no nameless files here";
+  std::string_view left = "new";
+  std::size_t names_meanwhile = 1;
+  const auto next_block = [&] {
+    names_meanwhile = folder.Count();
+    return std::exchange(left, {});
+  };
+  EXPECT_EQ(ReplaceFile(folder.Path("a.txt"), next_block), S_OK);
+  EXPECT_EQ(names_meanwhile, 0U);
+  EXPECT_EQ(folder.Get("a.txt"), "new");
+  EXPECT_EQ(folder.Count(), 1U);
 }
 
 TEST(FileTest, ReplacementKeepsTheModeAndFollowsNoLink) {

@@ -9,9 +9,12 @@
 #include <vector>
 
 #include "platform/clock.h"
+#include "tests/support/zone.h"
 
 namespace orvo {
 namespace {
+
+using test::InZone;
 
 std::u16string Date(const CalendarTime& date) {
   std::u16string text = u"unchanged";
@@ -104,22 +107,6 @@ TEST(LocaleTest, ThreadsFormatAtTheSameTime) {
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(wrong, 0);
   EXPECT_EQ(GetThreadLocale(), kUserDefaultLocale);
-}
-
-/// Runs the body in a time zone, on a thread that remembers nothing of another zone.
-template <class Body>
-void InZone(const char* zone, Body&& body) {
-  const char* old = std::getenv("TZ");
-  std::string kept = old ? old : "";
-  setenv("TZ", zone, 1);
-  tzset();
-  std::thread(body).join();
-  if (old) {
-    setenv("TZ", kept.c_str(), 1);
-  } else {
-    unsetenv("TZ");
-  }
-  tzset();
 }
 
 constexpr std::uint64_t kSecond = 1'000'000'000;

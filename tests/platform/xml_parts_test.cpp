@@ -4,7 +4,10 @@
 
 #include <gmock/gmock.h>
 
+#include <fstream>
+
 #include "platform/error.h"
+#include "platform/xml_text.h"
 #include "platform/xml_tree.h"
 #include "platform/xml_writer.h"
 #include "tests/support/temporary_folder.h"
@@ -22,6 +25,20 @@ class XmlPartsTest : public testing::Test {
     folder_.Write("x.xml", bytes);
     EXPECT_EQ(ExtendXmlFile(Path("x.xml"), "Root", "  <New />\n"), S_OK);
     return folder_.Read("x.xml");
+  }
+
+  static TextSink Into(std::string* text) {
+    return [text](std::string_view piece) { *text += piece; };
+  }
+  static std::string Lines(const XmlParts& parts, const XmlParts::Part& part) {
+    std::string lines;
+    parts.Copy(part, Into(&lines));
+    return lines;
+  }
+  static std::string Child(const XmlParts& parts, const XmlParts::Part& part, std::string_view name) {
+    std::string lines;
+    parts.CopyChild(part, name, Into(&lines));
+    return lines;
   }
 
   // In memory where that can be, as every file is made durable.
@@ -84,12 +101,12 @@ TEST_F(XmlPartsTest, FindsPartsAndWhatIsInThem) {
   for (const XmlParts::Part& part : parts.parts()) names += part.name;
   EXPECT_EQ(names, "ABCA");
   const XmlParts::Part first = parts.Take("A");
-  EXPECT_EQ(XmlChildLines(first, "Summary"), "    <Summary>\n      <N>1</N>\n    </Summary>\n");
-  EXPECT_EQ(XmlChildLines(first, "Stats"), "    <Stats />\n");
-  EXPECT_EQ(XmlChildLines(first, "N"), "");
-  EXPECT_EQ(parts.Take("C").lines, "  <C>c</C>\n");
-  EXPECT_EQ(parts.Take("A").lines, "  <A />\n");
-  EXPECT_EQ(parts.Take("A").lines, "");
+  EXPECT_EQ(Child(parts, first, "Summary"), "    <Summary>\n      <N>1</N>\n    </Summary>\n");
+  EXPECT_EQ(Child(parts, first, "Stats"), "    <Stats />\n");
+  EXPECT_EQ(Child(parts, first, "N"), "");
+  EXPECT_EQ(Lines(parts, parts.Take("C")), "  <C>c</C>\n");
+  EXPECT_EQ(Lines(parts, parts.Take("A")), "  <A />\n");
+  EXPECT_TRUE(parts.Take("A").empty());
 }
 
 TEST_F(XmlPartsTest, ExtendsDocumentsOfAnyLayout) {
@@ -104,7 +121,7 @@ TEST_F(XmlPartsTest, ExtendsDocumentsOfAnyLayout) {
   }
   const std::string fresh = std::string(kHead) + "<Root>\n  <New />\n</Root>\n";
   EXPECT_EQ(Extended(std::string(kHead) + "<Root />\n"), fresh);
-  EXPECT_EQ(ExtendXmlFile(Path("none.xml"), "Root", {}), S_OK);
+  EXPECT_EQ(ExtendXmlFile(Path("none.xml"), "Root", ""), S_OK);
   EXPECT_EQ(folder_.Read("none.xml"), std::string(kHead) + "<Root>\n</Root>\n");
 }
 
@@ -142,9 +159,38 @@ TEST_F(XmlPartsTest, ChildrenAreFoundWhereTextLooksLikeMarkup) {
   XmlParts parts;
   ASSERT_EQ(parts.Load(Path("x.xml")), S_OK);
   const XmlParts::Part part = parts.Take("A");
-  EXPECT_EQ(XmlChildLines(part, "Summary"), "    <Summary>" + text + "</Summary>\n");
-  EXPECT_EQ(XmlChildLines(part, "Stats"), "    <Stats />\n");
-  EXPECT_EQ(XmlChildLines(part, "None"), "");
+  EXPECT_EQ(Child(parts, part, "Summary"), "    <Summary>" + text + "</Summary>\n");
+  EXPECT_EQ(Child(parts, part, "Stats"), "    <Stats />\n");
+  EXPECT_EQ(Child(parts, part, "None"), "");
+}
+
+// Neither the size of a document that was written here nor what lies in the way of its lines is a reason to lose it.
+TEST_F(XmlPartsTest, ADocumentMayBeLargerThanWhatIsParsed) {
+  constexpr std::size_t kLine = std::size_t{3} << 20;
+  const std::string line = "    <Summary>" + std::string(kLine, 'x') + "</Summary>\n";
+  {
+    std::ofstream file(folder_.Path("x.xml"));
+    file << kHead << "<Root>\n  <A>\n    <Stats />\n  </A>\n  <B>\n";
+    for (std::size_t size = 0; size <= kXmlSizeLimit; size += line.size()) file << line;
+    file << "  </B>\n</Root>\n";
+  }
+  XmlParts parts;
+  ASSERT_EQ(parts.Load(Path("x.xml")), S_OK);
+  const XmlParts::Part large = parts.Take("B");
+  EXPECT_EQ(Child(parts, large, "Summary"), line);
+  parts.Save(Path("x.xml"), "Root", {"  <New />\n"});
+  EXPECT_EQ(folder_.Read("x.xml"), std::string(kHead) + "<Root>\n  <A>\n    <Stats />\n  </A>\n  <New />\n</Root>\n");
+  EXPECT_GT(large.end - large.begin, kXmlSizeLimit);
+}
+
+TEST_F(XmlPartsTest, ATreeOfManyTimesTheSizeIsNotMade) {
+  std::string bytes = "<Root>";
+  while (bytes.size() < kXmlTreeLimit / 16) bytes += "<a/>";
+  folder_.Write("x.xml", bytes + "</Root>");
+  XmlParts parts;
+  EXPECT_EQ(parts.Load(Path("x.xml")), E_OUTOFMEMORY);
+  EXPECT_EQ(ExtendXmlFile(Path("x.xml"), "Root", ""), E_OUTOFMEMORY);
+  EXPECT_EQ(std::filesystem::file_size(folder_.Path("x.xml")), bytes.size() + 7) << "left alone";
 }
 
 TEST_F(XmlPartsTest, WhatIsNoSuchDocumentIsBegunAnew) {
@@ -175,8 +221,8 @@ TEST_F(XmlPartsTest, DeclaredEntitiesAreNotFollowed) {
 
 TEST_F(XmlPartsTest, FileThatCannotBeReplacedStaysAsItWas) {
   std::filesystem::create_directory(folder_.Path("x.xml"));
-  EXPECT_TRUE(Failed(ExtendXmlFile(Path("x.xml"), "Root", {})));
-  EXPECT_TRUE(Failed(ExtendXmlFile(Path("none/x.xml"), "Root", {})));
+  EXPECT_TRUE(Failed(ExtendXmlFile(Path("x.xml"), "Root", "")));
+  EXPECT_TRUE(Failed(ExtendXmlFile(Path("none/x.xml"), "Root", "")));
   EXPECT_EQ(folder_.Names(), std::vector<std::string>{"x.xml"});
 }
 

@@ -6,11 +6,14 @@
 #include <thread>
 #include <vector>
 
-#include "platform/code_page.h"
 #include "platform/lock.h"
+#include "tests/support/ask.h"
+#include "tests/support/settings_document.h"
 
 namespace orvo {
 namespace {
+
+using Settings = test::SettingsDocument;
 
 ComPtr<IStatsOutputPrefs> MakePreferences() {
   ComPtr<IStatsOutputPrefs> preferences;
@@ -23,38 +26,6 @@ std::int32_t Read(IStatsOutputPrefs* preferences, std::uint32_t identifier) {
   EXPECT_EQ(preferences->GetPreference(identifier, &value), S_OK);
   return value;
 }
-
-// A settings document with an element <settings>, and the operations of IPersistXml on it.
-class Settings {
- public:
-  explicit Settings(const std::u16string& inside = {}) {
-    EXPECT_EQ(CreateXmlDocument(document_.Out()), S_OK);
-    EXPECT_EQ(document_->LoadText((u"<settings>" + inside + u"</settings>").c_str()), S_OK);
-    EXPECT_EQ(document_->SelectSingleNode(u"settings", node_.Out()), S_OK);
-  }
-
-  Status LoadInto(IStatsOutputPrefs* preferences) { return Persist(preferences)->Load(document_.get(), node_.get()); }
-  Status SaveFrom(IStatsOutputPrefs* preferences) { return Persist(preferences)->Save(document_.get(), node_.get()); }
-
-  std::string Text() {
-    Bstr text;
-    EXPECT_EQ(document_->GetText(text.Out()), S_OK);
-    return ToUtf8(text.view());
-  }
-
-  static ComPtr<IPersistXml> Persist(IStatsOutputPrefs* preferences) {
-    ComPtr<IPersistXml> persist;
-    EXPECT_EQ(Query(preferences, &persist), S_OK);
-    return persist;
-  }
-
-  IXmlDocument* document() { return document_.get(); }
-  IXmlNode* node() { return node_.get(); }
-
- private:
-  ComPtr<IXmlDocument> document_;
-  ComPtr<IXmlNode> node_;
-};
 
 TEST(SwitchTable, NamesAndExplainsEverySwitch) {
   std::set<std::string_view> names;
@@ -121,7 +92,7 @@ TEST(StatsOutputPrefs, IgnoresSwitchesThatDoNotExist) {
 
 TEST(StatsOutputPrefs, AnswersItsInterfaces) {
   auto preferences = MakePreferences();
-  ComPtr<IPersistXml> persist_xml = Settings::Persist(preferences.get());
+  ComPtr<IPersistXml> persist_xml = Settings::PersistOf(preferences);
   ComPtr<IPersist> persist;
   EXPECT_EQ(Query(preferences.get(), &persist), S_OK);
   EXPECT_EQ(persist.get(), persist_xml.get());
@@ -129,9 +100,7 @@ TEST(StatsOutputPrefs, AnswersItsInterfaces) {
   EXPECT_EQ(Query(preferences.get(), &stream), E_NOINTERFACE);
   EXPECT_FALSE(stream);
 
-  Guid class_id;
-  EXPECT_EQ(persist->GetClassID(&class_id), S_OK);
-  EXPECT_EQ(class_id, kStatsOutputPrefsClass);
+  EXPECT_EQ(test::Ask(persist)(&IPersist::GetClassID), kStatsOutputPrefsClass);
   EXPECT_EQ(persist->GetClassID(nullptr), E_POINTER);
 }
 
@@ -155,9 +124,9 @@ TEST(StatsOutputPrefs, SavesAndLoadsEverySwitch) {
     saved->SetPreference(entry.identifier, static_cast<std::int32_t>(entry.identifier) * 1000 - 60000);
   }
   Settings settings;
-  EXPECT_EQ(settings.SaveFrom(saved.get()), S_OK);
+  EXPECT_EQ(settings.SaveFrom(saved), S_OK);
   auto loaded = MakePreferences();
-  EXPECT_EQ(settings.LoadInto(loaded.get()), S_OK);
+  EXPECT_EQ(settings.LoadInto(loaded), S_OK);
   for (const Switch& entry : kSwitches) {
     EXPECT_EQ(Read(loaded.get(), entry.identifier), Read(saved.get(), entry.identifier)) << entry.name;
   }
@@ -167,8 +136,8 @@ TEST(StatsOutputPrefs, SavesInTheOrderOfItsTable) {
   auto preferences = MakePreferences();
   preferences->SetPreference(5, 7);
   preferences->SetPreference(20, -2);
-  Settings settings(u"<before/>");
-  ASSERT_EQ(settings.SaveFrom(preferences.get()), S_OK);
+  Settings settings("<before/>");
+  ASSERT_EQ(settings.SaveFrom(preferences), S_OK);
   std::string text = settings.Text();
   std::size_t at = text.find("<before");
   auto follows = [&](const std::string& piece) {
@@ -191,50 +160,50 @@ TEST(StatsOutputPrefs, SavesInTheOrderOfItsTable) {
 TEST(StatsOutputPrefs, LoadsWhatIsThere) {
   const struct {
     const char* what;
-    const char16_t* inside;
+    const char* inside;
     Status status;
     std::vector<std::pair<std::uint32_t, std::int32_t>> values;
   } cases[] = {
-      {"no element", u"<other/>", S_FALSE, {{0, 9}, {5, 9}, {121, 9}}},
+      {"no element", "<other/>", S_FALSE, {{0, 9}, {5, 9}, {121, 9}}},
       {"an element of another's",
-       u"<other><StatsOutputPrefs><NodeStats OutputNodeStats='0'/></StatsOutputPrefs></other>",
+       "<other><StatsOutputPrefs><NodeStats OutputNodeStats='0'/></StatsOutputPrefs></other>",
        S_FALSE,
        {{0, 9}, {121, 9}}},
-      {"an empty element", u"<StatsOutputPrefs/>", S_FALSE, {{0, 9}, {121, 0}, {122, 9}, {124, 9}}},
+      {"an empty element", "<StatsOutputPrefs/>", S_FALSE, {{0, 9}, {121, 0}, {122, 9}, {124, 9}}},
       {"older documents",
-       u"<StatsOutputPrefs><NodeStats OutputNodeStats='0' NodeFirstTime='-5'/><Graphs OutputGraphs='3'/>"
-       u"</StatsOutputPrefs>",
+       "<StatsOutputPrefs><NodeStats OutputNodeStats='0' NodeFirstTime='-5'/><Graphs OutputGraphs='3'/>"
+       "</StatsOutputPrefs>",
        S_FALSE,
        {{0, 0}, {5, -5}, {6, 9}, {19, 9}, {120, 3}, {121, 0}, {122, 9}, {124, 9}, {125, 9}, {126, 9}}},
       {"one group and the last",
-       u"<StatsOutputPrefs><AdditionalReports OutputVoIPOnly='0'/></StatsOutputPrefs>",
+       "<StatsOutputPrefs><AdditionalReports OutputVoIPOnly='0'/></StatsOutputPrefs>",
        S_OK,
        {{0, 9}, {121, 9}, {124, 0}}},
       {"a switch in the wrong group",
-       u"<StatsOutputPrefs><Graphs OutputNodeStats='0'/><AdditionalReports/></StatsOutputPrefs>",
+       "<StatsOutputPrefs><Graphs OutputNodeStats='0'/><AdditionalReports/></StatsOutputPrefs>",
        S_OK,
        {{0, 9}}},
       {"the first of two elements",
-       u"<StatsOutputPrefs><AdditionalReports OutputVoIPOnly='1'/></StatsOutputPrefs>"
-       u"<StatsOutputPrefs><AdditionalReports OutputVoIPOnly='2'/></StatsOutputPrefs>",
+       "<StatsOutputPrefs><AdditionalReports OutputVoIPOnly='1'/></StatsOutputPrefs>"
+       "<StatsOutputPrefs><AdditionalReports OutputVoIPOnly='2'/></StatsOutputPrefs>",
        S_OK,
        {{124, 1}}},
       {"no number",
-       u"<StatsOutputPrefs><NodeStats OutputNodeStats='0' OutputNodeDetails='yes' OutputNodeHierarchy='0'/>"
-       u"<ProtocolStats OutputProtocolStats='0'/></StatsOutputPrefs>",
+       "<StatsOutputPrefs><NodeStats OutputNodeStats='0' OutputNodeDetails='yes' OutputNodeHierarchy='0'/>"
+       "<ProtocolStats OutputProtocolStats='0'/></StatsOutputPrefs>",
        DISP_E_TYPEMISMATCH,
        {{0, 0}, {1, 9}, {2, 9}, {19, 9}, {121, 9}}},
       {"an empty value",
-       u"<StatsOutputPrefs><NodeStats OutputNodeStats=''/></StatsOutputPrefs>",
+       "<StatsOutputPrefs><NodeStats OutputNodeStats=''/></StatsOutputPrefs>",
        DISP_E_TYPEMISMATCH,
        {{0, 9}}},
       {"too large a number",
-       u"<StatsOutputPrefs><AdditionalReports OutputConversationsOnly='2147483648'/></StatsOutputPrefs>",
+       "<StatsOutputPrefs><AdditionalReports OutputConversationsOnly='2147483648'/></StatsOutputPrefs>",
        DISP_E_OVERFLOW,
        {{122, 9}}},
       {"the ends of the range",
-       u"<StatsOutputPrefs><NodeStats OutputNodeStats='2147483647' OutputNodeDetails='-2147483648'/>"
-       u"<AdditionalReports/></StatsOutputPrefs>",
+       "<StatsOutputPrefs><NodeStats OutputNodeStats='2147483647' OutputNodeDetails='-2147483648'/>"
+       "<AdditionalReports/></StatsOutputPrefs>",
        S_OK,
        {{0, INT32_MAX}, {1, INT32_MIN}}},
   };
@@ -242,7 +211,7 @@ TEST(StatsOutputPrefs, LoadsWhatIsThere) {
     auto preferences = MakePreferences();
     for (const Switch& entry : kSwitches) preferences->SetPreference(entry.identifier, 9);
     Settings settings(c.inside);
-    EXPECT_EQ(settings.LoadInto(preferences.get()), c.status) << c.what;
+    EXPECT_EQ(settings.LoadInto(preferences), c.status) << c.what;
     for (auto [identifier, value] : c.values) {
       EXPECT_EQ(Read(preferences.get(), identifier), value) << c.what << ", switch " << identifier;
     }
@@ -251,7 +220,7 @@ TEST(StatsOutputPrefs, LoadsWhatIsThere) {
 
 TEST(StatsOutputPrefs, AsksItsArgumentsForTheirInterfaces) {
   auto preferences = MakePreferences();
-  ComPtr<IPersistXml> persist = Settings::Persist(preferences.get());
+  ComPtr<IPersistXml> persist = Settings::PersistOf(preferences);
   Settings settings;
   IUnknown* document = settings.document();
   IUnknown* node = settings.node();
@@ -281,10 +250,10 @@ TEST(StatsOutputPrefs, MayBeUsedByManyThreads) {
         std::int32_t seen = Read(preferences.get(), 10) % 1000;
         EXPECT_TRUE(seen >= 0 && seen < 100) << "a value that nobody has written";
         if (i % 10 == 0) {
-          EXPECT_EQ(settings.SaveFrom(preferences.get()), S_OK);
+          EXPECT_EQ(settings.SaveFrom(preferences), S_OK);
         }
         if (i % 25 == 0) {
-          EXPECT_EQ(settings.LoadInto(preferences.get()), S_OK);
+          EXPECT_EQ(settings.LoadInto(preferences), S_OK);
         }
       }
     });

@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -29,39 +28,16 @@ using testing::StartsWith;
 /// The command at work, until it is stopped.
 class Viewer {
  public:
-  explicit Viewer(const std::vector<std::string>& arguments, const std::string& programs = {}) {
-    int output[2];
-    if (pipe(output) != 0) throw std::runtime_error("no pipe");
-    child_ = fork();
-    if (child_ == 0) {
-      dup2(output[1], STDOUT_FILENO);
-      close(output[0]);
-      close(output[1]);
-      if (!programs.empty()) setenv("PATH", programs.c_str(), 1);
-      std::vector<char*> words;
-      for (const std::string& word : words_of(arguments)) words.push_back(strdup(word.c_str()));
-      words.push_back(nullptr);
-      execv(words.front(), words.data());
-      _exit(127);
-    }
-    close(output[1]);
-    char byte = 0;
-    while (read(output[0], &byte, 1) == 1 && byte != '\n') address_ += byte;
-    close(output[0]);
-    if (address_.empty()) throw std::runtime_error("the command did not begin");
+  explicit Viewer(std::vector<std::string> arguments, const std::string& programs = {})
+      : command_(Words(std::move(arguments)), Environment(programs)) {
+    if (!command_.WaitFor("/\n")) throw std::runtime_error("the command did not begin");
+    address_ = command_.output().substr(0, command_.output().find('\n'));
   }
-  ~Viewer() {
-    if (child_ > 0) Stop(SIGKILL);
-  }
-  Viewer(const Viewer&) = delete;
-  Viewer& operator=(const Viewer&) = delete;
 
   /// Sends a signal; gives the exit status, 128 + signal when a signal ended it.
   int Stop(int signal) {
-    kill(child_, signal);
-    int status = 0;
-    waitpid(std::exchange(child_, -1), &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    command_.Signal(signal);
+    return command_.Finish().exit_status;
   }
 
   const std::string& address() const { return address_; }
@@ -106,13 +82,16 @@ class Viewer {
   }
 
  private:
-  static std::vector<std::string> words_of(const std::vector<std::string>& arguments) {
-    std::vector<std::string> words = {ORVO_BINARY_DIR "/bin/orvo-report", "view"};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    return words;
+  static std::vector<std::string> Words(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "view");
+    return arguments;
+  }
+  static std::vector<std::pair<std::string, std::string>> Environment(const std::string& programs) {
+    if (programs.empty()) return {};
+    return {{"PATH", programs}};
   }
 
-  pid_t child_ = -1;
+  RunningCommand command_;
   std::string address_;
 };
 
@@ -144,33 +123,31 @@ class ViewTest : public testing::Test {
   }
 
   std::string report() const { return folder_.Path("report"); }
+  /// The report, whose templates come from the folder as well.
+  std::vector<std::string> whole() const { return {report(), "--templates", folder_.Path("templates")}; }
 
   TemporaryFolder folder_;
 };
 
 TEST_F(ViewTest, ShowsFilesByTheirTypes) {
-  const Viewer viewer({report(), "--templates", folder_.Path("templates")});
+  const Viewer viewer(whole());
   EXPECT_THAT(viewer.address(), AllOf(StartsWith("http://127.0.0.1:"), EndsWith("/")));
   EXPECT_THAT(viewer.Get("/"), AllOf(StartsWith("HTTP/1.1 302"), HasSubstr("Location: /Report.htm\r\n")));
-  struct {
-    const char* path;
-    const char* type;
-    const char* body;
-  } const cases[] = {
+  const std::tuple<const char*, const char*, const char*> cases[] = {
       {"/Report.htm", "text/html; charset=utf-8", "<html><script>begin()</script></html>"},
       {"/StatsReport.xml?1", "application/xml", "<StatsReport/>"},
       {"/StatsReport.css", "text/css; charset=utf-8", "body {}"},
       {"/Graphs/A%20b%25.png", "image/png", "PNG"},
   };
-  for (const auto& one : cases) {
-    const std::string answer = viewer.Get(one.path);
-    EXPECT_EQ(Status(answer), "HTTP/1.1 200") << one.path;
-    EXPECT_THAT(answer, HasSubstr(std::string("Content-Type: ") + one.type + "\r\n"));
-    EXPECT_EQ(Body(answer), one.body);
+  for (const auto& [path, type, body] : cases) {
+    const std::string answer = viewer.Get(path);
+    EXPECT_EQ(Status(answer), "HTTP/1.1 200") << path;
+    EXPECT_THAT(answer, HasSubstr(std::string("Content-Type: ") + type + "\r\n"));
+    EXPECT_EQ(Body(answer), body);
     for (const char* header : {"X-Content-Type-Options: nosniff", "Referrer-Policy: no-referrer",
                                "Cross-Origin-Resource-Policy: same-origin", "Cache-Control: no-store",
                                "Content-Security-Policy: default-src 'none'; "}) {
-      EXPECT_THAT(answer, HasSubstr(header)) << one.path;
+      EXPECT_THAT(answer, HasSubstr(header)) << path;
     }
   }
   const std::string head = viewer.Ask("HEAD /StatsReport.xml");
@@ -179,7 +156,7 @@ TEST_F(ViewTest, ShowsFilesByTheirTypes) {
 
 TEST_F(ViewTest, LetsPagesRunTheirOwnScriptAndNothingElse) {
   folder_.Write("report/Other.htm", "<html><script>other()</script></html>");
-  const Viewer viewer({report(), "--templates", folder_.Path("templates")});
+  const Viewer viewer(whole());
   // The hash of "begin()", from another tool.
   EXPECT_THAT(viewer.Get("/Report.htm"),
               HasSubstr("; script-src 'sha256-15S4FGE7rP6kq/PzA1uIhN3+8zfaO6/TnJp4fMWo7lE='; style-src 'self'\r\n"));
@@ -188,8 +165,22 @@ TEST_F(ViewTest, LetsPagesRunTheirOwnScriptAndNothingElse) {
   folder_.Write("report/Nodes.htm", "<html><script>begin()</script><script>other()</script></html>");
   folder_.Write("report/Expert.htm", "<html><script src=\"other.js\"></script></html>");
   EXPECT_THAT(viewer.Get("/Nodes.htm"),
-              AllOf(StartsWith("HTTP/1.1 403"), HasSubstr("--templates"), Not(HasSubstr("other()"))));
+              AllOf(StartsWith("HTTP/1.1 403"), HasSubstr("orvo-report view '" + report() + "' --templates"),
+                    HasSubstr("cp '" + folder_.Path("templates/Reports/") + "'*.htm"), Not(HasSubstr("other()"))));
   EXPECT_THAT(viewer.Get("/Expert.htm"), Not(HasSubstr("script-src 'self'")));
+}
+
+TEST_F(ViewTest, TellsStatesOfFilesApart) {
+  const Viewer viewer(whole());
+  const auto tag = [&viewer] {
+    const std::string answer = viewer.Ask("HEAD /StatsReport.xml");
+    return answer.substr(std::min(answer.find("ETag: \""), answer.size()), 30);
+  };
+  const std::string before = tag();
+  EXPECT_THAT(before, StartsWith("ETag: \""));
+  EXPECT_EQ(tag(), before);
+  folder_.Write("report/StatsReport.xml", "<StatsReports/>");
+  EXPECT_NE(tag(), before);
 }
 
 TEST_F(ViewTest, MenuPagesMayDoWhatTheirWriterPutThere) {
@@ -231,7 +222,7 @@ TEST_F(ViewTest, MenuPagesMayDoWhatTheirWriterPutThere) {
 TEST_F(ViewTest, MenuPagesMayDoNothingElse) {
   folder_.Write("report/MainMenu.htm",
                 "<html><img style=\"background: url(x)\" onclick=\"alert(1)\"/><script>alert(2)</script></html>");
-  const Viewer viewer({report(), "--templates", folder_.Path("templates")});
+  const Viewer viewer(whole());
   EXPECT_THAT(viewer.Get("/MainMenu.htm"), HasSubstr("; script-src 'unsafe-hashes'; style-src 'unsafe-hashes'\r\n"));
 }
 
@@ -241,35 +232,17 @@ TEST_F(ViewTest, NothingOutsideOfTheFolderIsSeen) {
   fs::create_symlink(folder_.Path(), report() + "/up");
   ASSERT_EQ(mkfifo((report() + "/pipe.xml").c_str(), 0600), 0);
   fs::create_directory(report() + "/folder.xml");
-  const Viewer viewer({report(), "--templates", folder_.Path("templates")});
-  for (const char* path : {"/../secret.xml",
-                           "/%2e%2e/secret.xml",
-                           "/..%2fsecret.xml",
-                           "/%2e%2e%2fsecret.xml",
-                           "/Graphs/../../secret.xml",
-                           "/..\\secret.xml",
-                           "/..%5csecret.xml",
-                           "//etc/fonts/fonts.xml",
-                           "/link.xml",
-                           "/inner.xml",
-                           "/up/secret.xml",
-                           "/./StatsReport.xml",
-                           "/Graphs/./A%20b%25.png",
-                           "/Graphs//A%20b%25.png",
-                           "/.hidden.xml",
-                           "/notes.txt",
-                           "/pipe.xml",
-                           "/folder.xml",
-                           "/StatsReport.xml/",
-                           "/StatsReport.xml/x.xml",
-                           "/StatsReport.xml%00.htm",
-                           "/%00.xml",
-                           "/Graphs",
-                           "/Graphs/",
-                           "/missing.xml",
-                           "/statsreport.xml",
-                           "/%ff.xml",
-                           "/%.xml"}) {
+  const Viewer viewer(whole());
+  const char* const paths[] = {
+      // clang-format off
+      "/../secret.xml", "/%2e%2e/secret.xml", "/..%2fsecret.xml", "/%2e%2e%2fsecret.xml", "/Graphs/../../secret.xml",
+      "/..\\secret.xml", "/..%5csecret.xml", "//etc/fonts/fonts.xml", "/link.xml", "/inner.xml", "/up/secret.xml",
+      "/./StatsReport.xml", "/Graphs/./A%20b%25.png", "/Graphs//A%20b%25.png", "/.hidden.xml", "/notes.txt",
+      "/pipe.xml", "/folder.xml", "/StatsReport.xml/", "/StatsReport.xml/x.xml", "/StatsReport.xml%00.htm",
+      "/%00.xml", "/Graphs", "/Graphs/", "/missing.xml", "/statsreport.xml", "/%ff.xml", "/%.xml",
+      // clang-format on
+  };
+  for (const char* path : paths) {
     const std::string answer = viewer.Get(path);
     EXPECT_EQ(Status(answer), "HTTP/1.1 404") << path;
     EXPECT_THAT(answer, Not(HasSubstr("secret/"))) << path;
@@ -283,7 +256,7 @@ TEST_F(ViewTest, FollowsLinksToTheFolderItself) {
 }
 
 TEST_F(ViewTest, AnswersOnlyUnderItsOwnName) {
-  const Viewer viewer({report(), "--templates", folder_.Path("templates")});
+  const Viewer viewer(whole());
   const std::string port = std::to_string(viewer.port());
   const std::string line = "GET /StatsReport.xml HTTP/1.1\r\nConnection: close\r\n";
   EXPECT_EQ(Status(viewer.Send(line + "Host: localhost:" + port + "\r\n\r\n")), "HTTP/1.1 200");
@@ -298,7 +271,7 @@ TEST_F(ViewTest, AnswersOnlyUnderItsOwnName) {
 }
 
 TEST_F(ViewTest, CanOnlyBeRead) {
-  const Viewer viewer({report(), "--templates", folder_.Path("templates")});
+  const Viewer viewer(whole());
   for (const char* method : {"POST", "PUT", "DELETE", "PATCH", "OPTIONS"}) {
     const std::string answer = viewer.Ask(std::string(method) + " /StatsReport.xml", "Content-Length: 3\r\n");
     EXPECT_THAT(answer, AllOf(StartsWith("HTTP/1.1 405"), HasSubstr("Allow: GET, HEAD\r\n"))) << method;
@@ -313,13 +286,9 @@ TEST_F(ViewTest, CanOnlyBeRead) {
 }
 
 TEST_F(ViewTest, SendsPartsOfFiles) {
-  const Viewer viewer({report(), "--templates", folder_.Path("templates")});
-  struct {
-    const char* range;
-    const char* status;
-    const char* body;
-    const char* place;
-  } const cases[] = {
+  const Viewer viewer(whole());
+  // The range that is asked for; the status, the body, and the place of it that the answer names.
+  const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
       {"bytes=1-5", "HTTP/1.1 206", "Stats", "bytes 1-5/14"},
       {"bytes=7-", "HTTP/1.1 206", "eport/>", "bytes 7-13/14"},
       {"bytes=-2", "HTTP/1.1 206", "/>", "bytes 12-13/14"},
@@ -330,13 +299,11 @@ TEST_F(ViewTest, SendsPartsOfFiles) {
       {"bytes=-0", "HTTP/1.1 416", "", "bytes */14"},
       {"bytes=0-1,4-5", "HTTP/1.1 200", "<StatsReport/>", nullptr},
   };
-  for (const auto& one : cases) {
-    const std::string answer = viewer.Get("/StatsReport.xml", "Range: " + std::string(one.range) + "\r\n");
-    EXPECT_EQ(Status(answer), one.status) << one.range;
-    EXPECT_EQ(Body(answer), one.body) << one.range;
-    if (one.place) {
-      EXPECT_THAT(answer, HasSubstr("Content-Range: " + std::string(one.place) + "\r\n"));
-    }
+  for (const auto& [range, status, body, place] : cases) {
+    const std::string answer = viewer.Get("/StatsReport.xml", "Range: " + std::string(range) + "\r\n");
+    EXPECT_EQ(Status(answer), status) << range;
+    EXPECT_EQ(Body(answer), body) << range;
+    EXPECT_THAT(answer, place ? HasSubstr("Content-Range: " + std::string(place) + "\r\n") : HasSubstr("HTTP"));
   }
 }
 
@@ -348,7 +315,7 @@ TEST_F(ViewTest, SendsLargeAndEmptyFiles) {
   for (std::size_t i = 0; i < middle.size(); i += 97) middle[i] = static_cast<char>('a' + i % 26);
   folder_.Write("report/Middle.xml", middle);
   folder_.Write("report/Empty.xml", "");
-  const Viewer viewer({report(), "--templates", folder_.Path("templates")});
+  const Viewer viewer(whole());
   EXPECT_THAT(viewer.Ask("HEAD /Large.xml"), HasSubstr("Content-Length: 5368709123\r\n"));
   EXPECT_EQ(Body(viewer.Get("/Large.xml", "Range: bytes=5368709121-\r\n")), std::string(2, '\0'));
   EXPECT_TRUE(Body(viewer.Get("/Middle.xml")) == middle);
@@ -356,7 +323,7 @@ TEST_F(ViewTest, SendsLargeAndEmptyFiles) {
 }
 
 TEST_F(ViewTest, BearsWithBadClients) {
-  const Viewer viewer({report(), "--templates", folder_.Path("templates")});
+  const Viewer viewer(whole());
   const std::string start = "GET /StatsReport.xml HTTP/1.1\r\nHost: " + viewer.host() + "\r\n";
   std::string many;
   for (int i = 0; i < 100'000; ++i) many.append("X-Header: value\r\n");
@@ -389,7 +356,7 @@ TEST_F(ViewTest, SlowClientsDoNotKeepOthersWaiting) {
 
 TEST_F(ViewTest, AFileThatShrinksBreaksItsAnswerOff) {
   folder_.Write("report/Shrinking.xml", std::string(64 << 20, 'x'));
-  const Viewer viewer({report(), "--templates", folder_.Path("templates")});
+  const Viewer viewer(whole());
   const int socket = viewer.Connect();
   const std::string request = "GET /Shrinking.xml HTTP/1.1\r\nHost: " + viewer.host() + "\r\n\r\n";
   ASSERT_EQ(send(socket, request.data(), request.size(), 0), static_cast<ssize_t>(request.size()));
@@ -418,11 +385,7 @@ TEST_F(ViewTest, SaysWhyItCannotShowAReport) {
   fs::create_directories(folder_.Path("both/xml"));
   folder_.Write("both/xml/Report.htm", "<html/>");
   const Viewer other({report()});
-  struct {
-    std::vector<std::string> arguments;
-    int exit_status;
-    std::string message;
-  } const cases[] = {
+  const std::tuple<std::vector<std::string>, int, std::string> cases[] = {
       {{}, 2, "DIR"},
       {{""}, 2, "DIR: must not be empty"},
       {{report(), "--port", "65536"}, 2, "--port"},
@@ -430,14 +393,15 @@ TEST_F(ViewTest, SaysWhyItCannotShowAReport) {
       {{folder_.Path("missing")}, 1, "missing: "},
       {{folder_.Path("secret.xml")}, 1, "secret.xml: "},
       {{folder_.Path()}, 1, "Report.htm is missing"},
+      {{report(), "--templates", folder_.Path("both")}, 1, "both: holds no pages of reports"},
       {{folder_.Path("both")}, 1, "did you mean " + folder_.Path("both/xml")},
   };
-  for (const auto& one : cases) {
+  for (const auto& [more, status, message] : cases) {
     std::vector<std::string> arguments = {"view"};
-    arguments.insert(arguments.end(), one.arguments.begin(), one.arguments.end());
+    arguments.insert(arguments.end(), more.begin(), more.end());
     const CommandResult result = RunCommand(arguments);
-    EXPECT_EQ(result.exit_status, one.exit_status) << result.messages;
-    EXPECT_THAT(result.messages, AllOf(StartsWith("orvo-report: "), HasSubstr(one.message)));
+    EXPECT_EQ(result.exit_status, status) << result.messages;
+    EXPECT_THAT(result.messages, AllOf(StartsWith("orvo-report: "), HasSubstr(message)));
     EXPECT_EQ(result.output, "");
   }
 }

@@ -48,16 +48,11 @@ Words Endless(const std::string& out, const Words& more) {
   return Replay(out, more, "0.001");
 }
 
-std::string Bytes(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 /// All regular files below a folder, by their path from there.
 std::map<std::string, std::string> Files(const fs::path& folder) {
   std::map<std::string, std::string> files;
   for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-    if (entry.is_regular_file()) files[entry.path().lexically_relative(folder)] = Bytes(entry.path());
+    if (entry.is_regular_file()) files[entry.path().lexically_relative(folder)] = FileBytes(entry.path());
   }
   return files;
 }
@@ -91,6 +86,7 @@ TEST(WatchTest, WordsThatCannotBeMeantAreRefused) {
       {Replay(out, {"--format", "csv,tab"}), 2, "--format: watch writes one format"},
       {Replay(out, {"--on-report", "no such program"}), 2, "--on-report no such program: there is no such program"},
       {Replay(out, {"--on-report", "/etc"}), 2, "--on-report /etc: there is no such program"},
+      {Replay(out, {"--on-report", folder.Write("plain", "x")}), 2, "plain: may not be executed; chmod"},
       {Replay(out, {}, "0"), 2, "--speed"},
       {Replay(out, {"--filter", "tcp prot 80"}), 2, "--filter tcp prot 80"},
       {Replay(out, {"--settings", settings("long.xml", "outputInterval='72000' outputIntervalUnit='2'")}), 1,
@@ -100,6 +96,14 @@ TEST(WatchTest, WordsThatCannotBeMeantAreRefused) {
       {Replay(out, {"--settings", settings("zero.xml", "outputInterval='0'")}), 1, "outputInterval=\"0\" must be 1"},
       {Replay(out, {"--settings", settings("word.xml", "keep='lots'")}), 1,
        "word.xml: keep=\"lots\" is no whole number"},
+      {Replay(out, {"--settings", settings("minus.xml", "outputInterval='-5'")}), 1,
+       "minus.xml: outputInterval=\"-5\" is no whole number from 0 to 4294967295"},
+      {Replay(out, {"--settings", settings("type.xml", "keep='3000000000' outputType='csv'")}), 1,
+       "type.xml: outputType=\"csv\" is no whole number of 32 bits"},
+      {Replay(out, {"--settings", settings("path.xml", "reportPath='a/b'")}), 1,
+       "path.xml: reportPath=\"a/b\" cannot be made below the folder of --out"},
+      {Replay(out, {"--settings", settings("drive.xml", "reportPath='C:\\b' newSetEnabled='0'")}), 1,
+       "drive.xml: reportPath=\"C:\\b\" cannot be made"},
       {{"watch", "--replay", "/nonexistent.pcap", "--out", out}, 1, "/nonexistent.pcap"},
       {{"watch", "--interface", "orvo-none", "--out", out}, 1, "orvo-none: "},
   };
@@ -167,7 +171,7 @@ TEST(WatchTest, ASignalEndsItWithALastReport) {
     }
     EXPECT_EQ(result.exit_status, 0) << result.messages;
     EXPECT_THAT(result.output, HasSubstr(" info Statistics output to "));
-    EXPECT_THAT(Bytes(folder.Path("out/Summary Statistics.csv")), HasSubstr("Total Packets,-,"));
+    EXPECT_THAT(FileBytes(folder.Path("out/Summary Statistics.csv")), HasSubstr("Total Packets,-,"));
   }
 }
 
@@ -227,9 +231,9 @@ exit 3
     std::string expected = "2\n0\nStatistics output to " + out + "\n";
     std::ranges::replace(expected, '\n', '\0');
     if (name.find('\n') != std::string::npos) expected[expected.find(std::string("line\0", 5)) + 4] = '\n';
-    EXPECT_EQ(Bytes(program.string() + ".words"), expected);
-    EXPECT_THAT(Bytes(program.string() + ".files"), Not(HasSubstr("office"))) << "files of the command's";
-    EXPECT_THAT(Bytes(program.string() + ".signals"), HasSubstr("0000000000000000"));
+    EXPECT_EQ(FileBytes(program.string() + ".words"), expected);
+    EXPECT_THAT(FileBytes(program.string() + ".files"), Not(HasSubstr("office"))) << "files of the command's";
+    EXPECT_THAT(FileBytes(program.string() + ".signals"), HasSubstr("0000000000000000"));
     EXPECT_THAT(result.messages, HasSubstr(": ended with status 3\n"));
     // One line on each stream for each thing that is told, whatever is in it.
     EXPECT_EQ(std::ranges::count(result.output, '\n'), 1) << result.output;
@@ -246,6 +250,25 @@ TEST(WatchTest, AReportThatFailsIsToldAndTheStatusShowsIt) {
   EXPECT_EQ(result.exit_status, 1);
   EXPECT_THAT(result.messages, HasSubstr("Summary Statistics.csv: The path names a folder"));
   EXPECT_TRUE(folder.Has("out/Node Statistics-IP.csv")) << "the other files are written";
+
+  const std::string settings = folder.Write("s.xml", "<statsoutput newSetEnabled='0' reportPath='file'/>");
+  const std::string program = folder.Write("program", "#!/orvo-none\n");
+  fs::permissions(program, fs::perms::owner_all);
+  folder.Write("out/file", "");
+  const CommandResult without_folder =
+      RunCommand(Replay(folder.Path("out"), {"--settings", settings, "--on-report", program}));
+  EXPECT_EQ(without_folder.exit_status, 1);
+  EXPECT_THAT(without_folder.messages,
+              HasSubstr("orvo-report: " + folder.Path("out/file") + ": this folder cannot be made ("));
+  EXPECT_THAT(without_folder.messages,
+              HasSubstr("cannot be started: the interpreter that its first line names does not exist"));
+
+  folder.Write("s.xml", "<statsoutput newSetEnabled='0' reportPath='file' notify='0'/>");
+  const CommandResult untold = RunCommand(Replay(folder.Path("out"), {"--settings", settings, "--on-report", program}));
+  EXPECT_EQ(untold.exit_status, 1);
+  EXPECT_EQ(untold.output, "");
+  EXPECT_THAT(untold.messages,
+              AllOf(HasSubstr("/out/file: this folder cannot be made ("), Not(HasSubstr("--on-report"))));
 }
 
 bool IsWellFormed(const fs::path& path) {
@@ -346,8 +369,8 @@ TEST(WatchTest, TwentySecondsOfLoopbackTrafficMakeTheSetsThatWereAskedFor) {
   }
   const std::string process = std::to_string(watch.process());
   const std::string children = "/proc/" + process + "/task/" + process + "/children";
-  for (int look = 0; look < 50 && !Bytes(children).empty(); ++look) watch.ReadFor(std::chrono::milliseconds(100));
-  EXPECT_EQ(Bytes(children), "") << "programs that have ended are left as zombies";
+  for (int look = 0; look < 50 && !FileBytes(children).empty(); ++look) watch.ReadFor(std::chrono::milliseconds(100));
+  EXPECT_EQ(FileBytes(children), "") << "programs that have ended are left as zombies";
   watch.Signal(SIGTERM);
   const CommandResult result = watch.Finish();
   EXPECT_EQ(result.exit_status, 0) << result.messages;
@@ -375,7 +398,7 @@ TEST(WatchTest, TwentySecondsOfLoopbackTrafficMakeTheSetsThatWereAskedFor) {
   ASSERT_FALSE(kept.empty());
   EXPECT_EQ(kept.back(), sets.back());
   const fs::path summary = folder.Path("out/" + kept.back() + "/Summary Statistics.csv");
-  EXPECT_THAT(Bytes(summary), HasSubstr("Total Packets,-," + std::to_string(sent) + ","));
+  EXPECT_THAT(FileBytes(summary), HasSubstr("Total Packets,-," + std::to_string(sent) + ","));
   struct stat details {};
   ASSERT_EQ(stat(summary.c_str(), &details), 0);
   EXPECT_EQ(std::to_string(details.st_uid), uid);

@@ -1,13 +1,11 @@
 // Whole reports of the samples, compared with reviewed files. ORVO_REWRITE_EXPECTED=1 in the environment writes the
 // files anew instead; read the difference before committing it.
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 #include "tests/support/command.h"
 #include "tests/support/temporary_folder.h"
@@ -30,11 +28,6 @@ std::ostream& operator<<(std::ostream& out, const Sample& sample) {
 
 class WholeReportTest : public testing::TestWithParam<Sample> {};
 
-std::string Bytes(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 /// The files of a report. Its pictures, which stand in a folder of their own, are looked at elsewhere.
 std::vector<std::string> FilesIn(const fs::path& folder) {
   std::vector<std::string> names;
@@ -54,7 +47,8 @@ TEST_P(WholeReportTest, IsTheReviewedOne) {
   for (int i = 0; i < GetParam().reports; ++i) {
     const CommandResult result = RunCommand(arguments);
     ASSERT_EQ(result.exit_status, 0) << result.messages;
-    EXPECT_EQ(result.messages, "");
+    // Reports in XML are made without pages here, and say so.
+    EXPECT_THAT(result.messages, testing::AnyOf("", testing::HasSubstr("tests/report/Reports: Report.htm is missing")));
   }
 
   if (std::getenv("ORVO_REWRITE_EXPECTED")) {
@@ -66,7 +60,7 @@ TEST_P(WholeReportTest, IsTheReviewedOne) {
   const std::vector<std::string> reviewed = FilesIn(expected);
   EXPECT_EQ(FilesIn(folder.Path()), reviewed);
   for (const std::string& name : reviewed) {
-    EXPECT_EQ(Lines(folder.Read(name)), Lines(Bytes(expected / name))) << name;
+    EXPECT_EQ(Lines(folder.Read(name)), Lines(FileBytes(expected / name))) << name;
     if (!name.ends_with(".xml") && !name.ends_with(".htm")) continue;
     const CommandResult lint = RunProgram("/usr/bin/xmllint", {"--noout", "--nonet", folder.Path(name)});
     EXPECT_EQ(lint.exit_status, 0) << name << ": " << lint.messages;

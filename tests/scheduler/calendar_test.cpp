@@ -13,10 +13,7 @@ constexpr std::int64_t kLatest = std::numeric_limits<std::int64_t>::max();
 
 TEST(Calendar, AlignsToTheNextLargerUnit) {
   const std::int64_t wednesday = At("2007-11-14 10:23:40");
-  const struct {
-    Interval interval;
-    const char* next;
-  } cases[] = {
+  const std::pair<Interval, const char*> cases[] = {
       {{15, kUnitMinutes}, "2007-11-14 10:30:00"},
       {{6, kUnitHours}, "2007-11-14 12:00:00"},
       {{1, kUnitDays}, "2007-11-15 00:00:00"},
@@ -40,8 +37,8 @@ TEST(Calendar, AlignsToTheNextLargerUnit) {
       {{30, 5}, "2007-11-14 10:24:00"},
       {{30, -1}, "2007-11-14 10:24:00"},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(AlignedNext(c.interval, wednesday), At(c.next)) << c.interval.value << " of unit " << c.interval.unit;
+  for (const auto& [interval, next] : cases) {
+    EXPECT_EQ(AlignedNext(interval, wednesday), At(next)) << interval.value << " of unit " << interval.unit;
   }
 }
 
@@ -92,18 +89,14 @@ TEST(Calendar, CountsIntervalsInSeconds) {
 }
 
 TEST(Calendar, WordsTheTimeOfAReportSet) {
-  const struct {
-    std::int64_t begin;
-    std::int64_t end;
-    std::u16string text;
-  } cases[] = {
+  const std::tuple<std::int64_t, std::int64_t, std::u16string> cases[] = {
       {At("2007-11-14 10:00:00"), At("2007-11-14 11:00:00"), u"2007-11-14 10.00.00 - 11.00.00"},
       {At("2007-11-14 00:00:00"), At("2007-11-15 00:00:00"), u"2007-11-14 00.00.00 - 2007-11-15 00.00.00"},
       {At("2007-12-31 23:59:59"), At("2008-01-01 00:00:04"), u"2007-12-31 23.59.59 - 2008-01-01 00.00.04"},
       // Times that the clock cannot show are moved to the last that it can.
       {-kLatest, kLatest, u"1601-01-01 00.00.00 - 2185-07-21 23.34.33"},
   };
-  for (const auto& c : cases) EXPECT_EQ(RangeText(c.begin, c.end), c.text);
+  for (const auto& [begin, end, text] : cases) EXPECT_EQ(RangeText(begin, end), text);
 }
 
 }  // namespace

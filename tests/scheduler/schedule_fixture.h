@@ -1,34 +1,24 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <cstdlib>
+
 #include <ctime>
 #include <filesystem>
 #include <functional>
 #include <set>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
 #include "platform/code_page.h"
 #include "platform/object.h"
-#include "platform/xml_interfaces.h"
 #include "scheduler/skry_stats_output.h"
 #include "tests/scheduler/virtual_clock.h"
+#include "tests/support/settings_document.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/zone.h"
 
 namespace orvo::test {
-
-/// Runs the body in a time zone, on a thread of its own, since the platform remembers offsets per thread.
-template <class Body>
-void InZone(const char* zone, Body&& body) {
-  setenv("TZ", zone, 1);
-  tzset();
-  std::thread(body).join();
-  setenv("TZ", "UTC", 1);
-  tzset();
-}
 
 /// Seconds since 1970 of "2007-11-14 10:23:40", which is UTC.
 inline std::int64_t At(const char* text) {
@@ -46,13 +36,22 @@ inline std::string TimeText(std::int64_t time, const char* format) {
   return {text, strftime(text, sizeof(text), format, &fields)};
 }
 
+/// A folder as logs name it: without the path to those below "R:\Reports", and without that and the begin of its name
+/// for a set there.
+inline std::string ShortName(const std::string& folder, const std::string& reports, std::string_view end) {
+  if (folder == reports) return "";
+  const std::string set = reports + "Reports-";
+  if (!folder.starts_with(set) || !folder.ends_with(end)) return " " + folder;
+  return " " + folder.substr(set.size(), folder.size() - end.size() - set.size());
+}
+
 /// What the scheduler's surroundings hear and answer. Its folder is "R:".
 class Surroundings {
  public:
   explicit Surroundings(std::int64_t start) : clock(start) { AddDrive(u'R', folder.Path()); }
   ~Surroundings() { AddDrive(u'R', {}); }
 
-  /// One line: the time, what happened, and after a bar what it was about.
+  /// One line: the time, what happened, and what it was about.
   void Note(const std::string& what) {
     log.push_back((time_format ? TimeText(clock.Seconds(), time_format) + " " : "") + what);
   }
@@ -66,7 +65,7 @@ class Surroundings {
       }
     }
     for (const std::string& set : sets_on_disk) {
-      if (!there.contains(set)) log.push_back("deleted | " + set);
+      if (!there.contains(set)) log.push_back("deleted" + ShortName(set, "Reports/", ""));
     }
     sets_on_disk = std::move(there);
   }
@@ -78,6 +77,7 @@ class Surroundings {
   std::set<std::string> sets_on_disk;
   /// Called by each output, and tells its status.
   std::function<Status()> on_output = [] { return S_OK; };
+  std::function<void()> on_format = [] {};
   std::function<void()> on_notification = [] {};
   Status format_status = S_OK;
   Status interval_status = S_OK;
@@ -98,7 +98,7 @@ class NotingMethod final : public Object<IStatsOutputMethod> {
     ++world_.outputs;
     if (world_.note_outputs) {
       world_.LookForDeletions();
-      world_.Note("output | " + ToUtf8(StringView(folder)));
+      world_.Note("output" + ShortName(ToUtf8(StringView(folder)), R"(R:\Reports\)", "\\"));
     }
     return world_.on_output();
   }
@@ -107,6 +107,7 @@ class NotingMethod final : public Object<IStatsOutputMethod> {
     return S_FALSE;
   }
   Status SetFormat(BSTR extension, BSTR separator, IStatsOutputPrefs* preferences, BSTR root) override {
+    world_.on_format();
     if (!world_.note_format) return world_.format_status;
     const std::string tab = StringView(separator) == u"\t" ? "tab" : ToUtf8(StringView(separator));
     world_.Note("format | " + ToUtf8(StringView(extension)) + " " + tab + (preferences ? " preferences" : "") +
@@ -183,14 +184,7 @@ class Schedule : public Surroundings {
   }
 
   Status Set(const std::string& attributes) const {
-    ComPtr<IXmlDocument> document;
-    ComPtr<IXmlNode> node;
-    ComPtr<IPersistXml> persist;
-    EXPECT_EQ(CreateXmlDocument(document.Out()), S_OK);
-    EXPECT_EQ(document->LoadText(FromUtf8("<settings><statsoutput " + attributes + "/></settings>").c_str()), S_OK);
-    EXPECT_EQ(document->SelectSingleNode(u"settings", node.Out()), S_OK);
-    EXPECT_EQ(Query(scheduler.get(), &persist), S_OK);
-    return persist->Load(document.get(), node.get());
+    return SettingsDocument("<statsoutput " + attributes + "/>").LoadInto(scheduler);
   }
 
   /// Starts when stopped, and goes on to a time (UTC); gives what was noted since the last call.

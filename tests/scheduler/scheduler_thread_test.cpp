@@ -39,7 +39,7 @@ TEST(SchedulerThread, StartsAndStopsOnce) {
   EXPECT_EQ(schedule.startable->Stop(), S_OK);
   EXPECT_EQ(schedule.startable->Start(), S_OK);
   EXPECT_EQ(schedule.startable->Start(), S_OK);
-  EXPECT_THAT(schedule.RunTo("2007-11-14 11:00:00"), ElementsAre(R"(14 11:00:00 output | R:\Reports\)"));
+  EXPECT_THAT(schedule.RunTo("2007-11-14 11:00:00"), ElementsAre("14 11:00:00 output"));
   EXPECT_EQ(schedule.startable->Stop(), S_OK);
   EXPECT_EQ(schedule.startable->Stop(), S_OK);
   EXPECT_EQ(schedule.clock.Seconds(), At("2007-11-14 11:00:00")) << "nobody has waited";
@@ -83,7 +83,7 @@ TEST(SchedulerThread, ResetReachesTheMethod) {
     return S_OK;
   };
   EXPECT_THAT(schedule.RunTo("2007-11-14 11:00:00"),
-              ElementsAre(R"(output | R:\Reports\)", "mark reset", R"(told 0 | Statistics output to R:\Reports\)"));
+              ElementsAre("output", "mark reset", R"(told 0 | Statistics output to R:\Reports\)"));
 }
 
 // A scheduler whose first output hangs until it is let go on.
@@ -116,16 +116,36 @@ class HangingSchedulerThread : public testing::Test {
   Schedule schedule_{"2007-11-14 10:10:00", "ResetOutput='1' keep='0' scheduled='1'"};
 };
 
-const std::string kSet = R"(R:\Reports\Reports-2007-11-14 00.00.00 - 2007-11-15 00.00.00\)";
+const std::string kSet = "2007-11-14 00.00.00 - 2007-11-15 00.00.00";
 
 TEST_F(HangingSchedulerThread, IsGivenUpAfterThirtySeconds) {
   EXPECT_EQ(SecondsToStop(), 30);
-  EXPECT_THAT(schedule_.log, ElementsAre("14 11:00:00 output | " + kSet));
+  EXPECT_THAT(schedule_.log, ElementsAre("14 11:00:00 output " + kSet));
   schedule_.log.clear();
   const std::uint32_t objects = ModuleReference::Count();
   go_on_.Open();
   WaitForModuleCount(objects - 1);
   EXPECT_THAT(schedule_.log, IsEmpty()) << "no reset, no notification, no deletion";
+}
+
+TEST(SchedulerThread, IsGivenUpWhileItTellsTheFormat) {
+  Gate hanging, go_on;
+  Schedule schedule("2007-11-14 10:10:00", "newSetEnabled='0' outputType='2'");
+  schedule.note_format = true;
+  schedule.on_format = [&] {
+    hanging.Open();
+    go_on.Wait();
+  };
+  schedule.startable->Start();
+  schedule.clock.PassTo(At("2007-11-14 11:00:00"));
+  hanging.Wait();
+  schedule.clock.LetPass(30);
+  schedule.startable->Stop();
+  schedule.clock.LetPass(0);
+  const std::uint32_t objects = ModuleReference::Count();
+  go_on.Open();
+  WaitForModuleCount(objects - 1);
+  EXPECT_THAT(schedule.log, ElementsAre("14 11:00:30 format | .xml ,")) << "no interval, no output";
 }
 
 TEST_F(HangingSchedulerThread, HoldsWhatItUsesWhenAllElseHasGone) {
@@ -158,9 +178,9 @@ TEST_F(HangingSchedulerThread, DoesNotMeetTheNextWorkerInTheMethod) {
   schedule_.log.clear();
   go_on_.Open();
   EXPECT_THAT(schedule_.RunTo("2007-11-14 13:00:00"),
-              ElementsAre("14 13:00:00 output | " + kSet, "14 13:00:00 statistics reset",
-                          "14 13:00:00 told 0 | Statistics output to " + kSet,
-                          testing::StartsWith("deleted | Reports/Reports-2007-11-14 ")));
+              ElementsAre("14 13:00:00 output " + kSet, "14 13:00:00 statistics reset",
+                          R"(14 13:00:00 told 0 | Statistics output to R:\Reports\Reports-)" + kSet + "\\",
+                          testing::StartsWith("deleted 2007-11-14 ")));
 }
 
 TEST(SchedulerThread, MayBeStoppedByItsOwnNotification) {
@@ -180,11 +200,10 @@ TEST(SchedulerThread, MayBeStoppedByItsOwnNotification) {
     schedule.startable->Start();
   };
   EXPECT_THAT(schedule.RunTo("2007-11-14 14:00:00"),
-              ElementsAre(R"(14 11:00:00 output | R:\Reports\Reports-2007-11-14 10.00.00 - 11.00.00\)",
-                          R"(deleted | Reports/Reports-2007-11-14 10.00.00 - 11.00.00)",
-                          R"(14 12:00:00 output | R:\Reports\Reports-2007-11-14 11.00.00 - 12.00.00\)",
-                          R"(14 13:00:00 output | R:\Reports\Reports-2007-11-14 12.00.00 - 13.00.00\)",
-                          R"(14 14:00:00 output | R:\Reports\Reports-2007-11-14 13.00.00 - 14.00.00\)"));
+              ElementsAre("14 11:00:00 output 2007-11-14 10.00.00 - 11.00.00", "deleted 2007-11-14 10.00.00 - 11.00.00",
+                          "14 12:00:00 output 2007-11-14 11.00.00 - 12.00.00",
+                          "14 13:00:00 output 2007-11-14 12.00.00 - 13.00.00",
+                          "14 14:00:00 output 2007-11-14 13.00.00 - 14.00.00"));
   schedule.startable->Stop();
   WaitForModuleCount(objects);
 }
@@ -227,13 +246,7 @@ TEST(SchedulerThread, IsUsedByEightThreadsAtOnce) {
   std::atomic<int> busy{0};
   const auto thread = [&](int own) {
     ISkryStatsOutput* scheduler = schedule.scheduler.get();
-    ComPtr<IPersistXml> persist;
-    ASSERT_EQ(Query(scheduler, &persist), S_OK);
-    ComPtr<IXmlDocument> document;
-    ComPtr<IXmlNode> node;
-    ASSERT_EQ(CreateXmlDocument(document.Out()), S_OK);
-    ASSERT_EQ(document->LoadText(u"<settings/>"), S_OK);
-    ASSERT_EQ(document->SelectSingleNode(u"settings", node.Out()), S_OK);
+    const SettingsDocument settings;
     // All have begun before the first goes on.
     for (++busy; busy < 8;) std::this_thread::yield();
     const auto number = static_cast<std::uint32_t>(own);
@@ -269,9 +282,9 @@ TEST(SchedulerThread, IsUsedByEightThreadsAtOnce) {
       scheduler->GetContext(context.Out());
       scheduler->GetNotifySink(sink.Out(), &identifier);
       scheduler->GetOutputMethod(method.Out());
-      EXPECT_EQ(persist->Save(document.get(), node.get()), S_OK);
+      EXPECT_EQ(settings.SaveFrom(schedule.scheduler), S_OK);
       if (turn % 6 == own % 6) {
-        EXPECT_EQ(persist->Load(document.get(), node.get()), S_OK);
+        EXPECT_EQ(settings.LoadInto(schedule.scheduler), S_OK);
       }
       if (turn % 4 == own % 4) {
         EXPECT_EQ(schedule.startable->Stop(), S_OK);

@@ -2,45 +2,31 @@
 
 #include "prefs/stats_output_prefs.h"
 #include "tests/scheduler/schedule_fixture.h"
+#include "tests/support/ask.h"
 
 namespace orvo::test {
 namespace {
 
-/// A new scheduler, and a document with an element <settings> to load it from and save it into.
+/// A new scheduler.
 class SchedulerSettingsTest : public testing::Test {
  protected:
   SchedulerSettingsTest() {
     EXPECT_EQ(CreateSkryStatsOutput(ISkryStatsOutput::kIid, scheduler_.OutVoid()), S_OK);
-    EXPECT_EQ(Query(scheduler_.get(), &persist_), S_OK);
-    Document({});
+    persist_ = SettingsDocument::PersistOf(scheduler_);
   }
 
-  void Document(const std::string& inside) {
-    ASSERT_EQ(CreateXmlDocument(document_.Out()), S_OK);
-    ASSERT_EQ(document_->LoadText(FromUtf8("<settings>" + inside + "</settings>").c_str()), S_OK);
-    ASSERT_EQ(document_->SelectSingleNode(u"settings", node_.Out()), S_OK);
-  }
-
-  Status Load(const std::string& inside) {
-    Document(inside);
-    return persist_->Load(document_.get(), node_.get());
-  }
-
+  Status Load(const std::string& inside) const { return SettingsDocument(inside).LoadInto(scheduler_); }
   /// The element that it saves.
-  std::string Saved() {
-    Document({});
-    EXPECT_EQ(persist_->Save(document_.get(), node_.get()), S_OK);
-    Bstr text;
-    EXPECT_EQ(document_->GetText(text.Out()), S_OK);
-    const std::string xml = ToUtf8(text.view());
+  std::string Saved() const {
+    const SettingsDocument document;
+    EXPECT_EQ(document.SaveFrom(scheduler_), S_OK);
+    const std::string xml = document.Text();
     const std::size_t begin = xml.find("<statsoutput ");
     return begin == xml.npos ? xml : xml.substr(begin, xml.find('>', begin) + 1 - begin);
   }
 
   ComPtr<ISkryStatsOutput> scheduler_;
   ComPtr<IPersistXml> persist_;
-  ComPtr<IXmlDocument> document_;
-  ComPtr<IXmlNode> node_;
 };
 
 constexpr char kFresh[] =
@@ -90,60 +76,60 @@ TEST_F(SchedulerSettingsTest, LoadWhatIsThere) {
 }
 
 TEST_F(SchedulerSettingsTest, AskTheirArgumentsForTheirInterfaces) {
-  EXPECT_EQ(persist_->Load(nullptr, node_.get()), E_POINTER);
-  EXPECT_EQ(persist_->Load(document_.get(), nullptr), E_POINTER);
-  EXPECT_EQ(persist_->Save(nullptr, node_.get()), E_POINTER);
-  EXPECT_EQ(persist_->Save(document_.get(), nullptr), E_POINTER);
-  EXPECT_EQ(persist_->Load(node_.get(), node_.get()), E_NOINTERFACE);
-  EXPECT_EQ(persist_->Save(document_.get(), scheduler_.get()), E_NOINTERFACE);
+  const SettingsDocument settings;
+  const std::tuple<IUnknown*, IUnknown*, Status> cases[] = {{nullptr, settings.node(), E_POINTER},
+                                                            {settings.document(), nullptr, E_POINTER},
+                                                            {settings.node(), settings.node(), E_NOINTERFACE},
+                                                            {settings.document(), scheduler_.get(), E_NOINTERFACE}};
+  for (const auto& [document, node, status] : cases) {
+    EXPECT_EQ(persist_->Load(document, node), status);
+    EXPECT_EQ(persist_->Save(document, node), status);
+  }
 }
 
 TEST_F(SchedulerSettingsTest, AreReadAndWrittenOneByOne) {
+  using Get = Status (ISkryStatsOutput::*)(std::int32_t*);
+  using Set = Status (ISkryStatsOutput::*)(std::int32_t);
+  const std::vector<std::pair<std::int32_t, std::int32_t>> is_switch = {{0, 0}, {-3, 1}, {0, 0}, {256, 1}};
   const struct {
     const char* attribute;
-    Status (ISkryStatsOutput::*get)(std::int32_t*);
-    Status (ISkryStatsOutput::*set)(std::int32_t);
-  } switches[] = {
-      {"enabled", &ISkryStatsOutput::GetEnabled, &ISkryStatsOutput::SetEnabled},
-      {"notify", &ISkryStatsOutput::GetNotify, &ISkryStatsOutput::SetNotify},
-      {"alignOutput", &ISkryStatsOutput::GetAlignOutput, &ISkryStatsOutput::SetAlignOutput},
-      {"newSetEnabled", &ISkryStatsOutput::GetNewSetEnabled, &ISkryStatsOutput::SetNewSetEnabled},
-      {"scheduled", &ISkryStatsOutput::GetScheduled, &ISkryStatsOutput::SetScheduled},
-      {"alignNewSet", &ISkryStatsOutput::GetAlignNewSet, &ISkryStatsOutput::SetAlignNewSet},
-      {"keepEnabled", &ISkryStatsOutput::GetKeepEnabled, &ISkryStatsOutput::SetKeepEnabled},
+    Get get;
+    Set set;
+    std::vector<std::pair<std::int32_t, std::int32_t>> values;  // given and stored
+  } cases[] = {
+      {"enabled", &ISkryStatsOutput::GetEnabled, &ISkryStatsOutput::SetEnabled, is_switch},
+      {"notify", &ISkryStatsOutput::GetNotify, &ISkryStatsOutput::SetNotify, is_switch},
+      {"alignOutput", &ISkryStatsOutput::GetAlignOutput, &ISkryStatsOutput::SetAlignOutput, is_switch},
+      {"newSetEnabled", &ISkryStatsOutput::GetNewSetEnabled, &ISkryStatsOutput::SetNewSetEnabled, is_switch},
+      {"scheduled", &ISkryStatsOutput::GetScheduled, &ISkryStatsOutput::SetScheduled, is_switch},
+      {"alignNewSet", &ISkryStatsOutput::GetAlignNewSet, &ISkryStatsOutput::SetAlignNewSet, is_switch},
+      {"keepEnabled", &ISkryStatsOutput::GetKeepEnabled, &ISkryStatsOutput::SetKeepEnabled, is_switch},
+      {"ResetOutput", &ISkryStatsOutput::GetResetOutput, &ISkryStatsOutput::SetResetOutput, {{-7, -7}}},
+      {"outputType", &ISkryStatsOutput::GetOutputType, &ISkryStatsOutput::SetOutputType, {{99, 99}}},
   };
   ISkryStatsOutput* scheduler = scheduler_.get();
-  std::int32_t value = 0;
-  for (const auto& s : switches) {
-    for (const auto& [given, stored] : {std::pair(0, 0), std::pair(-3, 1), std::pair(0, 0), std::pair(256, 1)}) {
-      EXPECT_EQ((scheduler->*s.set)(given), S_OK);
-      EXPECT_EQ((scheduler->*s.get)(&value), S_OK);
-      EXPECT_EQ(value, stored) << s.attribute;
-      EXPECT_THAT(Saved(), testing::HasSubstr(std::string(" ") + s.attribute + "=\"" + std::to_string(stored) + "\""));
+  for (const auto& c : cases) {
+    for (const auto& [given, stored] : c.values) {
+      EXPECT_EQ((scheduler->*c.set)(given), S_OK);
+      EXPECT_EQ(Ask(scheduler_)(c.get), stored) << c.attribute;
+      EXPECT_THAT(Saved(), testing::HasSubstr(std::string(" ") + c.attribute + "=\"" + std::to_string(stored) + "\""));
     }
-    EXPECT_EQ((scheduler->*s.get)(nullptr), E_POINTER);
+    EXPECT_EQ((scheduler->*c.get)(nullptr), E_POINTER) << c.attribute;
   }
   std::uint32_t number = 0;
+  std::int32_t unit = 0;
   EXPECT_EQ(scheduler->SetKeep(0xFFFFFFFF), S_OK);
-  EXPECT_EQ(scheduler->GetKeep(&number), S_OK);
-  EXPECT_EQ(number, 0xFFFFFFFFU);
-  EXPECT_EQ(scheduler->SetResetOutput(-7), S_OK);
-  EXPECT_EQ(scheduler->GetResetOutput(&value), S_OK);
-  EXPECT_EQ(value, -7);
-  EXPECT_EQ(scheduler->SetOutputType(99), S_OK);
-  EXPECT_EQ(scheduler->GetOutputType(&value), S_OK);
-  EXPECT_EQ(value, 99);
+  EXPECT_EQ(Ask(scheduler_)(&ISkryStatsOutput::GetKeep), 0xFFFFFFFFU);
+  EXPECT_EQ(scheduler->GetKeep(nullptr), E_POINTER);
   EXPECT_EQ(scheduler->SetOutputInterval(0, 9), S_OK);
   EXPECT_EQ(scheduler->SetNewSetInterval(8, -9), S_OK);
-  EXPECT_EQ(scheduler->GetOutputInterval(&number, &value), S_OK);
-  EXPECT_TRUE(number == 0 && value == 9);
-  EXPECT_EQ(scheduler->GetNewSetInterval(&number, &value), S_OK);
-  EXPECT_TRUE(number == 8 && value == -9);
-  for (Status status :
-       {scheduler->GetKeep(nullptr), scheduler->GetResetOutput(nullptr), scheduler->GetOutputType(nullptr),
-        scheduler->GetOutputInterval(nullptr, &value), scheduler->GetOutputInterval(&number, nullptr),
-        scheduler->GetNewSetInterval(nullptr, &value), scheduler->GetNewSetInterval(&number, nullptr)}) {
-    EXPECT_EQ(status, E_POINTER);
+  EXPECT_EQ(scheduler->GetOutputInterval(&number, &unit), S_OK);
+  EXPECT_TRUE(number == 0 && unit == 9);
+  EXPECT_EQ(scheduler->GetNewSetInterval(&number, &unit), S_OK);
+  EXPECT_TRUE(number == 8 && unit == -9);
+  for (auto get : {&ISkryStatsOutput::GetOutputInterval, &ISkryStatsOutput::GetNewSetInterval}) {
+    EXPECT_EQ((scheduler->*get)(nullptr, &unit), E_POINTER);
+    EXPECT_EQ((scheduler->*get)(&number, nullptr), E_POINTER);
   }
 }
 
@@ -151,25 +137,24 @@ TEST_F(SchedulerSettingsTest, TextsAreCopied) {
   const struct {
     Status (ISkryStatsOutput::*get)(BSTR*);
     Status (ISkryStatsOutput::*set)(BSTR);
-    const char16_t* given;
-    const char16_t* stored;
+    std::vector<std::pair<const char16_t*, const char16_t*>> texts;  // given and stored
   } cases[] = {
-      {&ISkryStatsOutput::GetUserPath, &ISkryStatsOutput::SetUserPath, u"D:\\x", u"D:\\x\\"},
-      {&ISkryStatsOutput::GetUserPath, &ISkryStatsOutput::SetUserPath, u"D:\\x\\", u"D:\\x\\"},
-      {&ISkryStatsOutput::GetUserPath, &ISkryStatsOutput::SetUserPath, u"", u""},
-      {&ISkryStatsOutput::GetReportPath, &ISkryStatsOutput::SetReportPath, u"x", u"x"},
-      {&ISkryStatsOutput::GetReportPath, &ISkryStatsOutput::SetReportPath, u"", u""},
-      {&ISkryStatsOutput::GetTemplateRoot, &ISkryStatsOutput::SetTemplateRoot, u"T:\\", u"T:\\"},
-      {&ISkryStatsOutput::GetTemplateRoot, &ISkryStatsOutput::SetTemplateRoot, u"", u""},
+      {&ISkryStatsOutput::GetUserPath,
+       &ISkryStatsOutput::SetUserPath,
+       {{u"D:\\x", u"D:\\x\\"}, {u"D:\\x\\", u"D:\\x\\"}, {u"", u""}}},
+      {&ISkryStatsOutput::GetReportPath, &ISkryStatsOutput::SetReportPath, {{u"x", u"x"}, {u"", u""}}},
+      {&ISkryStatsOutput::GetTemplateRoot, &ISkryStatsOutput::SetTemplateRoot, {{u"T:\\", u"T:\\"}, {u"", u""}}},
   };
   for (const auto& c : cases) {
-    EXPECT_EQ((scheduler_.get()->*c.set)(Bstr(c.given).get()), S_OK);
     Bstr text;
-    EXPECT_EQ((scheduler_.get()->*c.get)(text.Out()), S_OK);
-    EXPECT_TRUE(text.get() && text.view() == c.stored);
-    FailStringAllocation(0);
-    BSTR none = nullptr;
-    EXPECT_EQ((scheduler_.get()->*c.get)(&none), E_OUTOFMEMORY);
+    for (const auto& [given, stored] : c.texts) {
+      EXPECT_EQ((scheduler_.get()->*c.set)(Bstr(given).get()), S_OK);
+      EXPECT_EQ((scheduler_.get()->*c.get)(text.Out()), S_OK);
+      EXPECT_TRUE(text.get() && text.view() == stored) << ToUtf8(given);
+      FailStringAllocation(0);
+      BSTR none = nullptr;
+      EXPECT_EQ((scheduler_.get()->*c.get)(&none), E_OUTOFMEMORY);
+    }
     EXPECT_EQ((scheduler_.get()->*c.get)(nullptr), E_POINTER);
     // No text is an empty one, except for the template root, which is then absent.
     EXPECT_EQ((scheduler_.get()->*c.set)(nullptr), S_OK);
@@ -206,22 +191,18 @@ TEST_F(SchedulerSettingsTest, ObjectsAreHeldOrBorrowed) {
   EXPECT_EQ(references(preferences), 2U);
   EXPECT_EQ(references(context), 1U);
   EXPECT_EQ(references(sink), 1U);
+  const auto ask = Ask(scheduler_);
+  EXPECT_EQ(ask(&ISkryStatsOutput::GetOutputMethod).get(), method.get());
+  EXPECT_EQ(ask(&ISkryStatsOutput::GetPrefs).get(), preferences.get());
+  EXPECT_FALSE(ask(&ISkryStatsOutput::GetGraphs));
   {
-    ComPtr<IStatsOutputMethod> got_method;
-    ComPtr<IStatsOutputPrefs> got_preferences;
-    ComPtr<IStatsContext> got_context;
-    ComPtr<INotificationSink> got_sink;
-    ComPtr<IGraphCollection> got_graphs;
-    Guid identifier;
-    EXPECT_EQ(scheduler_->GetOutputMethod(got_method.Out()), S_OK);
-    EXPECT_EQ(scheduler_->GetPrefs(got_preferences.Out()), S_OK);
-    EXPECT_EQ(scheduler_->GetContext(got_context.Out()), S_OK);
-    EXPECT_EQ(scheduler_->GetNotifySink(got_sink.Out(), &identifier), S_OK);
-    EXPECT_EQ(scheduler_->GetGraphs(got_graphs.Out()), S_OK);
-    EXPECT_TRUE(got_method.get() == method.get() && got_preferences.get() == preferences.get());
-    EXPECT_TRUE(got_context.get() == context.get() && got_sink.get() == sink.get() && !got_graphs);
-    EXPECT_EQ(identifier, kTestNotification);
+    const ComPtr<IStatsContext> got = ask(&ISkryStatsOutput::GetContext);
+    EXPECT_EQ(got.get(), context.get());
     EXPECT_EQ(references(context), 2U) << "what a getter hands out carries a reference";
+    ComPtr<INotificationSink> got_sink;
+    Guid identifier;
+    EXPECT_EQ(scheduler_->GetNotifySink(got_sink.Out(), &identifier), S_OK);
+    EXPECT_TRUE(got_sink.get() == sink.get() && identifier == kTestNotification);
     EXPECT_EQ(scheduler_->GetNotifySink(nullptr, &identifier), E_POINTER);
     EXPECT_EQ(scheduler_->GetNotifySink(got_sink.Out(), nullptr), E_POINTER);
   }
@@ -230,9 +211,7 @@ TEST_F(SchedulerSettingsTest, ObjectsAreHeldOrBorrowed) {
   EXPECT_EQ(scheduler_->GetContext(nullptr), E_POINTER);
   EXPECT_EQ(scheduler_->GetGraphs(nullptr), E_POINTER);
   scheduler_->SetContext(nullptr);
-  ComPtr<IStatsContext> none(context.get());
-  EXPECT_EQ(scheduler_->GetContext(none.Out()), S_OK);
-  EXPECT_FALSE(none);
+  EXPECT_FALSE(ask(&ISkryStatsOutput::GetContext));
   persist_.Reset();
   scheduler_.Reset();
   EXPECT_EQ(references(method), 1U);
@@ -247,9 +226,7 @@ TEST_F(SchedulerSettingsTest, TheSchedulerAnswersItsInterfaces) {
   EXPECT_EQ(Query(scheduler_.get(), &persist), S_OK);
   EXPECT_EQ(persist.get(), persist_.get());
   EXPECT_EQ(Query(scheduler_.get(), &stream), E_NOINTERFACE);
-  Guid class_id;
-  EXPECT_EQ(persist_->GetClassID(&class_id), S_OK);
-  EXPECT_EQ(class_id, kSkryStatsOutputClass);
+  EXPECT_EQ(Ask(persist)(&IPersist::GetClassID), kSkryStatsOutputClass);
   EXPECT_EQ(persist_->GetClassID(nullptr), E_POINTER);
 }
 

@@ -37,6 +37,8 @@ class RunningCommand {
   ~RunningCommand();
 
   pid_t process() const { return process_; }
+  /// What has come of its output so far.
+  const std::string& output() const { return result_.output; }
   void Signal(int signal) const;
   /// Waits until what it said, on either stream, contains the text as often as that. False when it ended before, or
   /// said nothing for a minute.

@@ -156,6 +156,13 @@ class ScriptedEngine {
     if (failing_.empty() || operation != failing_) return S_OK;
     return --calls_left_ == 0 ? failure_ : S_OK;
   }
+  /// The same, with a value when it is S_OK.
+  template <class Value, class T>
+  Status Give(std::string_view operation, const Value& value, T* out) {
+    Status answer = Answer(operation);
+    if (answer == S_OK) *out = static_cast<T>(value);
+    return answer;
+  }
 
  private:
   std::string failing_;

@@ -1,22 +1,17 @@
-#include "platform/object.h"
 #include "tests/support/scripted_categories.h"
 
 namespace orvo::test {
 namespace {
 
-class AnalysisTable final : public Object<ITable> {
+class AnalysisTable final : public ScriptedObject<ITable> {
  public:
   AnalysisTable(ScriptedEngine* engine, SharedScript script, const ScriptedTable& table)
-      : engine_(engine), script_(std::move(script)), table_(table) {}
+      : ScriptedObject(engine, std::move(script)), table_(table) {}
 
   Status GetColumnCount(std::uint32_t* count) override {
-    *count = static_cast<std::uint32_t>(table_.columns.size());
-    return engine_->Answer("ITable::GetColumnCount");
+    return Give("ITable::GetColumnCount", table_.columns.size(), count);
   }
-  Status GetRowCount(std::uint32_t* count) override {
-    *count = static_cast<std::uint32_t>(table_.rows.size());
-    return engine_->Answer("ITable::GetRowCount");
-  }
+  Status GetRowCount(std::uint32_t* count) override { return Give("ITable::GetRowCount", table_.rows.size(), count); }
   Status GetColumnTitle(std::uint32_t column, std::u16string* title) override {
     return GiveOfColumn("ITable::GetColumnTitle", column, &ScriptedColumn::title, title);
   }
@@ -24,29 +19,23 @@ class AnalysisTable final : public Object<ITable> {
     return GiveOfColumn("ITable::GetColumnIdentifier", column, &ScriptedColumn::identifier, identifier);
   }
   Status GetCell(std::uint32_t row, std::uint32_t column, std::u16string* text) override {
-    if (Status answer = engine_->Answer("ITable::GetCell"); answer != S_OK) return answer;
     if (row >= table_.rows.size() || column >= table_.rows[row].size()) return E_INVALIDARG;
-    *text = table_.rows[row][column];
-    return S_OK;
+    return Give("ITable::GetCell", table_.rows[row][column], text);
   }
 
  private:
   Status GiveOfColumn(std::string_view operation, std::uint32_t column, std::u16string ScriptedColumn::*what,
                       std::u16string* out) const {
-    if (Status answer = engine_->Answer(operation); answer != S_OK) return answer;
     if (column >= table_.columns.size()) return E_INVALIDARG;
-    *out = table_.columns[column].*what;
-    return S_OK;
+    return Give(operation, table_.columns[column].*what, out);
   }
 
-  ScriptedEngine* engine_;
-  SharedScript script_;
   const ScriptedTable& table_;
 };
 
-class ExpertStats final : public Object<IExpertStats, ITableProvider> {
+class ExpertStats final : public ScriptedObject<IExpertStats, ITableProvider> {
  public:
-  ExpertStats(ScriptedEngine* engine, SharedScript script) : engine_(engine), script_(std::move(script)) {}
+  using ScriptedObject::ScriptedObject;
 
   Status GetTable(std::uint32_t kind, std::uint32_t view, ITable** table) override {
     if (Status answer = engine_->Answer("ITableProvider::GetTable"); answer != S_OK) return answer;
@@ -59,12 +48,8 @@ class ExpertStats final : public Object<IExpertStats, ITableProvider> {
  protected:
   void* FindInterface(const Guid& iid) override {
     if (iid == ITableProvider::kIid && !script_->expert->offers_tables) return nullptr;
-    return Object::FindInterface(iid);
+    return ScriptedObject::FindInterface(iid);
   }
-
- private:
-  ScriptedEngine* engine_;
-  SharedScript script_;
 };
 
 }  // namespace

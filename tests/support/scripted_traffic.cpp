@@ -1,81 +1,45 @@
 #include <algorithm>
 
-#include "platform/object.h"
 #include "tests/support/scripted_categories.h"
 
 namespace orvo::test {
 namespace {
 
-template <class... Interfaces>
-class TrafficObject : public Object<Interfaces...> {
+class History final : public ScriptedObject<ITrafficHistory> {
  public:
-  TrafficObject(ScriptedEngine* engine, SharedScript script) : engine_(engine), script_(std::move(script)) {}
-
- protected:
-  ScriptedEngine* engine_;
-  SharedScript script_;
-};
-
-class History final : public TrafficObject<ITrafficHistory> {
- public:
-  using TrafficObject::TrafficObject;
+  using ScriptedObject::ScriptedObject;
   Status GetSamples(const double** values, std::uint32_t* count) override {
-    if (Status answer = engine_->Answer("ITrafficHistory::GetSamples"); answer != S_OK) return answer;
-    *values = script_->history.data();
-    *count = static_cast<std::uint32_t>(script_->history.size());
-    return S_OK;
+    return GiveAll("ITrafficHistory::GetSamples", script_->history, values, count);
   }
   Status GetInterval(std::uint32_t* seconds) override {
-    if (Status answer = engine_->Answer("ITrafficHistory::GetInterval"); answer != S_OK) return answer;
-    *seconds = script_->history_interval;
-    return S_OK;
+    return Give("ITrafficHistory::GetInterval", script_->history_interval, seconds);
   }
   Status GetStartTime(std::uint64_t* time) override {
-    if (Status answer = engine_->Answer("ITrafficHistory::GetStartTime"); answer != S_OK) return answer;
-    *time = script_->history_start;
-    return S_OK;
+    return Give("ITrafficHistory::GetStartTime", script_->history_start, time);
   }
 };
 
-class Sizes final : public TrafficObject<ISizeStats> {
+class Sizes final : public ScriptedObject<ISizeStats> {
  public:
-  using TrafficObject::TrafficObject;
+  using ScriptedObject::ScriptedObject;
   Status GetScheme(std::uint32_t* scheme) override {
-    if (Status answer = engine_->Answer("ISizeStats::GetScheme"); answer != S_OK) return answer;
-    *scheme = script_->size_scheme;
-    return S_OK;
+    return Give("ISizeStats::GetScheme", script_->size_scheme, scheme);
   }
   Status GetBuckets(const std::uint64_t** packets, std::uint32_t* count) override {
-    if (Status answer = engine_->Answer("ISizeStats::GetBuckets"); answer != S_OK) return answer;
-    *packets = script_->size_buckets.data();
-    *count = static_cast<std::uint32_t>(script_->size_buckets.size());
-    return S_OK;
+    return GiveAll("ISizeStats::GetBuckets", script_->size_buckets, packets, count);
   }
 };
 
-class Graph final : public TrafficObject<IGraph, IGraphSeries> {
+class Graph final : public ScriptedObject<IGraph, IGraphSeries> {
  public:
   Graph(ScriptedEngine* engine, SharedScript script, std::uint32_t index)
-      : TrafficObject(engine, std::move(script)), graph_(script_->graphs[index]) {}
+      : ScriptedObject(engine, std::move(script)), graph_(script_->graphs[index]) {}
 
-  Status GetName(std::u16string* name) override {
-    if (Status answer = engine_->Answer("IGraph::GetName"); answer != S_OK) return answer;
-    *name = graph_.name;
-    return S_OK;
-  }
-  Status GetTitle(std::u16string* title) override {
-    *title = graph_.title;
-    return S_OK;
-  }
-  Status GetInterval(std::uint32_t* seconds) override {
-    if (Status answer = engine_->Answer("IGraph::GetInterval"); answer != S_OK) return answer;
-    *seconds = graph_.interval;
-    return S_OK;
-  }
+  Status GetName(std::u16string* name) override { return Give("IGraph::GetName", graph_.name, name); }
+  Status GetTitle(std::u16string* title) override { return Give("IGraph::GetTitle", graph_.title, title); }
+  Status GetInterval(std::uint32_t* seconds) override { return Give("IGraph::GetInterval", graph_.interval, seconds); }
   Status GetSampleCount(std::uint32_t* count) override {
-    if (Status answer = engine_->Answer("IGraph::GetSampleCount"); answer != S_OK) return answer;
-    *count = graph_.series.empty() ? 0 : static_cast<std::uint32_t>(graph_.series[0].samples.size());
-    return S_OK;
+    return Give("IGraph::GetSampleCount", graph_.series.empty() ? 0 : graph_.series[0].samples.size(), count);
   }
   Status GetSeries(IGraphSeries** series) override {
     if (Status answer = engine_->Answer("IGraph::GetSeries"); answer != S_OK) return answer;
@@ -83,15 +47,9 @@ class Graph final : public TrafficObject<IGraph, IGraphSeries> {
     *series = this;
     return S_OK;
   }
-  Status GetCount(std::uint32_t* count) override {
-    if (Status answer = engine_->Answer("IGraphSeries::GetCount"); answer != S_OK) return answer;
-    *count = static_cast<std::uint32_t>(graph_.series.size());
-    return S_OK;
-  }
+  Status GetCount(std::uint32_t* count) override { return Give("IGraphSeries::GetCount", graph_.series.size(), count); }
   Status GetName(std::uint32_t series, std::u16string* name) override {
-    if (Status answer = engine_->Answer("IGraphSeries::GetName"); answer != S_OK) return answer;
-    *name = graph_.series.at(series).name;
-    return S_OK;
+    return Give("IGraphSeries::GetName", graph_.series.at(series).name, name);
   }
   Status GetSamples(std::uint32_t series, std::uint64_t start, std::uint32_t step, std::uint32_t* count, double* values,
                     std::uint64_t* times) override {
@@ -114,13 +72,11 @@ class Graph final : public TrafficObject<IGraph, IGraphSeries> {
   const ScriptedGraph& graph_;
 };
 
-class GraphList final : public TrafficObject<IGraphCollection> {
+class GraphList final : public ScriptedObject<IGraphCollection> {
  public:
-  using TrafficObject::TrafficObject;
+  using ScriptedObject::ScriptedObject;
   Status GetCount(std::uint32_t* count) override {
-    if (Status answer = engine_->Answer("IGraphCollection::GetCount"); answer != S_OK) return answer;
-    *count = static_cast<std::uint32_t>(script_->graphs.size());
-    return S_OK;
+    return Give("IGraphCollection::GetCount", script_->graphs.size(), count);
   }
   Status GetGraph(std::uint32_t index, IGraph** graph) override {
     if (Status answer = engine_->Answer("IGraphCollection::GetGraph"); answer != S_OK) return answer;
@@ -133,13 +89,11 @@ class GraphList final : public TrafficObject<IGraphCollection> {
 }  // namespace
 
 Status MakeTrafficHistory(ScriptedEngine* engine, const SharedScript& script, void** out) {
-  *out = MakeObject<History>(engine, script).Detach();
-  return S_OK;
+  return MakeScripted<History>(engine, script, out);
 }
 
 Status MakeSizeStats(ScriptedEngine* engine, const SharedScript& script, void** out) {
-  *out = MakeObject<Sizes>(engine, script).Detach();
-  return S_OK;
+  return MakeScripted<Sizes>(engine, script, out);
 }
 
 ComPtr<IGraphCollection> MakeGraphs(ScriptedEngine* engine, const SharedScript& script) {

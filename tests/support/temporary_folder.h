@@ -15,6 +15,12 @@
 
 namespace orvo::test {
 
+/// The bytes of any file, none when it cannot be read.
+inline std::string FileBytes(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
 /// A folder of the test's own, gone with it.
 class TemporaryFolder {
  public:
@@ -36,9 +42,8 @@ class TemporaryFolder {
 
   /// The bytes of a file; fails the test when it cannot be read.
   std::string Read(const std::string& name) const {
-    std::ifstream file(Path(name), std::ios::binary);
-    EXPECT_TRUE(file.good()) << name << " cannot be read";
-    return {std::istreambuf_iterator<char>(file), {}};
+    EXPECT_TRUE(std::ifstream(Path(name)).good()) << name << " cannot be read";
+    return FileBytes(Path(name));
   }
   /// Gives the file's path.
   std::string Write(const std::string& name, const std::string& bytes) const {

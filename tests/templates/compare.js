@@ -36,6 +36,13 @@ function parse(text) {
   return new DOMParser().parseFromString(text, "application/xml");
 }
 
+// As it comes over a network: in pieces, of which this one is short enough to tear everything apart somewhere.
+function treeOf(text, piece = 1001) {
+  const reader = new TreeReader();
+  for (let at = 0; at < text.length; at += piece) reader.feed(text.slice(at, at + piece));
+  return reader.finish();
+}
+
 // The rows that a grid makes when they are looked at are those that the style sheet makes at once.
 function checkRows(sheet, source, whole) {
   const bodies = new Map();
@@ -54,9 +61,24 @@ function checkRows(sheet, source, whole) {
   return bodies.size;
 }
 
+// Parts that are not wanted leave no trace, reading ends with the last one that is, and what is counted is empty.
+function checkWanted() {
+  const text = "<r><a><b>1</b></a><n><a><b>2</b></a></n><n/><l>3<i>4</i><i/><i j='k'><o/></i></l><c x='&lt;'/><a>";
+  const failures = [];
+  for (const piece of [1, 7, text.length]) {
+    const reader = new TreeReader({ parts: ["a", "l", "c"], counted: ["l"] });
+    for (let at = 0; at < text.length; at += piece) reader.feed(text.slice(at, at + piece));
+    const xpath = new XPath(reader.finish());
+    const expression = "concat(count(//*), '|', /r/a/b, count(r/l/i), count(r/l/i/@j), /r/c/@x, '|', r)";
+    const got = xpath.text(expression, { node: 0, position: 1, last: 1, variables: new Map() });
+    if (!reader.isDone || got !== "8|130<|13") failures.push(`what is wanted, ${piece} at a time: got ${got}`);
+  }
+  return failures;
+}
+
 function checkPair(pair, sheets, documents, failures) {
   const sheet = new StyleSheet(parse(sheets[pair.sheet]));
-  const source = parse(documents[pair.document]);
+  const source = treeOf(documents[pair.document]);
   const got = normalised(sheet.transform(source));
   const expected = normalised(new DOMParser().parseFromString(pair.expected, "text/html").body);
   const [, content] = /^<body>\n([^]*)\n<\/>$/.exec(expected);
@@ -64,7 +86,7 @@ function checkPair(pair, sheets, documents, failures) {
   return checkRows(sheet, source, got);
 }
 
-function checkAll({ sheets, documents, pairs, refused }) {
+function checkAll({ sheets, documents, pairs, refused, damaged }) {
   const failures = [];
   let bodies = 0;
   for (const pair of pairs) {
@@ -76,13 +98,23 @@ function checkAll({ sheets, documents, pairs, refused }) {
   }
   for (const [name, text] of Object.entries(refused)) {
     try {
-      new StyleSheet(parse(text)).transform(parse("<a><b href='javascript:x'/></a>"));
+      new StyleSheet(parse(text)).transform(treeOf("<a><b href='javascript:x'/></a>"));
       failures.push(`${name}: was not refused`);
     } catch (error) {
       if (!(error instanceof Error)) failures.push(`${name}: ${error}`);
     }
   }
-  failures.push(...checkValues());
+  for (const [name, text] of Object.entries(damaged)) {
+    for (const piece of [1, text.length]) {
+      try {
+        treeOf(text, piece);
+        failures.push(`${name}, ${piece} at a time: was read`);
+      } catch (error) {
+        if (!(error instanceof DamagedDocument)) failures.push(`${name}: ${error}`);
+      }
+    }
+  }
+  failures.push(...checkWanted(), ...checkValues());
   return { pairs: pairs.length, refused: Object.keys(refused).length, bodies, failures };
 }
 

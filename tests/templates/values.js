@@ -14,6 +14,7 @@ const VALUE_CASES = [
   ["years first", () => order(dateKeys(["2026-02-01 00:00:00.25", "2026-02-01 00:00:00.3", "2025-12-31"])), [2, 0, 1]],
   ["addresses", () => order(["192.0.2.10", "192.0.2.9", "B", "a"].map(textKey)), [1, 0, 3, 2]],
   ["severities", () => order(["Severe", "Minor", "Informational"].map(KINDS.severity.key)), [2, 1, 0]],
+  ["what has no value", () => [-1, 1].flatMap((sign) => [...sortedPlaces([2, NaN, 1, 2], sign)]), [0, 3, 2, 1, 2, 0, 3, 1]],
   ["kinds", () => [["1", "", "2.5"], ["1", "b"], ["", ""]].map(guessKind), ["number", "text", "text"]],
   ["trends", () => trendPoints("1|2.5|x|1,234.500|"), [1, 2.5, NaN, 1234.5]],
   ["changes", () => [changeOf("5|3"), changeOf("a|b")], [-2, NaN]],
@@ -27,7 +28,7 @@ const VALUE_CASES = [
 ];
 
 function order(keys) {
-  return Array.from(keys.keys()).sort((a, b) => compareKeys(keys[a], keys[b], 1));
+  return Array.from(sortedPlaces(keys, 1));
 }
 
 function checkValues() {

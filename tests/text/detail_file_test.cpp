@@ -1,7 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <filesystem>
-
 #include "tests/text/text_report_fixture.h"
 
 namespace orvo::test {
@@ -24,14 +22,11 @@ class DetailFileTest : public TextReportTest {
     destination_ = engine.live.AddIp(10, 0, 0, 2);
     stranger_ = engine.live.AddIp(10, 0, 0, 3);
     protocol_ = engine.live.AddProtocol(6);
-    NodeEntry node;
-    node.address = source_;
-    node.bytes_sent = 300;
-    engine.live.nodes.push_back(node);
-    node = NodeEntry();
-    node.address = destination_;
-    node.bytes_received = 800;
-    engine.live.nodes.push_back(node);
+    engine.live.nodes.resize(2);
+    engine.live.nodes[0].address = source_;
+    engine.live.nodes[0].bytes_sent = 300;
+    engine.live.nodes[1].address = destination_;
+    engine.live.nodes[1].bytes_received = 800;
     engine.live.protocols.push_back({.key = protocol_, .packets = 1, .bytes = 400});
   }
 
@@ -46,10 +41,9 @@ TEST_F(DetailFileTest, ShowsSharesAndLeavesEmptyWhatThereIsNothingToShareIn) {
   Add(source_, destination_, protocol_, 100);
   Add(destination_, source_, protocol_, 100);  // has sent nothing; has received nothing
   Add(stranger_, 4711, 4711, 18446744073709551615U);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(FileLines(kFile), ElementsAre(kHeader, kSaved + "10.0.0.1,33.333,10.0.0.2,12.500,TCP,25.000,100,7,",
-                                            kSaved + "10.0.0.2,,10.0.0.1,,TCP,25.000,100,7,",
-                                            kSaved + "10.0.0.3,,,,,,18446744073709551615,7,"));
+  EXPECT_THAT(Written(kFile), ElementsAre(kHeader, kSaved + "10.0.0.1,33.333,10.0.0.2,12.500,TCP,25.000,100,7,",
+                                          kSaved + "10.0.0.2,,10.0.0.1,,TCP,25.000,100,7,",
+                                          kSaved + "10.0.0.3,,,,,,18446744073709551615,7,"));
 }
 
 TEST_F(DetailFileTest, NeedsAllItsTablesAndEndsWhereAQueryFails) {
@@ -57,22 +51,17 @@ TEST_F(DetailFileTest, NeedsAllItsTablesAndEndsWhereAQueryFails) {
   Add(source_, destination_, protocol_, 100);
   for (const Guid& table : {kConversationCategory.identifier, kNodeCategory.identifier, kProtocolCategory.identifier}) {
     engine.live.missing = {table};
-    ASSERT_EQ(Output(), S_OK);
-    EXPECT_FALSE(folder.Has(kFile));
+    EXPECT_THAT(Written(kFile), testing::IsEmpty());
   }
   engine.live.missing.clear();
   for (const auto& [operation, nth] : {std::pair("IConversationIndex::Resolve", 2),
                                        {"IConversationStats::GetEntry", 2},
                                        {"INodeStats::FindByAddress", 4}}) {
-    std::filesystem::remove(folder.Path(kFile));
     engine.Fail(operation, nth, E_FAIL);
-    ASSERT_EQ(Output(), S_OK);
-    EXPECT_EQ(FileLines(kFile).size(), 2U) << operation;
+    EXPECT_EQ(Written(kFile).size(), 2U) << operation;
   }
-  preferences->SetPreference(kSwitchOutputNodeDetails, 0);
-  std::filesystem::remove(folder.Path(kFile));
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_FALSE(folder.Has(kFile));
+  Switch(kSwitchOutputNodeDetails, 0);
+  EXPECT_THAT(Written(kFile), testing::IsEmpty());
 }
 
 }  // namespace

@@ -76,8 +76,7 @@ TEST_F(ExpertFilesTest, CopiesEveryColumnWithoutCommasInCells) {
                 ElementsAre("Time Saved,First,Second, with a comma,", kSaved + "1234,xy,", kSaved + ",last,"));
   }
   SetFormat(u".txt", u"\t");
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(FileLines("Expert Event Counts.txt"),
+  EXPECT_THAT(Reported().FileLines("Expert Event Counts.txt"),
               ElementsAre("Time Saved\tFirst\tSecond, with a comma\t", "11/22/2026 14:05:09\t1234\txy\t",
                           "11/22/2026 14:05:09\t\tlast\t"));
 }
@@ -88,15 +87,13 @@ TEST_F(ExpertFilesTest, LeavesOutNamesOfEventsAndRenamesTheirSeverity) {
                                       {u"event_name", u"Third"},
                                       {u"EVENT_SEVERITY_MAX ", u"Fourth"}};
   table(kTableEventCounts).rows = {{u"a", u"b", u"c", u"d"}};
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(FileLines(kEvents), ElementsAre("Time Saved,Severity,Third,Fourth,", kSaved + "b,c,d,"));
+  EXPECT_THAT(Written(kEvents), ElementsAre("Time Saved,Severity,Third,Fourth,", kSaved + "b,c,d,"));
 }
 
 TEST_F(ExpertFilesTest, ATableWithoutRowsLeavesItsHeader) {
   table(kTableFlows).rows.clear();
   ASSERT_EQ(Output(), S_OK);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(FileLines(kFlows), ElementsAre("Time Saved,First,Second, with a comma,"));
+  EXPECT_THAT(Reported().FileLines(kFlows), ElementsAre("Time Saved,First,Second, with a comma,"));
   EXPECT_THAT(FileLines(kEvents), SizeIs(1 + 2 + 2));
 }
 
@@ -107,9 +104,9 @@ TEST_F(ExpertFilesTest, SwitchesDecideFlowsAndApplicationsOnly) {
   } cases[] = {{1, 0, 0, "E"}, {1, 0, 1, "AE"}, {1, 1, 0, "FE"}, {0, 1, 1, ""}};
   for (const auto& c : cases) {
     RemoveFiles();
-    preferences->SetPreference(kSwitchOutputExpertStats, c.section);
-    preferences->SetPreference(kSwitchExpertFlows, c.flows);
-    preferences->SetPreference(kSwitchExpertApplications, c.applications);
+    Switch(kSwitchOutputExpertStats, c.section);
+    Switch(kSwitchExpertFlows, c.flows);
+    Switch(kSwitchExpertApplications, c.applications);
     ASSERT_EQ(Output(), S_OK);
     EXPECT_EQ(Files(), c.files);
   }
@@ -118,21 +115,18 @@ TEST_F(ExpertFilesTest, SwitchesDecideFlowsAndApplicationsOnly) {
 TEST_F(ExpertFilesTest, ReadsTheLiveTables) {
   engine.at_snapshot = engine.live;
   table(kTableFlows).rows.resize(1);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(FileLines(kFlows), SizeIs(2));
+  EXPECT_THAT(Written(kFlows), SizeIs(2));
 }
 
 TEST_F(ExpertFilesTest, ColumnsThatCannotBeCountedAreNone) {
   engine.Fail("ITable::GetColumnCount", 1, E_FAIL);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(FileLines(kFlows), ElementsAre("Time Saved,", kSaved, kSaved));
+  EXPECT_THAT(Written(kFlows), ElementsAre("Time Saved,", kSaved, kSaved));
   EXPECT_EQ(FileStatus(kFlows), S_OK);
 }
 
 TEST_F(ExpertFilesTest, RowsThatCannotBeCountedFailTheirFileAlone) {
   engine.Fail("ITable::GetRowCount", 1, DISP_E_OVERFLOW);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(FileLines(kFlows), SizeIs(1));
+  EXPECT_THAT(Written(kFlows), SizeIs(1));
   EXPECT_EQ(FileStatus(kFlows), DISP_E_OVERFLOW);
   EXPECT_THAT(FileLines(kApplications), SizeIs(3));
   EXPECT_THAT(FileLines(kEvents), SizeIs(3));
@@ -141,32 +135,27 @@ TEST_F(ExpertFilesTest, RowsThatCannotBeCountedFailTheirFileAlone) {
 }
 
 TEST_F(ExpertFilesTest, EveryOtherFailureEndsTheSectionWhereItIs) {
-  const struct {
-    const char* operation;
-    int nth;
-    std::size_t flow_lines;
-  } cases[] = {
+  const std::tuple<const char*, int, std::size_t> cases[] = {
       {"ITableProvider::GetTable", 2, 3},
       {"ITable::GetCell", 3, 2},
       {"ITable::GetCell", 1, 1},
       {"ITable::GetColumnTitle", 2, 0},
       {"ITable::GetColumnIdentifier", 1, 0},
   };
-  for (const auto& c : cases) {
+  for (const auto& [operation, nth, flow_lines] : cases) {
     RemoveFiles();
-    engine.Fail(c.operation, c.nth, DISP_E_OVERFLOW);
-    EXPECT_EQ(StatusOf(WriteExpertFiles), DISP_E_OVERFLOW) << c.operation;
-    EXPECT_EQ(Files(), c.flow_lines == 0 ? "" : "F") << c.operation;
-    if (c.flow_lines == 0) continue;
-    EXPECT_THAT(FileLines(kFlows), SizeIs(c.flow_lines)) << c.operation;
+    engine.Fail(operation, nth, DISP_E_OVERFLOW);
+    EXPECT_EQ(StatusOf(WriteExpertFiles), DISP_E_OVERFLOW) << operation;
+    EXPECT_EQ(Files(), flow_lines == 0 ? "" : "F") << operation;
+    if (flow_lines == 0) continue;
+    EXPECT_THAT(FileLines(kFlows), SizeIs(flow_lines)) << operation;
   }
 }
 
 TEST_F(ExpertFilesTest, TitlesAreAskedForOnlyByANewFile) {
   ASSERT_EQ(Output(), S_OK);
   engine.Fail("ITable::GetColumnTitle", 1, E_FAIL);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(FileLines(kFlows), SizeIs(1 + 2 + 2));
+  EXPECT_THAT(Reported().FileLines(kFlows), SizeIs(1 + 2 + 2));
 }
 
 TEST_F(ExpertFilesTest, WithoutTablesNothingIsMade) {
@@ -175,7 +164,7 @@ TEST_F(ExpertFilesTest, WithoutTablesNothingIsMade) {
   engine.live.expert->offers_tables = false;
   EXPECT_EQ(StatusOf(WriteExpertFiles), E_POINTER);
   EXPECT_EQ(StatusOf(WriteMediaFile), S_OK) << "its own switch is off";
-  preferences->SetPreference(kSwitchOutputVoIPOnly, 1);
+  Switch(kSwitchOutputVoIPOnly, 1);
   EXPECT_EQ(StatusOf(WriteMediaFile), E_NOINTERFACE);
   engine.live.expert.reset();
   EXPECT_EQ(StatusOf(WriteExpertFiles), S_OK);
@@ -184,25 +173,21 @@ TEST_F(ExpertFilesTest, WithoutTablesNothingIsMade) {
 }
 
 TEST_F(ExpertFilesTest, MediaFailOnTheirOwn) {
-  preferences->SetPreference(kSwitchOutputVoIPOnly, 1);
+  Switch(kSwitchOutputVoIPOnly, 1);
   table(kTableMedia).rows.assign(2, std::vector<std::u16string>(71, u"x"));
   for (TableKind kind : {kTableFlows, kTableApplications, kTableEventCounts}) table(kind).rows.clear();
-  const struct {
-    const char* operation;
-    int nth;
-    std::size_t lines;
-  } cases[] = {{"ITable::GetCell", 26, 2},
-               {"ITable::GetRowCount", 4, 1},
-               {"ITable::GetColumnTitle", 7, 0},
-               {"ITableProvider::GetTable", 4, 0}};
-  for (const auto& c : cases) {
+  const std::tuple<const char*, int, std::size_t> cases[] = {{"ITable::GetCell", 26, 2},
+                                                             {"ITable::GetRowCount", 4, 1},
+                                                             {"ITable::GetColumnTitle", 7, 0},
+                                                             {"ITableProvider::GetTable", 4, 0}};
+  for (const auto& [operation, nth, lines] : cases) {
     RemoveFiles();
-    engine.Fail(c.operation, c.nth, DISP_E_OVERFLOW);
+    engine.Fail(operation, nth, DISP_E_OVERFLOW);
     ASSERT_EQ(Output(), S_OK);
-    EXPECT_EQ(Files(), c.lines == 0 ? "FAE" : "FAEV") << c.operation;
-    if (c.lines == 0) continue;
-    EXPECT_THAT(FileLines(kMedia), SizeIs(c.lines)) << c.operation;
-    EXPECT_EQ(FileStatus(kMedia), DISP_E_OVERFLOW) << c.operation;
+    EXPECT_EQ(Files(), lines == 0 ? "FAE" : "FAEV") << operation;
+    if (lines == 0) continue;
+    EXPECT_THAT(FileLines(kMedia), SizeIs(lines)) << operation;
+    EXPECT_EQ(FileStatus(kMedia), DISP_E_OVERFLOW) << operation;
   }
   // The other way round.
   RemoveFiles();

@@ -29,28 +29,23 @@ class NodeFilesTest : public TextReportTest {
   }
 
   void SwitchColumnsOff() {
-    for (std::uint32_t column : kNodeColumnSwitches) preferences->SetPreference(column, 0);
+    for (std::uint32_t column : kNodeColumnSwitches) Switch(column, 0);
   }
 };
 
 TEST_F(NodeFilesTest, LeavesWhatNeverHappenedEmptyButNotASizeOfZero) {
   AddNode(engine.live.AddIp(10, 0, 0, 2), 42);
   engine.live.nodes[0].min_size_received = 0;
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(FileLines(kIpFile).at(1), std::string(kSaved) + ",10.0.0.2,,,,,0,42,0,0,0,0,0,0,,,0,");
+  EXPECT_EQ(Written(kIpFile).at(1), std::string(kSaved) + ",10.0.0.2,,,,,0,42,0,0,0,0,0,0,,,0,");
 }
 
 TEST_F(NodeFilesTest, SwitchesDecideEachColumn) {
   AddNode(engine.live.AddIp(10, 0, 0, 1), 2);
   SwitchColumnsOff();
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(FileLines(kIpFile),
+  EXPECT_THAT(Written(kIpFile),
               ElementsAre("Time Saved,Address,Bytes Sent,Bytes Received", std::string(kSaved) + ",10.0.0.1,2,0"));
 
-  struct {
-    std::uint32_t id;
-    const char* titles;
-  } const cases[] = {
+  const std::pair<std::uint32_t, const char*> cases[] = {
       {kSwitchNodePackets, "Packets Sent,Bytes Sent,Packets Received,Bytes Received"},
       {kSwitchNodeFirstTime, "First Time Sent,First Time Received,Bytes Sent,Bytes Received"},
       {kSwitchNodeLastTime, "Last Time Sent,Last Time Received,Bytes Sent,Bytes Received"},
@@ -61,12 +56,10 @@ TEST_F(NodeFilesTest, SwitchesDecideEachColumn) {
       {kSwitchNodeMinSize, "Bytes Sent,Bytes Received,Min Size Sent,Min Size Received"},
       {kSwitchNodeMaxSize, "Bytes Sent,Bytes Received,Max Size Sent,Max Size Received"},
   };
-  for (const auto& one : cases) {
-    std::filesystem::remove(folder.Path(kIpFile));
+  for (const auto& [id, titles] : cases) {
     SwitchColumnsOff();
-    preferences->SetPreference(one.id, 7);  // any value but 0 is on
-    ASSERT_EQ(Output(), S_OK);
-    EXPECT_EQ(FileLines(kIpFile).at(0), std::string("Time Saved,Address,") + one.titles);
+    Switch(id, 7);  // any value but 0 is on
+    EXPECT_EQ(Written(kIpFile).at(0), std::string("Time Saved,Address,") + titles);
   }
 }
 
@@ -76,8 +69,7 @@ TEST_F(NodeFilesTest, EachFamilyHasItsFileInTheOrderOfTheAddressTable) {
   AddNode(engine.live.AddIp(10, 0, 0, 1), 3);
   engine.live.AddIp(10, 0, 0, 7);  // an address without a node entry
   SwitchColumnsOff();
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(FileLines(kIpFile),
+  EXPECT_THAT(Written(kIpFile),
               ElementsAre(testing::_, std::string(kSaved) + ",10.0.0.9,1,0", std::string(kSaved) + ",10.0.0.1,3,0"));
   EXPECT_THAT(FileLines("Node Statistics-Physical.csv"),
               ElementsAre(testing::_, std::string(kSaved) + ",2.0.0.0.0.1,2,0"));
@@ -94,18 +86,16 @@ TEST_F(NodeFilesTest, SwitchesDecideEachFile) {
       {kSwitchNodeTypeIPX, "Node Statistics-IPX.csv"},
       {kSwitchNodeTypePhysical, "Node Statistics-Physical.csv"},
   };
-  for (const auto& [id, name] : files) preferences->SetPreference(id, 0);
+  for (const auto& [id, name] : files) Switch(id, 0);
   for (const auto& [id, name] : files) {
-    preferences->SetPreference(id, 1);
-    ASSERT_EQ(Output(), S_OK);
-    EXPECT_THAT(folder.Names(), ElementsAre(name, "Summary Statistics.csv"));
+    Switch(id, 1);
+    EXPECT_THAT(Reported().folder.Names(), ElementsAre(name, "Summary Statistics.csv"));
     std::filesystem::remove(folder.Path(name));
-    preferences->SetPreference(id, 0);
+    Switch(id, 0);
   }
   preferences->SetDefaults();
   OnlySection(0xFFFF);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(folder.Names(), ElementsAre("Summary Statistics.csv"));
+  EXPECT_THAT(Reported().folder.Names(), ElementsAre("Summary Statistics.csv"));
 }
 
 TEST_F(NodeFilesTest, HierarchyNamesThePhysicalAddressFirst) {
@@ -123,9 +113,8 @@ TEST_F(NodeFilesTest, HierarchyNamesThePhysicalAddressFirst) {
   };
   engine.live.total_packets = 100;
   engine.live.total_bytes = 1000;
-  ASSERT_EQ(Output(), S_OK);
   EXPECT_THAT(
-      FileLines("Node Statistics-Hierarchy.csv"),
+      Written("Node Statistics-Hierarchy.csv"),
       ElementsAre("Time Saved,Physical Address,Logical Address,Total Packets,Total Bytes,Total Packets,Total Bytes,"
                   "Packets Received,Bytes Received,Packets Sent,Bytes Sent,",
                   std::string(kSaved) + ",2.0.0.0.0.1,10.0.0.1,100,1000,3,30,2,20,1,10",
@@ -135,21 +124,18 @@ TEST_F(NodeFilesTest, HierarchyNamesThePhysicalAddressFirst) {
 TEST_F(NodeFilesTest, MissingObjectsSkipTheirFilesOnly) {
   AddNode(engine.live.AddIp(10, 0, 0, 1), 2);
   engine.live.missing = {kHierarchyCategory.identifier};
-  ASSERT_EQ(Output(), S_OK);
+  EXPECT_EQ(Written(kIpFile).size(), 2U);
   EXPECT_FALSE(folder.Has("Node Statistics-Hierarchy.csv"));
-  EXPECT_EQ(FileLines(kIpFile).size(), 2U);
 
   engine.live.missing = {kNodeCategory.identifier};
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(FileLines(kIpFile).size(), 2U);
+  EXPECT_EQ(Written(kIpFile).size(), 0U);
   EXPECT_TRUE(folder.Has("Node Statistics-Hierarchy.csv"));
 }
 
 TEST_F(NodeFilesTest, WithoutAnAddressTableThereAreNoNodeFiles) {
   AddNode(engine.live.AddIp(10, 0, 0, 1), 2);
   engine.Fail("IStatsContext::GetAddressTable", 1, S_FALSE);  // no failure, and no table
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(folder.Names(), ElementsAre("Summary Statistics.csv"));
+  EXPECT_THAT(Reported().folder.Names(), ElementsAre("Summary Statistics.csv"));
 }
 
 TEST_F(NodeFilesTest, FailingQueryEndsItsFileAndKeepsTheRowsBefore) {
@@ -157,13 +143,10 @@ TEST_F(NodeFilesTest, FailingQueryEndsItsFileAndKeepsTheRowsBefore) {
   AddNode(engine.live.AddPhysical(0x020000000001), 2);
   SwitchColumnsOff();
   engine.Fail("INodeStats::FindByAddress", 3, E_OUTOFMEMORY);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(FileLines(kIpFile).size(), 3U);
+  EXPECT_EQ(Written(kIpFile).size(), 3U);
   EXPECT_EQ(FileLines("Node Statistics-Physical.csv").size(), 2U) << "the next file is still written";
-  const auto report = std::ranges::find(engine.files, folder.ReportFolder() + u"Node Statistics-IP.csv",
-                                        &ScriptedEngine::FileReport::path);
-  ASSERT_NE(report, engine.files.end());
-  EXPECT_EQ(report->status, E_OUTOFMEMORY);
+  EXPECT_EQ(FileStatus(kIpFile), E_OUTOFMEMORY);
+  const auto report = std::ranges::find(engine.files, E_OUTOFMEMORY, &ScriptedEngine::FileReport::status);
   EXPECT_EQ(report->rows, 2U);
 }
 
@@ -171,8 +154,7 @@ TEST_F(NodeFilesTest, RowsWithinARowThatFailsAreNotLeftInPieces) {
   for (int i = 1; i <= 3; ++i) AddNode(engine.live.AddIp(10, 0, 0, static_cast<std::uint8_t>(i)), 1);
   SwitchColumnsOff();
   engine.Fail("IAddressNameService::AppendAddressText", 2, E_FAIL);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(FileLines(kIpFile), ElementsAre(testing::_, std::string(kSaved) + ",10.0.0.1,1,0"));
+  EXPECT_THAT(Written(kIpFile), ElementsAre(testing::_, std::string(kSaved) + ",10.0.0.1,1,0"));
 }
 
 }  // namespace

@@ -26,9 +26,7 @@ class ProtocolFileTest : public TextReportTest {
   }
 
   std::vector<std::string> Rows() {
-    std::filesystem::remove(folder.Path(kFile));
-    EXPECT_EQ(Output(), S_OK);
-    std::vector<std::string> lines = FileLines(kFile);
+    const std::vector<std::string> lines = Written(kFile);
     return {lines.begin() + 1, lines.end()};
   }
 };
@@ -44,15 +42,13 @@ TEST_F(ProtocolFileTest, PathsLeadFromTheOutermostProtocolWithoutTheSwitch) {
 
 TEST_F(ProtocolFileTest, SwitchesDecidePathAndPackets) {
   Add(5000, 30, 31);
-  preferences->SetPreference(kSwitchProtoPath, 0);
+  Switch(kSwitchProtoPath, 0);
   EXPECT_THAT(Rows(), ElementsAre(kSaved + "5000,TCP,30,31"));
   EXPECT_EQ(FileLines(kFile).at(0), "Report::Time,ID,Name,Packets,Bytes");
-  preferences->SetPreference(kSwitchProtoPackets, 0);
+  Switch(kSwitchProtoPackets, 0);
   EXPECT_THAT(Rows(), ElementsAre(kSaved + "5000,TCP,31"));
-  preferences->SetPreference(kSwitchOutputProtocolStats, 0);
-  std::filesystem::remove(folder.Path(kFile));
-  EXPECT_EQ(Output(), S_OK);
-  EXPECT_FALSE(folder.Has(kFile));
+  Switch(kSwitchOutputProtocolStats, 0);
+  EXPECT_THAT(Written(kFile), testing::IsEmpty());
 }
 
 TEST_F(ProtocolFileTest, PassesOverWhatIsNoProtocolOrCannotBeNamed) {

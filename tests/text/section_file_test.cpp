@@ -45,7 +45,7 @@ class SectionFileTest : public TextReportTest {
 
 TEST_F(SectionFileTest, LaterRunsAppendUnderTheHeaderOfTheFirst) {
   ASSERT_EQ(Output(), S_OK);
-  preferences->SetPreference(kSwitchNodePackets, 0);
+  Switch(kSwitchNodePackets, 0);
   ASSERT_EQ(Output(), S_OK);
   std::vector<std::string> lines = FileLines(kIpFile);
   ASSERT_EQ(lines.size(), 3U);
@@ -55,14 +55,12 @@ TEST_F(SectionFileTest, LaterRunsAppendUnderTheHeaderOfTheFirst) {
 
 TEST_F(SectionFileTest, ExistenceNotContentDecidesAboutTheHeader) {
   folder.Write(kIpFile, "");
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(FileLines(kIpFile), ElementsAre(HasSubstr(",first,")));
+  EXPECT_THAT(Reported().FileLines(kIpFile), ElementsAre(HasSubstr(",first,")));
 }
 
 TEST_F(SectionFileTest, APartialRowOfAKilledRunIsEndedFirst) {
   folder.Write(kIpFile, "header\nrow,of,a,kil");
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(FileLines(kIpFile), ElementsAre("header", "row,of,a,kil", HasSubstr(",first,")));
+  EXPECT_THAT(Reported().FileLines(kIpFile), ElementsAre("header", "row,of,a,kil", HasSubstr(",first,")));
 }
 
 TEST_F(SectionFileTest, SeparatorsLineEndsAndBytesAreExact) {
@@ -80,8 +78,8 @@ TEST_F(SectionFileTest, NamesAreWrittenInTheCodePage) {
   ASSERT_EQ(SetCodePage("windows-1252"), S_OK);
   ASSERT_EQ(Output(), S_OK);
   ASSERT_EQ(SetCodePage("UTF-8"), S_OK);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(FileLines(kIpFile), ElementsAre(testing::_, HasSubstr(",Z\xFCrich ??,"), HasSubstr(",Zürich 東京,")));
+  EXPECT_THAT(Reported().FileLines(kIpFile),
+              ElementsAre(testing::_, HasSubstr(",Z\xFCrich ??,"), HasSubstr(",Zürich 東京,")));
 }
 
 TEST_F(SectionFileTest, AFileThatAnotherHoldsFailsAlone) {

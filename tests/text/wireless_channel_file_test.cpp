@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <filesystem>
 #include <sstream>
 
 #include "tests/text/text_report_fixture.h"
@@ -19,7 +18,7 @@ class WirelessChannelFileTest : public TextReportTest {
  protected:
   WirelessChannelFileTest() {
     OnlySection(kSwitchOutputWChannelsStats);
-    preferences->SetPreference(kSwitchOutputDataRates, 0);
+    Switch(kSwitchOutputDataRates, 0);
     engine.live.wireless.emplace();
   }
 
@@ -27,15 +26,11 @@ class WirelessChannelFileTest : public TextReportTest {
 
   void SwitchColumnsOff() {
     for (std::uint32_t column = kSwitchWChannelFrequency; column <= kSwitchWChannelNoisedBmAvg; ++column) {
-      preferences->SetPreference(column, 0);
+      Switch(column, 0);
     }
   }
 
-  std::vector<std::string> NewLines() {
-    std::filesystem::remove(folder.Path(kFile));
-    EXPECT_EQ(Output(), S_OK);
-    return FileLines(kFile);
-  }
+  std::vector<std::string> NewLines() { return Written(kFile); }
 };
 
 TEST_F(WirelessChannelFileTest, WritesEveryColumnInOrder) {
@@ -98,10 +93,10 @@ TEST_F(WirelessChannelFileTest, TheAverageInDbmNeedsAMeasurement) {
     for (std::uint32_t id : {kSwitchWChannelSignaldBmAvg, kSwitchWChannelNoisedBmAvg}) {
       channel.signal_milliwatt_sum = id == kSwitchWChannelSignaldBmAvg ? c.milliwatts : 77;
       channel.noise_milliwatt_sum = id == kSwitchWChannelNoisedBmAvg ? c.milliwatts : 77;
-      preferences->SetPreference(id, 1);
+      Switch(id, 1);
       EXPECT_EQ(NewLines().at(1), kSaved + "0," + std::to_string(c.packets) + ",0," + c.text)
           << id << " of " << c.milliwatts << " in " << c.packets;
-      preferences->SetPreference(id, 0);
+      Switch(id, 0);
     }
   }
 }
@@ -113,7 +108,7 @@ TEST_F(WirelessChannelFileTest, EverySwitchTurnsOneColumnOnAndOnlyThatOne) {
   std::size_t column = 2;  // behind the time and the channel
   for (std::uint32_t id = kSwitchWChannelFrequency; id <= kSwitchWChannelNoisedBmAvg; ++id, ++column) {
     SwitchColumnsOff();
-    preferences->SetPreference(id, -1);
+    Switch(id, -1);
     const bool before_totals = id <= kSwitchWChannelBand;
     if (id == kSwitchWChannelBand + 1) column += 2;  // the totals, which are always there
     const std::string title = "," + titles.at(column);
@@ -125,7 +120,7 @@ TEST_F(WirelessChannelFileTest, EverySwitchTurnsOneColumnOnAndOnlyThatOne) {
 
 TEST_F(WirelessChannelFileTest, DataRatesAreAskedForByChannelFrequencyAndBand) {
   engine.live.medium_subtype = kSubtype80211b;
-  preferences->SetPreference(kSwitchOutputDataRates, 1);
+  Switch(kSwitchOutputDataRates, 1);
   SwitchColumnsOff();
   channels().resize(2);
   channels()[0].channel = channels()[1].channel = 36;
@@ -148,25 +143,20 @@ TEST_F(WirelessChannelFileTest, ReadsTheSnapshot) {
 
 TEST_F(WirelessChannelFileTest, EveryFailureEndsTheFileWhereItIs) {
   channels().resize(3);
-  preferences->SetPreference(kSwitchOutputDataRates, 1);
-  const struct {
-    const char* operation;
-    int nth;
-    std::size_t rows;
-  } cases[] = {
+  Switch(kSwitchOutputDataRates, 1);
+  const std::tuple<const char*, int, std::size_t> cases[] = {
       {"IWirelessChannelStats::GetCount", 1, 0},
       {"IWirelessChannelStats::GetEntry", 3, 2},
       {"IWirelessChannelStats::GetRates", 2, 1},
   };
-  for (const auto& c : cases) {
-    engine.Fail(c.operation, c.nth, DISP_E_OVERFLOW);
-    EXPECT_THAT(NewLines(), SizeIs(1 + c.rows)) << c.operation;
-    EXPECT_EQ(FileStatus(kFile), DISP_E_OVERFLOW) << c.operation;
+  for (const auto& [operation, nth, rows] : cases) {
+    engine.Fail(operation, nth, DISP_E_OVERFLOW);
+    EXPECT_THAT(NewLines(), SizeIs(1 + rows)) << operation;
+    EXPECT_EQ(FileStatus(kFile), DISP_E_OVERFLOW) << operation;
   }
   std::filesystem::remove(folder.Path(kFile));
   engine.live.wireless.reset();
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_FALSE(folder.Has(kFile));
+  EXPECT_FALSE(Reported().folder.Has(kFile));
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <filesystem>
 
 #include "tests/text/text_report_fixture.h"
 
@@ -22,7 +21,7 @@ class WirelessNodeFileTest : public TextReportTest {
  protected:
   WirelessNodeFileTest() {
     OnlySection(kSwitchOutputWLANStats);
-    preferences->SetPreference(kSwitchOutputDataRates, 0);
+    Switch(kSwitchOutputDataRates, 0);
     engine.live.medium_subtype = kSubtype80211b;
     engine.live.wireless.emplace();
   }
@@ -78,24 +77,21 @@ class WirelessNodeFileTest : public TextReportTest {
 
   void SwitchColumnsOff() {
     for (std::uint32_t column = kSwitchWLANName; column <= kSwitchWLANTrust; ++column) {
-      preferences->SetPreference(column, 0);
+      Switch(column, 0);
     }
   }
 
   /// Writes one report into a new file and gives its rows, none without a file.
   std::vector<std::string> Rows() {
-    std::filesystem::remove(folder.Path(kFile));
-    EXPECT_EQ(Output(), S_OK);
-    if (!folder.Has(kFile)) return {};
-    std::vector<std::string> lines = FileLines(kFile);
-    lines.erase(lines.begin());
+    std::vector<std::string> lines = Written(kFile);
+    if (!lines.empty()) lines.erase(lines.begin());
     return lines;
   }
 
   /// The rows with one switched column alone; both counts of bytes are cut off.
   std::vector<std::string> ColumnOf(std::uint32_t id) {
     SwitchColumnsOff();
-    preferences->SetPreference(id, 1);
+    Switch(id, 1);
     std::vector<std::string> fields;
     for (const std::string& row : Rows()) {
       std::vector<std::string> cells = Split(row);
@@ -156,18 +152,15 @@ TEST_F(WirelessNodeFileTest, EverySwitchTurnsOneColumnOnAndOnlyThatOne) {
   for (std::uint32_t id = kSwitchWLANType; id <= kSwitchWLANTrust; ++id) switches.push_back(id);
   std::iter_swap(std::ranges::find(switches, kSwitchWLANMinSizeReceived),
                  std::ranges::find(switches, kSwitchWLANMaxSizeReceived));
-  ASSERT_EQ(Output(), S_OK);
-  const std::vector<std::string> titles = Split(FileLines(kFile).at(0));
+  const std::vector<std::string> titles = Split(Written(kFile).at(0));
   std::size_t column = 2;  // behind the time and the address
   for (std::uint32_t id : switches) {
     if (column == 9) column += 2;  // the bytes sent and received, which are always there
     SwitchColumnsOff();
-    preferences->SetPreference(id, 2);
-    std::filesystem::remove(folder.Path(kFile));
-    ASSERT_EQ(Output(), S_OK);
+    Switch(id, 2);
     const std::string title = titles.at(column) + ",";
-    EXPECT_EQ(FileLines(kFile).at(0), "Report Saved,Address," + (column < 9 ? title : "") +
-                                          "Bytes Sent,Bytes Received," + (column < 9 ? "" : title));
+    EXPECT_EQ(Written(kFile).at(0), "Report Saved,Address," + (column < 9 ? title : "") + "Bytes Sent,Bytes Received," +
+                                        (column < 9 ? "" : title));
     ++column;
   }
   EXPECT_EQ(column, titles.size());
@@ -328,12 +321,10 @@ TEST_F(WirelessNodeFileTest, DataRatesStandBehindEverythingElse) {
       {0, 0, {"", "", ""}},
   };
   for (const auto& c : cases) {
-    std::filesystem::remove(folder.Path(kFile));
-    preferences->SetPreference(kSwitchOutputDataRates, 1);
-    preferences->SetPreference(kSwitchDataRatesPackets, c.packets);
-    preferences->SetPreference(kSwitchDataRatesBytes, c.bytes);
-    ASSERT_EQ(Output(), S_OK);
-    EXPECT_THAT(FileLines(kFile),
+    Switch(kSwitchOutputDataRates, 1);
+    Switch(kSwitchDataRatesPackets, c.packets);
+    Switch(kSwitchDataRatesBytes, c.bytes);
+    EXPECT_THAT(Written(kFile),
                 ElementsAre("Report Saved,Address,Bytes Sent,Bytes Received," + c.lines[0],
                             kSaved + "10.0.0.1,0,0," + c.lines[1], kSaved + "10.0.0.2,0,0," + c.lines[2]));
   }
@@ -341,16 +332,14 @@ TEST_F(WirelessNodeFileTest, DataRatesStandBehindEverythingElse) {
 
 TEST_F(WirelessNodeFileTest, TheMediumOfTheSnapshotChoosesTheRates) {
   Add({});
-  preferences->SetPreference(kSwitchOutputDataRates, 1);
-  const struct {
-    std::uint32_t type, subtype;
-    std::size_t rates;
-  } cases[] = {{0, kSubtype80211b, 4}, {0, kSubtype80211a, 11}, {0, kSubtype80211bg, 17}, {1, kSubtype80211bg, 0}};
-  for (const auto& c : cases) {
+  Switch(kSwitchOutputDataRates, 1);
+  const std::tuple<std::uint32_t, std::uint32_t, std::size_t> cases[] = {
+      {0, kSubtype80211b, 4}, {0, kSubtype80211a, 11}, {0, kSubtype80211bg, 17}, {1, kSubtype80211bg, 0}};
+  for (const auto& [type, subtype, rates] : cases) {
     engine.at_snapshot = engine.live;
-    engine.at_snapshot->medium_type = c.type;
-    engine.at_snapshot->medium_subtype = c.subtype;
-    EXPECT_THAT(Split(Rows().at(0)), SizeIs(2 + kColumns + 2 * c.rates)) << c.type << ' ' << c.subtype;
+    engine.at_snapshot->medium_type = type;
+    engine.at_snapshot->medium_subtype = subtype;
+    EXPECT_THAT(Split(Rows().at(0)), SizeIs(2 + kColumns + 2 * rates)) << type << ' ' << subtype;
   }
 }
 
@@ -359,8 +348,8 @@ TEST_F(WirelessNodeFileTest, RatesThatCannotBeHadCountAsNone) {
   Add({});
   wireless().node_rates[0] = wireless().node_rates[1] = {{2, 5, 500}};
   SwitchColumnsOff();
-  preferences->SetPreference(kSwitchOutputDataRates, 1);
-  preferences->SetPreference(kSwitchDataRatesBytes, 0);
+  Switch(kSwitchOutputDataRates, 1);
+  Switch(kSwitchDataRatesBytes, 0);
   engine.Fail("IWirelessNodeStats::GetRates", 1, E_FAIL);
   EXPECT_THAT(Rows(), ElementsAre(kSaved + "10.0.0.1,0,0,0,0,0,0,", kSaved + "10.0.0.2,0,0,5,0,0,0,"));
   EXPECT_EQ(FileStatus(kFile), S_OK);
@@ -371,40 +360,32 @@ TEST_F(WirelessNodeFileTest, EveryOtherFailureEndsTheFileWhereItIs) {
   station.type = kWirelessStation;
   for (int i = 0; i < 3; ++i) Add(i == 0 ? WirelessNodeEntry() : station);
   wireless().associations = {{1, 1}, {2, 1}};
-  const struct {
-    const char* operation;
-    int nth;
-    std::size_t rows;
-  } cases[] = {
+  const std::tuple<const char*, int, std::size_t> cases[] = {
       {"IWirelessNodeStats::GetCount", 1, 0},           {"IWirelessNodeStats::GetExcluded", 1, 0},
       {"IWirelessNodeStats::GetEntry", 3, 2},           {"IWirelessNodeStats::GetAssociationCount", 1, 1},
       {"IWirelessNodeStats::GetAssociation", 2, 1},     {"IAddressTable::GetRecord", 2, 1},
       {"IAddressNameService::AppendAddressText", 2, 1},
   };
-  for (const auto& c : cases) {
-    engine.Fail(c.operation, c.nth, DISP_E_OVERFLOW);
-    EXPECT_THAT(Rows(), SizeIs(c.rows)) << c.operation;
-    EXPECT_EQ(FileStatus(kFile), DISP_E_OVERFLOW) << c.operation;
+  for (const auto& [operation, nth, rows] : cases) {
+    engine.Fail(operation, nth, DISP_E_OVERFLOW);
+    EXPECT_THAT(Rows(), SizeIs(rows)) << operation;
+    EXPECT_EQ(FileStatus(kFile), DISP_E_OVERFLOW) << operation;
   }
 }
 
 TEST_F(WirelessNodeFileTest, WithoutNodesOfTheKindOrItsSwitchThereIsNoFile) {
   Add({});
-  preferences->SetPreference(kSwitchOutputWLANStats, 0);
-  EXPECT_THAT(Rows(), IsEmpty());
-  EXPECT_FALSE(folder.Has(kFile));
-  preferences->SetPreference(kSwitchOutputWLANStats, 1);
+  Switch(kSwitchOutputWLANStats, 0);
+  EXPECT_THAT(Written(kFile), IsEmpty());
+  Switch(kSwitchOutputWLANStats, 1);
   engine.live.wireless.reset();
-  EXPECT_THAT(Rows(), IsEmpty());
-  EXPECT_FALSE(folder.Has(kFile));
+  EXPECT_THAT(Written(kFile), IsEmpty());
 
   engine.live.wireless.emplace();
-  Rows();
-  EXPECT_THAT(FileLines(kFile), ElementsAre(StartsWith("Report Saved,Address,Type,")));
-  preferences->SetPreference(kSwitchOutputDataRates, 1);
+  EXPECT_THAT(Written(kFile), ElementsAre(StartsWith("Report Saved,Address,Type,")));
+  Switch(kSwitchOutputDataRates, 1);
   engine.Fail("IStatsContext::GetMediumType", 1, E_FAIL);
-  EXPECT_THAT(Rows(), IsEmpty());
-  EXPECT_FALSE(folder.Has(kFile)) << "the columns have to be known before the file is made";
+  EXPECT_THAT(Written(kFile), IsEmpty()) << "the columns have to be known before the file is made";
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <memory>
 #include <numeric>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "platform/error.h"
@@ -105,39 +106,30 @@ TEST(ArrayEx, OneElementInSortedModeIsInOrder) {
 }
 
 TEST(ArrayEx, InsertsCopiesAtAnIndexInsideTheArray) {
-  const struct {
-    std::int32_t count;
-    std::int32_t index;
-    std::int32_t result;
-    std::vector<std::uint32_t> content;
-  } cases[] = {
+  const std::tuple<std::int32_t, std::int32_t, std::int32_t, std::vector<std::uint32_t>> cases[] = {
       {1, 0, 0, {7, 1, 2}},     {2, 1, 1, {1, 7, 7, 2}}, {1, 2, 2, {1, 2, 7}},  {1, 99, 2, {1, 2, 7}},
       {1, kLast, 2, {1, 2, 7}}, {1, -5, 0, {7, 1, 2}},   {0, 1, kNone, {1, 2}}, {-1, 1, kNone, {1, 2}},
   };
   const std::uint32_t seven = 7;
-  for (const auto& c : cases) {
+  for (const auto& [count, index, result, content] : cases) {
     Numbers array;
     Fill(&array, {1, 2});
-    EXPECT_EQ(array.Insert(c.count, c.index, &seven, sizeof seven), c.result) << c.count << " at " << c.index;
-    EXPECT_EQ(Content(array), c.content) << c.count << " at " << c.index;
+    EXPECT_EQ(array.Insert(count, index, &seven, sizeof seven), result) << count << " at " << index;
+    EXPECT_EQ(Content(array), content) << count << " at " << index;
   }
 }
 
 TEST(ArrayEx, RemovesWhatLiesInsideTheArray) {
-  const struct {
-    std::int32_t count;
-    std::int32_t index;
-    std::vector<std::uint32_t> left;
-  } cases[] = {
+  const std::tuple<std::int32_t, std::int32_t, std::vector<std::uint32_t>> cases[] = {
       {1, 0, {2, 3, 4}}, {1, kLast, {1, 2, 3}}, {2, 1, {1, 4}},        {99, 2, {1, 2}},      {kLast, 1, {1}},
       {4, 0, {}},        {1, 4, {1, 2, 3, 4}},  {1, -1, {1, 2, 3, 4}}, {0, 0, {1, 2, 3, 4}}, {-1, 0, {1, 2, 3, 4}},
   };
-  for (const auto& c : cases) {
+  for (const auto& [count, index, left] : cases) {
     Numbers array;
     Fill(&array, {1, 2, 3, 4});
-    array.Remove(c.count, c.index);
-    EXPECT_EQ(Content(array), c.left) << c.count << " from " << c.index;
-    EXPECT_EQ(array.used_bytes(), 4 * c.left.size());
+    array.Remove(count, index);
+    EXPECT_EQ(Content(array), left) << count << " from " << index;
+    EXPECT_EQ(array.used_bytes(), 4 * left.size());
   }
 }
 
@@ -228,31 +220,6 @@ TEST(ArrayEx, SortsEveryLengthAndThenFindsByBisection) {
       ASSERT_EQ(array.Find(wanted), there ? first : kNone);
       ASSERT_EQ(array.FindKey(&wanted), there ? first : kNone);
     }
-  }
-}
-
-/// Remembers how far apart the first two elements lay that it compared.
-class FirstDistance : public TIntComparator<std::uint32_t> {
- public:
-  explicit FirstDistance(std::ptrdiff_t* distance) : distance_(distance) {}
-  int Compare(const void* a, const void* b, std::uint32_t size_a, std::uint32_t size_b) const override {
-    if (*distance_ == 0) *distance_ = static_cast<const std::uint32_t*>(b) - static_cast<const std::uint32_t*>(a);
-    return TIntComparator::Compare(a, b, size_a, size_b);
-  }
-
- private:
-  std::ptrdiff_t* distance_;
-};
-
-TEST(ArrayEx, SortingBeginsWithAGapThatSuitsTheLength) {
-  const std::pair<std::int32_t, std::ptrdiff_t> cases[] = {{2, 1},   {8, 1},    {9, 4},    {35, 4},
-                                                           {36, 13}, {116, 13}, {117, 40}, {1089, 364}};
-  for (const auto& [count, gap] : cases) {
-    std::ptrdiff_t distance = 0;
-    Numbers array(std::make_unique<FirstDistance>(&distance));
-    array.SetCount(count);
-    array.Sort();
-    EXPECT_EQ(distance, gap) << count;
   }
 }
 

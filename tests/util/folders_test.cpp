@@ -14,10 +14,7 @@ TEST(Folders, TellsFilesFromFolders) {
   test::TemporaryFolder folder;
   folder.Write("file", "x");
   std::u16string root = folder.ReportFolder();
-  const struct {
-    std::u16string path;
-    bool exists, is_folder;
-  } cases[] = {
+  const std::tuple<std::u16string, bool, bool> cases[] = {
       {root, true, true},
       {root.substr(0, root.size() - 1), true, true},
       {root + u"file", true, false},
@@ -28,9 +25,9 @@ TEST(Folders, TellsFilesFromFolders) {
       {u"", false, false},
       {std::u16string(100'000, u'x'), false, false},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(PathExists(c.path), c.exists);
-    EXPECT_EQ(FolderExists(c.path), c.is_folder);
+  for (const auto& [path, exists, is_folder] : cases) {
+    EXPECT_EQ(PathExists(path), exists);
+    EXPECT_EQ(FolderExists(path), is_folder);
   }
   EXPECT_FALSE(PathExists({}));
   EXPECT_FALSE(FolderExists({}));

@@ -1,16 +1,16 @@
 #include "util/formatting.h"
 
 #include <gtest/gtest.h>
-#include <time.h>
 
-#include <cstdlib>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include "platform/clock.h"
 #include "platform/code_page.h"
 #include "platform/locale.h"
+#include "tests/support/zone.h"
 #include "util/date_time.h"
 #include "util/duration.h"
 #include "util/locale_number.h"
@@ -20,24 +20,14 @@
 namespace orvo {
 namespace {
 
+using test::InZone;
+
 constexpr std::int64_t kSecond = 1'000'000'000;
 constexpr std::int64_t kDay = 86400 * kSecond;
 constexpr char16_t kDays[] = u"%sd %s";
 
 // 2024-07-15 14:05:09.25 UTC.
 constexpr std::uint64_t kJuly = TimeFromUnix(1'721'052'309 * kSecond + 250'000'000);
-
-// Runs the body in a time zone, on a thread of its own, since the platform remembers offsets per thread.
-template <class Body>
-void InZone(const char* zone, Body&& body) {
-  const char* before = std::getenv("TZ");
-  std::string previous = before ? before : "";
-  setenv("TZ", zone, 1);
-  tzset();
-  std::thread(body).join();
-  before ? setenv("TZ", previous.c_str(), 1) : unsetenv("TZ");
-  tzset();
-}
 
 class Formatting : public testing::Test {
  protected:
@@ -77,11 +67,7 @@ TEST_F(Formatting, WritesDatesAndTimesInLocalTime) {
 }
 
 TEST_F(Formatting, WritesFractionsOfASecond) {
-  const struct {
-    const char* locale;
-    int precision;
-    const char16_t* expected;
-  } cases[] = {
+  const std::tuple<const char*, int, const char16_t*> cases[] = {
       {"en-US", kMilliseconds, u"00:00:01.007"},
       {"en-US", kMicroseconds, u"00:00:01.007005"},
       {"de-DE", kNanoseconds, u"00:00:01,007005003"},
@@ -89,13 +75,11 @@ TEST_F(Formatting, WritesFractionsOfASecond) {
       {"en-US", -1, u"00:00:01"},
       {"en-US", 4, u"00:00:01"},
   };
-  for (const auto& c : cases) {
-    SetUserLocale(c.locale);
-    InZone("UTC", [&] {
-      std::u16string text;
-      EXPECT_EQ(FormatTimeOfDay(TimeFromUnix(kSecond + 7'005'003), c.precision, &text), S_OK);
-      EXPECT_EQ(ToUtf8(text), ToUtf8(c.expected));
-    });
+  for (const auto& [locale, precision, expected] : cases) {
+    SetUserLocale(locale);
+    std::u16string text;
+    EXPECT_EQ(FormatTimeOfDay(TimeFromUnix(kSecond + 7'005'003), precision, &text), S_OK);
+    EXPECT_EQ(ToUtf8(text), ToUtf8(expected));
   }
 }
 
@@ -189,11 +173,7 @@ TEST_F(Formatting, WritesDurations) {
 }
 
 TEST_F(Formatting, WritesNumbersOfTheUser) {
-  const struct {
-    double value;
-    int decimals;
-    const char16_t* expected;
-  } cases[] = {
+  const std::tuple<double, int, const char16_t*> cases[] = {
       {0, 3, u"0.000"},
       {1234567.8915, 2, u"1,234,567.89"},
       {-1234.5, 1, u"-1,234.5"},
@@ -207,12 +187,11 @@ TEST_F(Formatting, WritesNumbersOfTheUser) {
       {1.0 / 0.0, 3, u"inf"},
       {-1.0 / 0.0, 3, u"-inf"},
   };
-  for (const auto& c : cases) {
-    std::u16string text;
-    EXPECT_EQ(FormatNumber(c.value, c.decimals, &text), S_OK);
-    EXPECT_EQ(ToUtf8(text), ToUtf8(c.expected));
-  }
   std::u16string text;
+  for (const auto& [value, decimals, expected] : cases) {
+    EXPECT_EQ(FormatNumber(value, decimals, &text), S_OK);
+    EXPECT_EQ(ToUtf8(text), ToUtf8(expected));
+  }
   for (auto [value, decimals] : {std::pair{1e308, 3}, {-1e308, 0}, {0.1, 2'000'000'000}}) {
     EXPECT_EQ(FormatNumber(value, decimals, &text), S_OK);
     EXPECT_EQ(text.size(), kFormattedTextLimit);
@@ -236,17 +215,13 @@ TEST_F(Formatting, NumbersOnManyThreadsKeepTheirOwnDecimals) {
 }
 
 TEST_F(Formatting, PunctuatesAsALocaleWants) {
-  NumberFormat plain;
+  const NumberFormat plain;
   auto with = [&](auto&& change) {
-    NumberFormat format = plain;
-    change(format);
-    return format;
+    NumberFormat changed = plain;
+    change(changed);
+    return changed;
   };
-  const struct {
-    const char* number;
-    NumberFormat format;
-    const char16_t* expected;
-  } cases[] = {
+  const std::tuple<const char*, NumberFormat, const char16_t*> cases[] = {
       {"-1234.50", with([](NumberFormat& f) { f.negative_order = 0; }), u"(1,234.50)"},
       {"-1.50", with([](NumberFormat& f) { f.negative_order = 2; }), u"- 1.50"},
       {"-1.50", with([](NumberFormat& f) { f.negative_order = 3; }), u"1.50-"},
@@ -263,10 +238,10 @@ TEST_F(Formatting, PunctuatesAsALocaleWants) {
        }),
        u"12\u00A0345,00"},
   };
-  for (const auto& c : cases) {
+  for (const auto& [number, format, expected] : cases) {
     std::u16string text;
-    EXPECT_TRUE(PunctuateNumber(c.number, c.format, &text)) << c.number;
-    EXPECT_EQ(ToUtf8(text), ToUtf8(c.expected));
+    EXPECT_TRUE(PunctuateNumber(number, format, &text)) << number;
+    EXPECT_EQ(ToUtf8(text), ToUtf8(expected));
   }
   for (const char* number : {"", "-", ".", ".25", "1", "1.2", "1.234", "1.2.3", " 1.00", "1e5.00", "--1.00", "nan"}) {
     std::u16string text = u"kept";
@@ -276,19 +251,16 @@ TEST_F(Formatting, PunctuatesAsALocaleWants) {
 }
 
 TEST_F(Formatting, ReadsNumberFormatsOfLocales) {
-  const struct {
-    const char* locale;
-    const char16_t* decimal;
-    const char16_t* thousand;
-  } cases[] = {{"en-US", u".", u","}, {"de-DE", u",", u"."}, {"hi-IN", u".", u","}, {"fr-FR", u",", u"\u202F"}};
-  for (const auto& c : cases) {
-    SetUserLocale(c.locale);
+  const std::tuple<const char*, std::u16string, std::u16string> cases[] = {
+      {"en-US", u".", u","}, {"de-DE", u",", u"."}, {"hi-IN", u".", u","}, {"fr-FR", u",", u"\u202F"}};
+  for (const auto& [locale, decimal, thousand] : cases) {
+    SetUserLocale(locale);
     NumberFormat format = ReadNumberFormat();
-    EXPECT_EQ(format.decimal, c.decimal) << c.locale;
-    EXPECT_EQ(format.thousand, c.thousand) << c.locale;
-    EXPECT_EQ(format.grouping, 3) << c.locale;
-    EXPECT_EQ(format.negative_order, 1) << c.locale;
-    EXPECT_TRUE(format.leading_zero) << c.locale;
+    EXPECT_EQ(format.decimal, decimal) << locale;
+    EXPECT_EQ(format.thousand, thousand) << locale;
+    EXPECT_EQ(format.grouping, 3) << locale;
+    EXPECT_EQ(format.negative_order, 1) << locale;
+    EXPECT_TRUE(format.leading_zero) << locale;
   }
 }
 

@@ -8,11 +8,7 @@ namespace orvo {
 namespace {
 
 TEST(BandLabel, NamesTheBandsOfChannels) {
-  const struct {
-    std::uint32_t band;
-    std::int32_t channel;
-    const char* label;
-  } cases[] = {
+  const std::tuple<std::uint32_t, std::int32_t, const char*> cases[] = {
       {0, 1, "all"},
       {1, 1, ""},
       {2, 1, "b"},
@@ -48,11 +44,11 @@ TEST(BandLabel, NamesTheBandsOfChannels) {
       {304, 6, ""},
       {0xFFFFFFFF, 6, ""},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(BandLabel(c.band, c.channel), c.label) << c.band << " channel " << c.channel;
-    const bool stands_alone = c.band >= 100 && c.band <= 104;
-    EXPECT_EQ(BandText(c.band, c.channel), (stands_alone ? "" : "802.11") + std::string(c.label))
-        << c.band << " channel " << c.channel;
+  for (const auto& [band, channel, label] : cases) {
+    EXPECT_EQ(BandLabel(band, channel), label) << band << " channel " << channel;
+    const bool stands_alone = band >= 100 && band <= 104;
+    EXPECT_EQ(BandText(band, channel), (stands_alone ? "" : "802.11") + std::string(label))
+        << band << " channel " << channel;
   }
 }
 

@@ -6,11 +6,7 @@ namespace orvo {
 namespace {
 
 TEST(StringTable, KnowsTextsByIdentifier) {
-  const struct {
-    std::uint32_t identifier;
-    std::uint32_t constant;
-    const char* text;
-  } cases[] = {
+  const std::tuple<std::uint32_t, std::uint32_t, const char*> cases[] = {
       {100, kStrProjectName, "OrvoReports"},
       {200, kStrWirelessStatistics, "Wireless Statistics"},
       {215, kStrDaysAndTime, "%sd %s"},
@@ -19,9 +15,9 @@ TEST(StringTable, KnowsTextsByIdentifier) {
       {326, kStrWindow2Minutes, "2 Minute Window (1 Second Average)"},
       {333, kStrVoipMediaStatistics, "VoIP Media Statistics"},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(c.constant, c.identifier);
-    EXPECT_EQ(AsciiTextOf(c.identifier), c.text);
+  for (const auto& [identifier, constant, text] : cases) {
+    EXPECT_EQ(constant, identifier);
+    EXPECT_EQ(AsciiTextOf(identifier), text);
   }
 }
 

@@ -37,10 +37,8 @@ class CategoryDocumentsTest : public XmlReportTest {
     engine.live.nodes.push_back(node);
   }
   void OnlyIp() {
-    for (std::uint32_t other :
-         {kSwitchNodeTypePhysical, kSwitchNodeTypeIPv6, kSwitchNodeTypeDEC, kSwitchNodeTypeApple, kSwitchNodeTypeIPX}) {
-      Switch(other, 0);
-    }
+    SwitchOff(
+        {kSwitchNodeTypePhysical, kSwitchNodeTypeIPv6, kSwitchNodeTypeDEC, kSwitchNodeTypeApple, kSwitchNodeTypeIPX});
   }
 };
 
@@ -48,47 +46,18 @@ TEST_F(CategoryDocumentsTest, Nodes) {
   AddNode();
   OnlyIp();
   Switch(kSwitchNodeTypeIPX, 7);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(Part("StatsReport.xml", {"NodeStatistics"}), R"(<NodeStatistics Version="2.0">
-  <Summary>
-    <TimeSaved>11/22/2026 14:05:09</TimeSaved>
-    <Packets>10</Packets>
-    <Bytes>1000</Bytes>
-    <NodeCount>1</NodeCount>
-  </Summary>
-  <Stats>
-    <Type Name="IP">
-      <NodeStat>
-        <Addr>10.0.0.1</Addr>
-        <FirstTimeSent>11/22/2026 14:04:09</FirstTimeSent>
-        <LastTimeSent>11/22/2026 14:04:19</LastTimeSent>
-        <FirstTimeReceived />
-        <LastTimeReceived />
-        <PacketsSent>1</PacketsSent>
-        <BytesSent>250</BytesSent>
-        <PctBytesSent>0.250000</PctBytesSent>
-        <PacketsReceived>3</PacketsReceived>
-        <BytesReceived>500</BytesReceived>
-        <PctBytesReceived>0.500000</PctBytesReceived>
-        <BroadcastPackets>5</BroadcastPackets>
-        <BroadcastBytes>6</BroadcastBytes>
-        <MulticastPackets>7</MulticastPackets>
-        <MulticastBytes>8</MulticastBytes>
-        <MinSizeSent>60</MinSizeSent>
-        <MaxSizeSent />
-        <MinSizeReceived />
-        <MaxSizeReceived>0</MaxSizeReceived>
-      </NodeStat>
-    </Type>
-    <Type Name="IPX" />
-  </Stats>
-</NodeStatistics>
-)");
-  Switch(kSwitchNodePackets, 0);
-  Switch(kSwitchNodeFirstTime, 0);
-  Switch(kSwitchNodeMaxSize, 0);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(Children("StatsReport.xml", {"NodeStatistics", "Stats", "Type", "NodeStat"}),
+  EXPECT_EQ(Reported().Brief("StatsReport.xml", {"NodeStatistics"}), Items(R"(
+  NodeStatistics Version=2.0 {
+    Summary { TimeSaved=11/22/2026 14:05:09; Packets=10; Bytes=1000; NodeCount=1 }
+    Stats {
+      Type Name=IP {
+        NodeStat { Addr=10.0.0.1; FirstTimeSent=11/22/2026 14:04:09; LastTimeSent=11/22/2026 14:04:19;
+            FirstTimeReceived=; LastTimeReceived=; PacketsSent=1; BytesSent=250; PctBytesSent=0.250000;
+            PacketsReceived=3; BytesReceived=500; PctBytesReceived=0.500000; BroadcastPackets=5; BroadcastBytes=6;
+            MulticastPackets=7; MulticastBytes=8; MinSizeSent=60; MaxSizeSent=; MinSizeReceived=; MaxSizeReceived=0 } }
+      Type Name=IPX } })"));
+  SwitchOff({kSwitchNodePackets, kSwitchNodeFirstTime, kSwitchNodeMaxSize});
+  EXPECT_THAT(Reported().Children("StatsReport.xml", {"NodeStatistics", "Stats", "Type", "NodeStat"}),
               ElementsAre("Addr", "LastTimeSent", "LastTimeReceived", "BytesSent", "PctBytesSent", "BytesReceived",
                           "PctBytesReceived", "BroadcastPackets", "BroadcastBytes", "MulticastPackets",
                           "MulticastBytes", "MinSizeSent", "MinSizeReceived"));
@@ -97,23 +66,27 @@ TEST_F(CategoryDocumentsTest, Nodes) {
 TEST_F(CategoryDocumentsTest, NodesOfTheReportBeforeMoveIntoTheHistory) {
   AddNode();
   OnlyIp();
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_FALSE(folder.Has("NodeStatistics.xml"));
-  const std::string before = Part("StatsReport.xml", {"NodeStatistics", "Stats"});
+  EXPECT_FALSE(Reported().folder.Has("NodeStatistics.xml"));
+  const std::string before = Brief("StatsReport.xml", {"NodeStatistics", "Stats"});
   engine.live.missing = {kNodeCategory.identifier};
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(Sections(), Not(testing::Contains("NodeStatistics"))) << "moved away, and nothing to put there";
+  EXPECT_THAT(Reported().Sections(), Not(testing::Contains("NodeStatistics")))
+      << "moved away, and nothing to put there";
   EXPECT_THAT(Children("NodeStatistics.xml", {}), ElementsAre("History"));
-  EXPECT_EQ(Part("NodeStatistics.xml", {"History", "Stats"}), before);
+  EXPECT_EQ(Brief("NodeStatistics.xml", {"History", "Stats"}), before);
   EXPECT_THAT(Children("NodeStatistics.xml", {"History"}), ElementsAre("Summary", "Stats"));
 
   engine.live.missing = {};
   ASSERT_EQ(Output(), S_OK);
   engine.Fail("INodeStats::FindByAddress", 1, E_OUTOFMEMORY);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(Children("NodeStatistics.xml", {}).size(), 2U) << "what was moved is saved";
+  EXPECT_EQ(Reported().Children("NodeStatistics.xml", {}).size(), 2U) << "what was moved is saved";
   EXPECT_THAT(Sections(), Not(testing::Contains("NodeStatistics")));
   EXPECT_EQ(engine.files.at(engine.files.size() - 4).status, E_OUTOFMEMORY);
+
+  ASSERT_EQ(Output(), S_OK);
+  std::filesystem::remove(folder.Path("NodeStatistics.xml"));
+  std::filesystem::create_directory(folder.Path("NodeStatistics.xml"));
+  ASSERT_EQ(Output(), S_OK);
+  EXPECT_TRUE(Failed(FileStatus("NodeStatistics.xml"))) << "which file it was is told";
 }
 
 TEST_F(CategoryDocumentsTest, Protocols) {
@@ -125,44 +98,17 @@ TEST_F(CategoryDocumentsTest, Protocols) {
   add(engine.live.AddProtocol(7));  // two levels without a name leave a gap
   add(engine.live.AddIp(10, 0, 0, 1));
   add(4711);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(Part("StatsReport.xml", {"ProtocolStatistics"}), R"(<ProtocolStatistics Version="2.0">
-  <Summary>
-    <TimeSaved>11/22/2026 14:05:09</TimeSaved>
-    <Packets>10</Packets>
-    <Bytes>1000</Bytes>
-    <ProtocolCount>5</ProtocolCount>
-  </Summary>
-  <Stats>
-    <ProtoStat Protocol="Ethernet">
-      <Name>Ethernet</Name>
-      <Path>Ethernet</Path>
-      <Packets>5</Packets>
-      <Bytes>250</Bytes>
-      <PctBytes>0.250000</PctBytes>
-    </ProtoStat>
-    <ProtoStat Protocol=". . TCP">
-      <Name>TCP</Name>
-      <Path>Ethernet\IP\TCP</Path>
-      <Packets>5</Packets>
-      <Bytes>250</Bytes>
-      <PctBytes>0.250000</PctBytes>
-    </ProtoStat>
-    <ProtoStat Protocol="10.0.0.1">
-      <Name>10.0.0.1</Name>
-      <Path />
-      <Packets>5</Packets>
-      <Bytes>250</Bytes>
-      <PctBytes>0.250000</PctBytes>
-    </ProtoStat>
-  </Stats>
-</ProtocolStatistics>
-)");
+  EXPECT_EQ(Reported().Brief("StatsReport.xml", {"ProtocolStatistics"}), Items(R"(
+  ProtocolStatistics Version=2.0 {
+    Summary { TimeSaved=11/22/2026 14:05:09; Packets=10; Bytes=1000; ProtocolCount=5 }
+    Stats {
+      ProtoStat Protocol=Ethernet { Name=Ethernet; Path=Ethernet; Packets=5; Bytes=250; PctBytes=0.250000 }
+      ProtoStat Protocol=. . TCP { Name=TCP; Path=Ethernet\IP\TCP; Packets=5; Bytes=250; PctBytes=0.250000 }
+      ProtoStat Protocol=10.0.0.1 { Name=10.0.0.1; Path=; Packets=5; Bytes=250; PctBytes=0.250000 } } })"));
   engine.at_snapshot = engine.live;
   engine.at_snapshot->total_bytes = 500;
   Switch(kSwitchProtoPackets, 0);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(Children("ProtocolStatistics.xml", {}), ElementsAre("History", "History"));
+  EXPECT_THAT(Reported().Children("ProtocolStatistics.xml", {}), ElementsAre("History", "History"));
   EXPECT_THAT(folder.Read("ProtocolStatistics.xml"), HasSubstr("<PctBytes>0.500000</PctBytes>"))
       << "against the totals of the snapshot";
   EXPECT_THAT(Sections(), ElementsAre("NodeStatistics", "ProtocolStatistics", "SummaryStatistics"));
@@ -173,8 +119,7 @@ TEST_F(CategoryDocumentsTest, AFailingHistoryLeavesTheEntryOfTheIndex) {
   engine.live.protocols.push_back({.key = engine.live.AddProtocol(1)});
   Switch(kSwitchOutputNodeStats, 0);
   engine.Fail("IProtocolNameService::AppendName", 2, E_FAIL);  // the first is the index's
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(Sections(), ElementsAre("ProtocolStatistics", "SummaryStatistics"));
+  EXPECT_THAT(Reported().Sections(), ElementsAre("ProtocolStatistics", "SummaryStatistics"));
   EXPECT_FALSE(folder.Has("ProtocolStatistics.xml"));
   EXPECT_EQ(FileStatus("ProtocolStatistics.xml"), E_FAIL);
 }
@@ -190,83 +135,45 @@ TEST_F(CategoryDocumentsTest, Summary) {
       {kStatTotalBytes, kGroupA, u"Total Bytes", {kSummaryBytes, 800, 0}},
   };
   engine.live.group_names = {{kGroupA, u"General"}, {kGroupB, u"Network"}};
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(Part("StatsReport.xml", {"SummaryStatistics"}), R"(<SummaryStatistics Version="2.0">
-  <Summary>
-    <TimeSaved>11/22/2026 14:05:09</TimeSaved>
-    <StartDate>11/22/2026</StartDate>
-    <StartTime>14:04:09</StartTime>
-    <Duration>00:00:20</Duration>
-  </Summary>
-  <Stats>
-    <Snapshot Name="Current">
-      <Group Name="General">
-        <SummaryStat>
-          <Name>Start Date</Name>
-          <PacketsValue />
-          <BytesValue />
-          <PctOfPkts />
-          <PctOfBytes />
-          <PktsPerSec />
-          <BytesPerSec />
-          <Values>11/22/2026</Values>
-        </SummaryStat>
-        <SummaryStat>
-          <Name>Start Time</Name>
-          <PacketsValue />
-          <BytesValue />
-          <PctOfPkts />
-          <PctOfBytes />
-          <PktsPerSec />
-          <BytesPerSec />
-          <Values>14:04:09</Values>
-        </SummaryStat>
-        <SummaryStat>
-          <Name>Duration</Name>
-          <PacketsValue />
-          <BytesValue />
-          <PctOfPkts />
-          <PctOfBytes />
-          <PktsPerSec />
-          <BytesPerSec />
-          <Values>00:00:20</Values>
-        </SummaryStat>
-      </Group>
-      <Group Name="Network">
-        <SummaryStat>
-          <Name>Total Packets</Name>
-          <PacketsValue>8</PacketsValue>
-          <PctOfPkts>100.000</PctOfPkts>
-          <PktsPerSec>0.400</PktsPerSec>
-          <BytesValue>800</BytesValue>
-          <PctOfBytes>100.000</PctOfBytes>
-          <BytesPerSec>40.000</BytesPerSec>
-          <Values />
-        </SummaryStat>
-      </Group>
-      <Group Name="General">
-        <SummaryStat>
-          <Name>Total Bytes</Name>
-          <BytesValue>800</BytesValue>
-          <PctOfBytes>100.000</PctOfBytes>
-          <BytesPerSec>40.000</BytesPerSec>
-          <PacketsValue />
-          <PctOfPkts />
-          <PktsPerSec />
-          <Values />
-        </SummaryStat>
-      </Group>
-    </Snapshot>
-  </Stats>
-</SummaryStatistics>
-)");
+  EXPECT_EQ(Reported().Brief("StatsReport.xml", {"SummaryStatistics"}), Items(R"(
+  SummaryStatistics Version=2.0 {
+    Summary { TimeSaved=11/22/2026 14:05:09; StartDate=11/22/2026; StartTime=14:04:09; Duration=00:00:20 }
+    Stats {
+      Snapshot Name=Current {
+        Group Name=General {
+          SummaryStat { Name=Start Date; PacketsValue=; BytesValue=; PctOfPkts=; PctOfBytes=; PktsPerSec=;
+              BytesPerSec=; Values=11/22/2026 }
+          SummaryStat { Name=Start Time; PacketsValue=; BytesValue=; PctOfPkts=; PctOfBytes=; PktsPerSec=;
+              BytesPerSec=; Values=14:04:09 }
+          SummaryStat { Name=Duration; PacketsValue=; BytesValue=; PctOfPkts=; PctOfBytes=; PktsPerSec=;
+              BytesPerSec=; Values=00:00:20 } }
+        Group Name=Network {
+          SummaryStat { Name=Total Packets; PacketsValue=8; PctOfPkts=100.000; PktsPerSec=0.400; BytesValue=800;
+              PctOfBytes=100.000; BytesPerSec=40.000; Values= } }
+        Group Name=General {
+          SummaryStat { Name=Total Bytes; BytesValue=800; PctOfBytes=100.000; BytesPerSec=40.000; PacketsValue=;
+              PctOfPkts=; PktsPerSec=; Values= } } } } })"));
   EXPECT_THAT(folder.Read("SummaryStatistics.xml"), HasSubstr("<Snapshot Time=\"11/22/2026 14:05:09\">"));
 
   ASSERT_EQ(OutputLive(), S_OK);  // without a site: no rates
   EXPECT_THAT(folder.Read("StatsReport.xml"), Not(HasSubstr("PerSec")));
   EXPECT_EQ(Children("SummaryStatistics.xml", {}).size(), 1U) << "a live report has no history";
+  EXPECT_EQ(Reported().Children("SummaryStatistics.xml", {}).size(), 1U) << "nor has any report after it";
+}
+
+TEST_F(CategoryDocumentsTest, ASummaryOfNothingHasNoPercentagesAndRates) {
+  engine.live.total_packets = engine.live.total_bytes = 0;
+  engine.live.summary = {{kStatTotalPackets, kGroupA, u"Total Packets", {kSummaryPacketsAndBytes, 0, 800}}};
   ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(Children("SummaryStatistics.xml", {}).size(), 1U) << "nor has any report after it";
+  EXPECT_THAT(Part("StatsReport.xml", {"SummaryStatistics", "Stats"}), HasSubstr(R"(
+        <PacketsValue>0</PacketsValue>
+        <PctOfPkts />
+        <PktsPerSec />
+        <BytesValue>800</BytesValue>
+        <PctOfBytes />
+        <BytesPerSec />
+        <Values />
+)"));
 }
 
 }  // namespace

@@ -17,8 +17,7 @@ constexpr const char* kHierarchyFile = "HierarchicalNodeStatistics.xml";
 class ConversationDocumentTest : public XmlReportTest {
  protected:
   ConversationDocumentTest() {
-    Switch(kSwitchOutputGraphs, 0);
-    Switch(kSwitchOutputProtocolStats, 0);
+    SwitchOff({kSwitchOutputGraphs, kSwitchOutputProtocolStats});
     engine.live.missing = {kSummaryCategory.identifier};
     engine.live.total_bytes = 120;
     engine.protocol_tree = {{1, {u"UDP", 0}}};
@@ -42,10 +41,8 @@ class ConversationDocumentTest : public XmlReportTest {
   }
   /// Leaves the families of IP alone.
   void OnlyIp() {
-    for (std::uint32_t other :
-         {kSwitchNodeTypePhysical, kSwitchNodeTypeIPv6, kSwitchNodeTypeDEC, kSwitchNodeTypeApple, kSwitchNodeTypeIPX}) {
-      Switch(other, 0);
-    }
+    SwitchOff(
+        {kSwitchNodeTypePhysical, kSwitchNodeTypeIPv6, kSwitchNodeTypeDEC, kSwitchNodeTypeApple, kSwitchNodeTypeIPX});
   }
 
   std::uint32_t one_, two_, protocol_;
@@ -60,71 +57,29 @@ TEST_F(ConversationDocumentTest, GroupsByTheTextOfTheSource) {
   const std::uint32_t namesake = AddNode(3);
   engine.names[u"10.0.0.3"] = u"10.0.0.1";
   Talk(namesake, two_, 30);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(folder.Read(kFile), R"(<?xml version="1.0" encoding="utf-8"?>
-<ConversationStatistics Version="1.0">
-  <Summary>
-    <TimeSaved>11/22/2026 14:05:09</TimeSaved>
-    <Packets>10</Packets>
-    <Bytes>120</Bytes>
-    <NodeCount>3</NodeCount>
-    <ConvoCount>4</ConvoCount>
-  </Summary>
-  <Stats>
-    <Type Name="IP">
-      <SourceAddress Name="10.0.0.1">
-        <ConversationStat>
-          <Bytes>10</Bytes>
-          <Packets>2</Packets>
-          <PctBytesSent>0.100000</PctBytesSent>
-          <DestinationAddress>10.0.0.2</DestinationAddress>
-          <PctBytesReceived>0.050000</PctBytesReceived>
-          <Protocol>UDP</Protocol>
-          <PctBytesProtocol>0.125000</PctBytesProtocol>
-        </ConversationStat>
-        <ConversationStat>
-          <Bytes>20</Bytes>
-          <Packets>2</Packets>
-          <PctBytesSent>0.200000</PctBytesSent>
-          <DestinationAddress>10.0.0.1</DestinationAddress>
-          <PctBytesReceived>0.100000</PctBytesReceived>
-          <Protocol>UDP</Protocol>
-          <PctBytesProtocol>0.250000</PctBytesProtocol>
-        </ConversationStat>
-        <ConversationStat>
-          <Bytes>30</Bytes>
-          <Packets>2</Packets>
-          <PctBytesSent>0.300000</PctBytesSent>
-          <DestinationAddress>10.0.0.2</DestinationAddress>
-          <PctBytesReceived>0.150000</PctBytesReceived>
-          <Protocol>UDP</Protocol>
-          <PctBytesProtocol>0.375000</PctBytesProtocol>
-        </ConversationStat>
-        <TotalPctBytesSent>0.500000</TotalPctBytesSent>
-      </SourceAddress>
-      <SourceAddress Name="10.0.0.2">
-        <ConversationStat>
-          <Bytes>50</Bytes>
-          <Packets>2</Packets>
-          <PctBytesSent>0.500000</PctBytesSent>
-          <DestinationAddress>10.0.0.1</DestinationAddress>
-          <PctBytesReceived>0.250000</PctBytesReceived>
-          <Protocol>UDP</Protocol>
-          <PctBytesProtocol>0.625000</PctBytesProtocol>
-        </ConversationStat>
-        <TotalPctBytesSent>0.416667</TotalPctBytesSent>
-      </SourceAddress>
-    </Type>
-  </Stats>
-</ConversationStatistics>
-)");
+  EXPECT_EQ(Reported().Brief(kFile, {}), Items(R"(
+  ConversationStatistics Version=1.0 {
+    Summary { TimeSaved=11/22/2026 14:05:09; Packets=10; Bytes=120; NodeCount=3; ConvoCount=4 }
+    Stats {
+      Type Name=IP {
+        SourceAddress Name=10.0.0.1 {
+          ConversationStat { Bytes=10; Packets=2; PctBytesSent=0.100000; DestinationAddress=10.0.0.2;
+              PctBytesReceived=0.050000; Protocol=UDP; PctBytesProtocol=0.125000 }
+          ConversationStat { Bytes=20; Packets=2; PctBytesSent=0.200000; DestinationAddress=10.0.0.1;
+              PctBytesReceived=0.100000; Protocol=UDP; PctBytesProtocol=0.250000 }
+          ConversationStat { Bytes=30; Packets=2; PctBytesSent=0.300000; DestinationAddress=10.0.0.2;
+              PctBytesReceived=0.150000; Protocol=UDP; PctBytesProtocol=0.375000 }
+          TotalPctBytesSent=0.500000 }
+        SourceAddress Name=10.0.0.2 {
+          ConversationStat { Bytes=50; Packets=2; PctBytesSent=0.500000; DestinationAddress=10.0.0.1;
+              PctBytesReceived=0.250000; Protocol=UDP; PctBytesProtocol=0.625000 }
+          TotalPctBytesSent=0.416667 } } } })"));
 }
 
 TEST_F(ConversationDocumentTest, AnEndThatIsNoNodeFailsTheGroupedDocument) {
   folder.Write(kFile, "earlier");
   Talk(one_, engine.live.AddIp(10, 0, 0, 9), 10);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(folder.Read(kFile), "earlier");
+  EXPECT_EQ(Reported().folder.Read(kFile), "earlier");
   EXPECT_EQ(FileStatus(kFile), E_FAIL);
   EXPECT_THAT(Sections(), ElementsAre("NodeStatistics"));
 }
@@ -132,12 +87,10 @@ TEST_F(ConversationDocumentTest, AnEndThatIsNoNodeFailsTheGroupedDocument) {
 TEST_F(ConversationDocumentTest, ManyConversationsStayFlat) {
   OnlyIp();
   for (int i = 0; i < 5000; ++i) Talk(one_, two_, 1);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(folder.Read(kFile), HasSubstr("<ConversationStatistics Version=\"1.0\">"));
+  EXPECT_THAT(Reported().folder.Read(kFile), HasSubstr("<ConversationStatistics Version=\"1.0\">"));
   EXPECT_THAT(Children(kFile, {"Stats", "Type"}), ElementsAre("SourceAddress"));
   Talk(one_, engine.live.AddIp(10, 0, 0, 9), 10);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(folder.Read(kFile), HasSubstr("<ConversationStatistics Version=\"1.1\">"));
+  EXPECT_THAT(Reported().folder.Read(kFile), HasSubstr("<ConversationStatistics Version=\"1.1\">"));
   EXPECT_EQ(Children(kFile, {"Stats", "Type"}).size(), 5001U);
   EXPECT_THAT(Children(kFile, {"Stats", "Type", "ConversationStat"}),
               ElementsAre("Bytes", "Packets", "SourceAddress", "PctBytesSent", "DestinationAddress", "PctBytesReceived",
@@ -156,8 +109,8 @@ TEST_F(ConversationDocumentTest, ABitInCommonOfTwoSwitchesOutweighsItsOwn) {
     Switch(kSwitchOutputConversationsOnly, one.conversations_only);
     Switch(kSwitchOutputNodeDetails, one.details);
     std::filesystem::remove(folder.Path(kFile));
-    ASSERT_EQ(Output(), S_OK);
-    EXPECT_EQ(folder.Has(kFile), one.written) << one.additional_node << one.conversations_only << one.details;
+    EXPECT_EQ(Reported().folder.Has(kFile), one.written)
+        << one.additional_node << one.conversations_only << one.details;
   }
 }
 
@@ -166,8 +119,7 @@ TEST_F(ConversationDocumentTest, MissingTablesSkipTheDocument) {
        {kProtocolCategory.identifier, kConversationCategory.identifier, kNodeCategory.identifier}) {
     engine.live.missing = {kSummaryCategory.identifier, category};
     Switch(kSwitchOutputConversationsOnly, 1);
-    ASSERT_EQ(Output(), S_OK);
-    EXPECT_FALSE(folder.Has(kFile));
+    EXPECT_FALSE(Reported().folder.Has(kFile));
     EXPECT_EQ(FileStatus(kFile), S_FALSE) << "missing is no failure";
   }
 }
@@ -185,66 +137,27 @@ TEST_F(ConversationDocumentTest, Hierarchy) {
       {.address = 4711, .parent = two_, .packets_sent = 5},
       {.address = physical, .parent = two_},
   };
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(folder.Read(kHierarchyFile), R"(<?xml version="1.0" encoding="utf-8"?>
-<HierarchicalNodeStatistics Version="2.0">
-  <Summary>
-    <TimeSaved>11/22/2026 14:05:09</TimeSaved>
-    <Packets>10</Packets>
-    <Bytes>120</Bytes>
-  </Summary>
-  <Stats>
-    <PhysicalAddress Address="2.0.0.0.0.1">
-      <NodeStat>
-        <LogicalAddress>10.0.0.1</LogicalAddress>
-        <Bytes>90</Bytes>
-        <Packets>3</Packets>
-        <PacketsReceived>2</PacketsReceived>
-        <BytesReceived>60</BytesReceived>
-        <PctBytesReceived>0.500000</PctBytesReceived>
-        <PctBytesSent>0.250000</PctBytesSent>
-        <BytesSent>30</BytesSent>
-        <PacketsSent>1</PacketsSent>
-      </NodeStat>
-      <NodeStat>
-        <LogicalAddress>10.0.0.2</LogicalAddress>
-        <Bytes>0</Bytes>
-        <Packets>0</Packets>
-        <PacketsReceived>0</PacketsReceived>
-        <BytesReceived>0</BytesReceived>
-        <PctBytesReceived>0.000000</PctBytesReceived>
-        <PctBytesSent>0.000000</PctBytesSent>
-        <BytesSent>0</BytesSent>
-        <PacketsSent>0</PacketsSent>
-      </NodeStat>
-    </PhysicalAddress>
-    <PhysicalAddress Address="">
-      <NodeStat>
-        <LogicalAddress>10.0.0.2</LogicalAddress>
-        <Bytes>0</Bytes>
-        <Packets>5</Packets>
-        <PacketsReceived>0</PacketsReceived>
-        <BytesReceived>0</BytesReceived>
-        <PctBytesReceived>0.000000</PctBytesReceived>
-        <PctBytesSent>0.000000</PctBytesSent>
-        <BytesSent>0</BytesSent>
-        <PacketsSent>5</PacketsSent>
-      </NodeStat>
-    </PhysicalAddress>
-  </Stats>
-</HierarchicalNodeStatistics>
-)");
+  EXPECT_EQ(Reported().Brief(kHierarchyFile, {}), Items(R"(
+  HierarchicalNodeStatistics Version=2.0 {
+    Summary { TimeSaved=11/22/2026 14:05:09; Packets=10; Bytes=120 }
+    Stats {
+      PhysicalAddress Address=2.0.0.0.0.1 {
+        NodeStat { LogicalAddress=10.0.0.1; Bytes=90; Packets=3; PacketsReceived=2; BytesReceived=60;
+            PctBytesReceived=0.500000; PctBytesSent=0.250000; BytesSent=30; PacketsSent=1 }
+        NodeStat { LogicalAddress=10.0.0.2; Bytes=0; Packets=0; PacketsReceived=0; BytesReceived=0;
+            PctBytesReceived=0.000000; PctBytesSent=0.000000; BytesSent=0; PacketsSent=0 } }
+      PhysicalAddress Address= {
+        NodeStat { LogicalAddress=10.0.0.2; Bytes=0; Packets=5; PacketsReceived=0; BytesReceived=0;
+            PctBytesReceived=0.000000; PctBytesSent=0.000000; BytesSent=0; PacketsSent=5 } } } })"));
 
   engine.live.hierarchy.resize(10001, engine.live.hierarchy[1]);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(folder.Read(kHierarchyFile), HasSubstr("<HierarchicalNodeStatistics Version=\"2.1\">"));
+  EXPECT_THAT(Reported().folder.Read(kHierarchyFile), HasSubstr("<HierarchicalNodeStatistics Version=\"2.1\">"));
   EXPECT_THAT(Children(kHierarchyFile, {"Stats", "NodeStat"}),
               ElementsAre("PhysicalAddress", "LogicalAddress", "Packets", "Bytes", "PacketsReceived", "BytesReceived",
                           "PctBytesReceived", "PacketsSent", "BytesSent", "PctBytesSent"));
   const std::string before = folder.Read(kHierarchyFile);
   engine.live.hierarchy.resize(1);  // nothing to show
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(folder.Read(kHierarchyFile), before);
+  EXPECT_EQ(Reported().folder.Read(kHierarchyFile), before);
 }
 
 }  // namespace

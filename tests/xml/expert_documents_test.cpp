@@ -14,9 +14,7 @@ using testing::Not;
 class ExpertDocumentsTest : public XmlReportTest {
  protected:
   ExpertDocumentsTest() {
-    for (std::uint32_t other : {kSwitchOutputGraphs, kSwitchOutputNodeStats, kSwitchOutputProtocolStats}) {
-      Switch(other, 0);
-    }
+    SwitchOff({kSwitchOutputGraphs, kSwitchOutputNodeStats, kSwitchOutputProtocolStats});
     engine.live.missing = {kSummaryCategory.identifier};
     ScriptedExpert& expert = engine.live.expert.emplace();
     const ScriptedTable table{.columns = {{u"DELAY", u"Delay"}, {u"TEXT", u"A \"title\""}},
@@ -28,62 +26,34 @@ class ExpertDocumentsTest : public XmlReportTest {
 };
 
 TEST_F(ExpertDocumentsTest, TablesAreCopiedCellByCell) {
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(folder.Read("StatsReport.xml"), R"(<?xml version="1.0" encoding="utf-8"?>
-<StatsReport>
-  <ExpertStatistics Version="1.0">
-    <FlowStatistics TimeSaved="11/22/2026 14:05:09">
-      <Stats>
-        <DELAY Name="Delay" Value="1234" />
-        <TEXT Name="A &quot;title&quot;" Value="1,234 &lt;b> ��" />
-      </Stats>
-    </FlowStatistics>
-    <ApplicationStatistics TimeSaved="11/22/2026 14:05:09">
-      <Stats>
-        <DELAY Name="Delay" Value="1234" />
-        <TEXT Name="A &quot;title&quot;" Value="1,234 &lt;b> ��" />
-      </Stats>
-    </ApplicationStatistics>
-    <EventCounts TimeSaved="11/22/2026 14:05:09">
-      <Stats>
-        <DELAY Name="Delay" Value="1234" />
-        <TEXT Name="A &quot;title&quot;" Value="1,234 &lt;b> ��" />
-      </Stats>
-    </EventCounts>
-  </ExpertStatistics>
-  <VoIPStatistics Version="1.1">
-    <VoIPMediaStatistics TimeSaved="11/22/2026 14:05:09">
-      <Stats>
-        <TEXT Name="A &quot;title&quot;" Value="1,234 &lt;b> ��" />
-      </Stats>
-    </VoIPMediaStatistics>
-  </VoIPStatistics>
-</StatsReport>
-)");
-  EXPECT_EQ(folder.Read("ExpertLog.xml"), R"(<?xml version="1.0" encoding="utf-8"?>
-<ExpertLog TimeSaved="11/22/2026 14:05:09">
-  <Stats>
-    <DELAY Name="Delay" Value="1234" />
-    <TEXT Name="A &quot;title&quot;" Value="1,234 &lt;b> ��" />
-  </Stats>
-</ExpertLog>
-)");
+  EXPECT_EQ(Reported().Brief("StatsReport.xml", {}), Items(R"(
+  StatsReport {
+    ExpertStatistics Version=1.0 {
+      FlowStatistics TimeSaved=11/22/2026 14:05:09 {
+        Stats { DELAY Name=Delay Value=1234; TEXT Name=A "title" Value=1,234 <b> ?? } }
+      ApplicationStatistics TimeSaved=11/22/2026 14:05:09 {
+        Stats { DELAY Name=Delay Value=1234; TEXT Name=A "title" Value=1,234 <b> ?? } }
+      EventCounts TimeSaved=11/22/2026 14:05:09 {
+        Stats { DELAY Name=Delay Value=1234; TEXT Name=A "title" Value=1,234 <b> ?? } } }
+    VoIPStatistics Version=1.1 {
+      VoIPMediaStatistics TimeSaved=11/22/2026 14:05:09 {
+        Stats { TEXT Name=A "title" Value=1,234 <b> ?? } } } })"));
+  EXPECT_EQ(Brief("ExpertLog.xml", {}), Items(R"(
+  ExpertLog TimeSaved=11/22/2026 14:05:09 {
+    Stats { DELAY Name=Delay Value=1234; TEXT Name=A "title" Value=1,234 <b> ?? } })"));
 }
 
 TEST_F(ExpertDocumentsTest, TheEventLogHangsOnTheSwitchOfApplications) {
-  const struct {
-    std::int32_t flows, applications;
-    std::vector<std::string> sections;
-  } cases[] = {{0, 0, {"EventCounts"}},
-               {0, 1, {"ApplicationStatistics", "EventCounts"}},
-               {1, 0, {"FlowStatistics", "EventCounts"}}};
-  for (const auto& one : cases) {
-    Switch(kSwitchExpertFlows, one.flows);
-    Switch(kSwitchExpertApplications, one.applications);
+  const std::tuple<std::int32_t, std::int32_t, std::vector<std::string>> cases[] = {
+      {0, 0, {"EventCounts"}},
+      {0, 1, {"ApplicationStatistics", "EventCounts"}},
+      {1, 0, {"FlowStatistics", "EventCounts"}}};
+  for (const auto& [flows, applications, sections] : cases) {
+    Switch(kSwitchExpertFlows, flows);
+    Switch(kSwitchExpertApplications, applications);
     std::filesystem::remove(folder.Path("ExpertLog.xml"));
-    ASSERT_EQ(Output(), S_OK);
-    EXPECT_EQ(Children("StatsReport.xml", {"ExpertStatistics"}), one.sections);
-    EXPECT_EQ(folder.Has("ExpertLog.xml"), one.applications != 0);
+    EXPECT_EQ(Reported().Children("StatsReport.xml", {"ExpertStatistics"}), sections);
+    EXPECT_EQ(folder.Has("ExpertLog.xml"), applications != 0);
   }
 }
 
@@ -92,16 +62,13 @@ TEST_F(ExpertDocumentsTest, WhatFailsLeavesWhatWasDone) {
   const std::string log = folder.Read("ExpertLog.xml");
   Switch(kSwitchOutputVoIPOnly, 0);
   engine.Fail("ITableProvider::GetTable", 4, E_FAIL);  // the event log
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(Sections(), ElementsAre("VoIPStatistics", "ExpertStatistics"));
+  EXPECT_THAT(Reported().Sections(), ElementsAre("VoIPStatistics", "ExpertStatistics"));
   EXPECT_EQ(folder.Read("ExpertLog.xml"), log);
   EXPECT_EQ(FileStatus("ExpertLog.xml"), E_FAIL);
   engine.Fail("ITableProvider::GetTable", 2, E_FAIL);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(Sections(), ElementsAre("VoIPStatistics")) << "the old entry went first";
+  EXPECT_THAT(Reported().Sections(), ElementsAre("VoIPStatistics")) << "the old entry went first";
   engine.live.expert->offers_tables = false;
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(FileStatus("StatsReport.xml"), S_OK);
+  EXPECT_EQ(Reported().FileStatus("StatsReport.xml"), S_OK);
 }
 
 TEST_F(ExpertDocumentsTest, VoiceAndVideoShowSomeColumnsAndNoEmptyTable) {
@@ -112,14 +79,12 @@ TEST_F(ExpertDocumentsTest, VoiceAndVideoShowSomeColumnsAndNoEmptyTable) {
     media.columns.push_back({u"C" + Wide(std::to_string(column)), u"Title"});
     media.rows[0].push_back(u"1,2");
   }
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(Children("StatsReport.xml", {"VoIPStatistics", "VoIPMediaStatistics", "Stats"}),
+  EXPECT_THAT(Reported().Children("StatsReport.xml", {"VoIPStatistics", "VoIPMediaStatistics", "Stats"}),
               ElementsAre("C1", "C5", "C7", "C8", "C11", "C13", "C14", "C18", "C19", "C21", "C23", "C25", "C26", "C30",
                           "C35", "C36", "C41", "C44", "C48", "C53", "C58", "C59", "C63", "C67", "C70"));
   EXPECT_THAT(folder.Read("StatsReport.xml"), HasSubstr("<C1 Name=\"Title\" Value=\"1,2\" />"));
   media.rows.clear();
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(Sections(), ElementsAre("ExpertStatistics")) << "the old entry is gone as well";
+  EXPECT_THAT(Reported().Sections(), ElementsAre("ExpertStatistics")) << "the old entry is gone as well";
 }
 
 }  // namespace

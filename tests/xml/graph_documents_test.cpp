@@ -37,7 +37,7 @@ std::pair<int, int> SizeOf(const std::string& png) {
 class GraphDocumentsTest : public XmlReportTest {
  protected:
   GraphDocumentsTest() {
-    for (std::uint32_t other : {kSwitchOutputNodeStats, kSwitchOutputProtocolStats}) Switch(other, 0);
+    SwitchOff({kSwitchOutputNodeStats, kSwitchOutputProtocolStats});
     engine.live.missing = {kSummaryCategory.identifier};
     engine.live.history = {1, 2, 3};
     engine.live.history_start = Moment(-3);
@@ -56,8 +56,7 @@ class GraphDocumentsTest : public XmlReportTest {
 
 TEST_F(GraphDocumentsTest, ReportGraphs) {
   ASSERT_EQ(Output(), S_OK);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_EQ(folder.Read("StatsReport.xml"), R"(<?xml version="1.0" encoding="utf-8"?>
+  EXPECT_EQ(Reported().folder.Read("StatsReport.xml"), R"(<?xml version="1.0" encoding="utf-8"?>
 <StatsReport>
   <Graphs>
     <TrafficGraph src=".\Graphs\TrafficGraph.png" />
@@ -75,8 +74,7 @@ TEST_F(GraphDocumentsTest, ReportGraphs) {
 TEST_F(GraphDocumentsTest, AFailureKeepsThePicturesBefore) {
   engine.live.missing.push_back(kTrafficHistoryCategory.identifier);
   engine.Fail("ISizeStats::GetBuckets", 1, E_FAIL);
-  ASSERT_EQ(Output(), S_OK);
-  EXPECT_THAT(Children("StatsReport.xml", {"Graphs"}), ElementsAre("TopTalkersGraph"));
+  EXPECT_THAT(Reported().Children("StatsReport.xml", {"Graphs"}), ElementsAre("TopTalkersGraph"));
   Switch(kSwitchOutputGraphs, 0);
   engine.live.graphs.clear();
   ASSERT_EQ(Output(engine.Graphs().get()), S_OK);
@@ -114,6 +112,14 @@ TEST_F(GraphDocumentsTest, TheCollectionGrowsFromReportToReport) {
   EXPECT_THAT(folder.Read("Graphs.xml"), HasSubstr("Late_4.png"));
 }
 
+TEST_F(GraphDocumentsTest, ACollectionTooLargeToBeReadIsLeftAlone) {
+  folder.Write("Graphs.xml", {});
+  std::filesystem::resize_file(folder.Path("Graphs.xml"), std::uintmax_t{1} << 30);
+  ASSERT_EQ(Output(engine.Graphs().get()), S_OK);
+  EXPECT_EQ(FileStatus("Graphs.xml"), E_OUTOFMEMORY);
+  EXPECT_EQ(std::filesystem::file_size(folder.Path("Graphs.xml")), std::uintmax_t{1} << 30);
+}
+
 TEST_F(GraphDocumentsTest, ANameThatNoDocumentHoldsIsFoundAgain) {
   engine.live.graphs.clear();
   AddGraph(u"a\x01/..\\b");
@@ -133,16 +139,13 @@ TEST_F(GraphDocumentsTest, OtherKindsShowTheCollectionOfLiveReportsOnly) {
 
 TEST_F(GraphDocumentsTest, TheSpanFollowsTheIntervalUnlessNothingIsCaptured) {
   auto graph = MakeObject<WatchedGraph>();
-  const struct {
-    std::uint32_t interval;
-    std::int64_t seconds;
-    std::uint32_t step;
-  } cases[] = {{0, 3600, 12}, {3600, 3600, 12}, {7200, 7200, 24}, {4'000'000'000, 4'000'000'000, 33}};
-  for (const auto& one : cases) {
-    method->SetInterval(one.interval);
+  const std::tuple<std::uint32_t, std::int64_t, std::uint32_t> cases[] = {
+      {0, 3600, 12}, {3600, 3600, 12}, {7200, 7200, 24}, {4'000'000'000, 4'000'000'000, 33}};
+  for (const auto& [interval, seconds, step] : cases) {
+    method->SetInterval(interval);
     ASSERT_EQ(Output(graph.get()), S_OK);
-    EXPECT_EQ(graph->start, Moment(-one.seconds));
-    EXPECT_EQ(graph->step, one.step);
+    EXPECT_EQ(graph->start, Moment(-seconds));
+    EXPECT_EQ(graph->step, step);
     EXPECT_GE(graph->capacity, 300U);
     EXPECT_LT(graph->capacity, 600U);
   }

@@ -120,7 +120,7 @@ Status CaptureEngine::LearnHosts(const std::string& path) {
     std::vector<KnownName> hosts;
     Status status = ReadHostsFile(path, &hosts);
     for (const KnownName& host : hosts) names->Learn(host.address, host.name, NameSource::kGiven);
-    return status;
+    return Succeeded(status) && hosts.empty() ? S_FALSE : status;
   });
 }
 

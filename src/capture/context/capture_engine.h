@@ -106,7 +106,7 @@ class CaptureEngine {
   bool LearnName(const AddressRecord& address, std::u16string_view name);
   /// Does that for a file of the form of /etc/hosts: an address, its name, and further names, which are passed over.
   /// The first line about an address counts, and of several files the one read last. A path of the system; the status
-  /// of opening and reading it, S_FALSE when texts are plain addresses.
+  /// of opening and reading it, S_FALSE when it names nothing or texts are plain addresses.
   Status LearnHosts(const std::string& path);
 
  private:

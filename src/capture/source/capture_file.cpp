@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -21,6 +22,17 @@ namespace {
 
 /// Every kind of file that is known tells itself by its first bytes.
 constexpr std::size_t kMagic = 4;
+
+/// Packed files of which the user should hear what they are: how they begin, and their packer.
+constexpr struct {
+  std::string_view magic;
+  const char* packer;
+} kPackers[] = {{"\xFD"
+                 "7zX",
+                 "xz"},
+                {"BZh", "bzip2"},
+                {"PK\x03\x04", "zip"},
+                {"\x04\x22\x4D\x18", "lz4"}};
 
 SourceError ErrnoRefusal(int code, const std::string& path) {
   const char* remedy = path == "-"       ? "; name /dev/stdin to read standard input"
@@ -49,6 +61,15 @@ SourceError Judge(const std::string& path, std::uint64_t* size) {
   }
   *size = static_cast<std::uint64_t>(about.st_size);
   return {};
+}
+
+/// What a file is that begins with these bytes (null: with fewer), but no capture.
+std::string WhatElse(const std::uint8_t* magic) {
+  const std::string_view begin(reinterpret_cast<const char*>(magic), magic ? kMagic : 0);
+  for (const auto& [packed, packer] : kPackers) {
+    if (begin.starts_with(packed)) return std::string("is packed by ") + packer + "; unpack it first";
+  }
+  return "is not a capture file (it begins like none); give a file in pcap or pcapng format";
 }
 
 /// The file's bytes; null and the cause in `error`.
@@ -80,8 +101,9 @@ std::unique_ptr<PacketSource> OpenCaptureFile(const std::string& path, SourceErr
   if (!is_pipe) window.ReadAhead();
   if (magic && IsPcap(magic)) return OpenPcap(path, std::move(window), error);
   if (magic && IsPcapng(magic)) return OpenPcapng(path, std::move(window), error);
-  const std::string why = window.problem().empty() ? "it begins like none" : window.problem();
-  *error = Refusal(E_FAIL, path, "is not a capture file (" + why + "); give a file in pcap or pcapng format");
+  *error = window.problem().empty()
+               ? Refusal(E_FAIL, path, WhatElse(magic))
+               : Refusal(E_FAIL, path, "cannot be unpacked (" + window.problem() + "); pack or copy the capture again");
   return nullptr;
 }
 

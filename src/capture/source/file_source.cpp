@@ -26,4 +26,15 @@ void FileSource::NoteLength(std::uint32_t claimed_length) {
              " bytes long; such packets are counted at their captured length");
 }
 
+void FileSource::NoteTime(std::uint64_t claimed, std::uint64_t last) {
+  if (time_noted_) return;
+  time_noted_ = true;
+  constexpr std::uint64_t kDay = std::uint64_t{86'400} * 1'000'000'000;
+  const bool later = claimed > last;
+  notes_.Add("packet " + std::to_string(packets_ + 1) + " claims to be " +
+             std::to_string((later ? claimed - last : last - claimed) / kDay) + " days " +
+             (later ? "later" : "earlier") +
+             " than the one before; such a packet counts at the time of that one, unless the next agrees with it");
+}
+
 }  // namespace orvo

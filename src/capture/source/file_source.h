@@ -12,6 +12,12 @@
 
 namespace orvo {
 
+/// What the packets of one interface were timed by.
+struct PacketClock {
+  std::uint64_t last_time = 0;  ///< of the packet before, 0 for none
+  bool leapt = false;           ///< which claimed another
+};
+
 /// What the readers of both capture formats share: the bytes, their order, and what is said about damage.
 class FileSource : public PacketSource {
  public:
@@ -38,7 +44,19 @@ class FileSource : public PacketSource {
     return swapped_ ? __builtin_bswap64(value) : value;
   }
 
-  /// Finishes a packet whose bytes are set: counts it, and judges the length that it claims to have had.
+  /// Gives the next packet its time. One on its own, far from the one before it of its interface, has a damaged time,
+  /// which would stretch everything that is counted over time; it gets the time of the one before. A second one in a
+  /// row means that the clock was set, and is believed.
+  void SetTime(std::uint64_t claimed, PacketClock* clock, Packet* packet) {
+    constexpr std::uint64_t kFar = std::uint64_t{365} * 86'400 * 1'000'000'000;
+    const std::uint64_t last = clock->last_time;
+    clock->leapt = (claimed > last ? claimed - last : last - claimed) > kFar && last != 0 && !clock->leapt;
+    if (clock->leapt) [[unlikely]]
+      NoteTime(claimed, last);
+    packet->time = clock->last_time = clock->leapt ? last : claimed;
+  }
+
+  /// Finishes a packet whose bytes and time are set: counts it, and judges the length that it claims to have had.
   void Deliver(Packet* packet, std::uint32_t claimed_length) {
     ++packets_;
     const auto captured = static_cast<std::uint32_t>(packet->bytes.size());
@@ -71,8 +89,10 @@ class FileSource : public PacketSource {
     return value;
   }
   void NoteLength(std::uint32_t claimed_length);
+  void NoteTime(std::uint64_t claimed, std::uint64_t last);
 
   bool length_noted_ = false;
+  bool time_noted_ = false;
 };
 
 }  // namespace orvo

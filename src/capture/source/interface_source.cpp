@@ -226,8 +226,7 @@ std::unique_ptr<InterfaceSource> OpenInterface(const std::string& name, const In
   }
   KeepToThisProcess(open_before);
   if (const std::string reason = SetFilter(handle.get(), options.filter); !reason.empty()) {
-    *error =
-        Refusal(E_INVALIDARG, name, "does not know the filter " + OneLine(options.filter) + ": " + OneLine(reason));
+    *error = Refusal(E_INVALIDARG, name, "does not know the filter " + Brief(options.filter) + ": " + OneLine(reason));
     return nullptr;
   }
   const std::string activation_warning = result > 0 ? pcap_geterr(handle.get()) : "";

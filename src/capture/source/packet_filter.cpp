@@ -97,7 +97,7 @@ std::unique_ptr<PacketFilter> PacketFilter::Make(const std::string& expression, 
     }
     if (first_reason.empty()) first_reason = reason;
   }
-  *error = Refusal(E_INVALIDARG, expression, first_reason);
+  *error = Refusal(E_INVALIDARG, Brief(expression), first_reason);
   return nullptr;
 }
 

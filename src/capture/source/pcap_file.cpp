@@ -75,7 +75,7 @@ class PcapFile final : public FileSource {
     }
     const std::uint8_t* record = window_.Look(kRecordHeader + captured);
     if (!record) return CutOff();
-    packet->time = TimeOf(Load32(record), Load32(record + 4));
+    SetTime(TimeOf(Load32(record), Load32(record + 4)), &clock_, packet);
     packet->bytes = {record + kRecordHeader, captured};
     packet->link_type = link_type_;
     packet->interface_number = 0;
@@ -109,6 +109,7 @@ class PcapFile final : public FileSource {
   }
 
   std::uint32_t link_type_ = 0;
+  PacketClock clock_;
   std::uint32_t nanoseconds_per_unit_ = 0;
   LengthOrder order_ = LengthOrder::kCapturedFirst;
   bool decodable_ = false;

@@ -52,6 +52,7 @@ struct Interface {
   std::uint32_t number = 0;
   std::uint32_t snap_length = 0;  // 0: none
   bool decodable = false;
+  PacketClock clock;
   std::uint64_t dropped_by_packets = 0;     // the sum of what single packets tell
   std::uint64_t dropped_by_statistics = 0;  // the latest total that the interface tells
 
@@ -231,7 +232,7 @@ class PcapngFile final : public FileSource {
         if (code == kPacketDropCount && value.size() == 8) AddDropped(from, Load64(value.data()));
       });
     }
-    SetTime(*from, &body[4], packet);
+    ReadTime(&body[4], from, packet);
     return Finish(*from, rest.first(captured), Load32(&body[16]), packet);
   }
 
@@ -245,7 +246,7 @@ class PcapngFile final : public FileSource {
     if (captured > body.size() - kFixed) return LeaveOut("is longer than its block");
     const std::uint16_t dropped = Load16(&body[2]);
     if (dropped != kDropsUnknown) AddDropped(from, dropped);
-    SetTime(*from, &body[4], packet);
+    ReadTime(&body[4], from, packet);
     return Finish(*from, body.subspan(kFixed, captured), Load32(&body[16]), packet);
   }
 
@@ -265,9 +266,9 @@ class PcapngFile final : public FileSource {
     return identifier < interfaces_.size() ? &interfaces_[identifier] : nullptr;
   }
 
-  void SetTime(const Interface& from, const std::uint8_t* stamp, Packet* packet) {
-    last_time_ = from.times.TimeOf((std::uint64_t{Load32(stamp)} << 32) | Load32(stamp + 4));
-    packet->time = last_time_;
+  void ReadTime(const std::uint8_t* stamp, Interface* from, Packet* packet) {
+    SetTime(from->times.TimeOf((std::uint64_t{Load32(stamp)} << 32) | Load32(stamp + 4)), &from->clock, packet);
+    last_time_ = packet->time;
   }
 
   bool Finish(const Interface& from, Bytes bytes, std::uint32_t original, Packet* packet) {

@@ -19,6 +19,14 @@ std::string OneLine(std::string_view text) {
   return line;
 }
 
+std::string Brief(std::string_view text) {
+  constexpr std::size_t kLongest = 80;
+  if (text.size() <= kLongest) return OneLine(text);
+  std::size_t end = kLongest;
+  while (end != 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;  // no part of a character of UTF-8
+  return OneLine(text.substr(0, end)) + "...";
+}
+
 SourceError Refusal(Status status, std::string_view subject, std::string_view why) {
   return {status, OneLine(subject) + ": " + std::string(why)};
 }

@@ -12,6 +12,9 @@ namespace orvo {
 /// Text from outside on its way into a message: one line, no control characters.
 std::string OneLine(std::string_view text);
 
+/// The beginning of such a text, where it may be long and only serves to recognise it.
+std::string Brief(std::string_view text);
+
 /// Why `subject`, a path or an interface, cannot be opened.
 SourceError Refusal(Status status, std::string_view subject, std::string_view why);
 

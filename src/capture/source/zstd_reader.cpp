@@ -4,6 +4,7 @@
 #include <zstd_errors.h>
 
 #include <algorithm>
+#include <atomic>
 #include <new>
 #include <utility>
 
@@ -13,6 +14,34 @@ namespace {
 constexpr int kWindowLogMax = 27;
 /// What the shortest header of a frame needs.
 constexpr std::size_t kFrameStart = 5;
+
+/// What frames are recommended to keep to (RFC 8878 section 3.1.1.1.2), with the room that the library takes beside it.
+constexpr std::size_t kUsualMemory = (std::size_t{8} + 1) << 20;
+
+/// A permission to take more than that, of which there are few: files that are read side by side take it all at once.
+class LargeWindow {
+ public:
+  LargeWindow() = default;
+  LargeWindow(const LargeWindow&) = delete;
+  LargeWindow& operator=(const LargeWindow&) = delete;
+  ~LargeWindow() { Release(); }
+
+  /// False when no more are to be had.
+  bool Take() {
+    if (taken_) return true;
+    if (in_use_.fetch_add(1) < kMostLargeWindows) return taken_ = true;
+    in_use_.fetch_sub(1);
+    return false;
+  }
+  void Release() {
+    if (taken_) in_use_.fetch_sub(1);
+    taken_ = false;
+  }
+
+ private:
+  static inline std::atomic<int> in_use_{0};
+  bool taken_ = false;
+};
 
 struct FreeStream {
   void operator()(ZSTD_DStream* stream) const { ZSTD_freeDStream(stream); }
@@ -45,6 +74,7 @@ class ZstdReader final : public ByteReader {
     ZSTD_inBuffer in{packed, packed ? std::min(packed_.left(), wanted_) : 0, 0};
     const std::size_t result = ZSTD_decompressStream(stream_.get(), out, &in);
     if (ZSTD_isError(result)) return EndWithError(result);
+    if (ZSTD_sizeof_DStream(stream_.get()) > kUsualMemory && !large_.Take()) return EndForMemory();
     packed_.Take(in.pos);
     within_frame_ = result != 0;
     wanted_ = within_frame_ ? result : kFrameStart;
@@ -64,13 +94,22 @@ class ZstdReader final : public ByteReader {
     End(std::string("its compressed data is damaged: ") + ZSTD_getErrorName(result));
   }
 
+  void EndForMemory() {
+    End("its compressed data looks back on more than 8 MB, as that of " + std::to_string(kMostLargeWindows) +
+        " other files does that are read at the same time; unpack it by \"zstd -d --long=27\" first");
+  }
+
+  /// What comes in files one after the other need not be kept side by side.
   void End(std::string problem) {
     problem_ = std::move(problem);
     ended_ = true;
+    stream_.reset();
+    large_.Release();
   }
 
   ByteWindow packed_;
   std::unique_ptr<ZSTD_DStream, FreeStream> stream_;
+  LargeWindow large_;
   std::string problem_;
   std::size_t wanted_ = kFrameStart;  // bytes up to the next block's end
   bool within_frame_ = false;

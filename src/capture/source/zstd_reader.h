@@ -10,7 +10,10 @@ namespace orvo {
 bool IsZstd(const std::uint8_t* magic);
 
 /// The bytes that the frames of a Zstandard file unpack to (RFC 8878). Frames that need a window of more than 128 MiB
-/// are a problem, so memory is bounded by that.
+/// are a problem, so memory is bounded by that, and while this many files are under way that need more than 8 MiB, one
+/// more of them is, too. Memory is given back with the last byte.
 std::unique_ptr<ByteReader> MakeZstdReader(ByteWindow packed);
+
+inline constexpr int kMostLargeWindows = 16;
 
 }  // namespace orvo

@@ -20,7 +20,10 @@ function makeSvg(name, attributes = {}, ...children) {
   return element;
 }
 
-const nextTask = () => new Promise((resolve) => setTimeout(resolve));
+// Lets the page answer and paint before what follows.
+function nextTask() {
+  return globalThis.scheduler?.yield ? scheduler.yield() : new Promise((resolve) => setTimeout(resolve));
+}
 
 // Calls `body` with 0 to count - 1 without keeping the page from answering. Ends early when `isStale` says so, and
 // tells whether it came to the end.

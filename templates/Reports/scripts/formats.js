@@ -50,19 +50,21 @@ function durationSeconds(text) {
 // Dates come in the order of the report's locale, with a year of four digits. Which of the others is the day shows when
 // one of them is over 12; until then the month comes first where slashes stand, and the day elsewhere.
 function dateKeys(texts) {
-  const split = texts.map((text) => text.match(/\d+/g) ?? []);
-  const isYearFirst = split.some((parts) => parts[0]?.length === 4);
+  // Of a hundred thousand times many are the same.
+  const parts = new Map();
+  for (const text of texts) if (!parts.has(text)) parts.set(text, text.match(/\d+/g) ?? []);
+  const split = [...parts.values()];
+  const isYearFirst = split.some(([a]) => a?.length === 4);
   const isMonthFirst =
-    !split.some((parts) => Number(parts[0]) > 12) &&
-    (split.some((parts) => Number(parts[1]) > 12) || texts.some((text) => text.includes("/")));
-  return split.map((parts) => {
-    if (parts.length < 3) return Number.NaN;
-    const [a, b, c, ...time] = parts;
+    !split.some(([a]) => Number(a) > 12) &&
+    (split.some(([, b]) => Number(b) > 12) || texts.some((text) => text.includes("/")));
+  const keys = new Map();
+  for (const [text, [a, b, c, hours = 0, minutes = 0, seconds = 0, fraction = 0]] of parts) {
     const [year, month, day] = isYearFirst ? [a, b, c] : isMonthFirst ? [c, a, b] : [c, b, a];
-    const [hours = 0, minutes = 0, seconds = 0, fraction = 0] = time;
     const days = Date.UTC(Number(year), Number(month) - 1, Number(day)) / 1000;
-    return days + Number(hours) * 3600 + Number(minutes) * 60 + Number(seconds) + Number(`0.${fraction}`);
-  });
+    keys.set(text, days + Number(hours) * 3600 + Number(minutes) * 60 + Number(seconds) + Number(`0.${fraction}`));
+  }
+  return Float64Array.from(texts, (text) => keys.get(text));
 }
 
 function percent(ratio) {

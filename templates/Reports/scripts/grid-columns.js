@@ -29,18 +29,23 @@ function textKey(text) {
   return text.toLowerCase().replace(/\d+/g, (digits) => digits.padStart(12, "0"));
 }
 
-// The keys of texts of one column, by which they are compared.
+// The keys of texts of one column, by which they are compared: numbers, NaN for none, or texts.
 function keysOf(column, texts) {
   if (column.kind.isTime) return dateKeys(texts);
-  return texts.map(column.kind.key ?? textKey);
+  return column.kind.key ? Float64Array.from(texts, column.kind.key) : texts.map(textKey);
 }
 
-// Compares two keys; what has no value comes last, whichever way the others go.
-function compareKeys(a, b, sign) {
-  const aMissing = a === "" || Number.isNaN(a);
-  const bMissing = b === "" || Number.isNaN(b);
-  if (aMissing || bMissing) return aMissing - bMissing;
-  return a < b ? -sign : a > b ? sign : 0;
+// The places of keys in their order; what has no value comes last, whichever way the others go, and equals stay as they
+// stand.
+function sortedPlaces(keys, sign) {
+  const isMissing = (key) => key === "" || Number.isNaN(key);
+  const all = Uint32Array.from(keys.keys());
+  const filled = all.filter((i) => !isMissing(keys[i]));
+  filled.sort((a, b) => (keys[a] < keys[b] ? -sign : keys[a] > keys[b] ? sign : a - b));
+  const places = new Uint32Array(all.length);
+  places.set(filled);
+  if (filled.length < all.length) places.set(all.filter((i) => isMissing(keys[i])), filled.length);
+  return places;
 }
 
 function dressRow(row, columns) {

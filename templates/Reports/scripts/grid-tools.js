@@ -1,10 +1,14 @@
 // What stands above a table: the filter, the count of rows, the choice of columns, and ways to take the rows along.
 
+const FEWEST_ROWS_TO_FILTER = 8;
+
 class GridTools {
   constructor(grid) {
     this.grid = grid;
     this.count = make("span", { class: "row-count", role: "status" });
-    this.element = make("div", { class: "tools" }, this.filterBox(), this.count, ...this.buttons());
+    // Few rows are seen at a glance.
+    const filter = grid.rows.length > FEWEST_ROWS_TO_FILTER ? [this.filterBox()] : [];
+    this.element = make("div", { class: "tools" }, ...filter, this.count, ...this.buttons());
   }
 
   filterBox() {

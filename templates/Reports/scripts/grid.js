@@ -7,6 +7,9 @@ const SPARE_ROWS = 12;
 // Browsers end the page somewhere above 17 million pixels; beyond this many rows a table says so.
 const MOST_ROWS = 380000;
 
+// On paper a table is as long as it is.
+const MOST_ROWS_ON_PAPER = 1000;
+
 class Grid {
   constructor(table, source) {
     this.table = table;
@@ -15,14 +18,18 @@ class Grid {
     this.groups = this.rows.groups ?? NO_GROUPS;
     this.columns = readColumns(table, this.rows);
     this.name = table.caption?.textContent.trim() || "Table";
-    this.order = null; // row indices by the sorted column, or null for the document's order
+    this.natural = Uint32Array.from({ length: this.rows.length }, (_, i) => i);
+    this.order = this.natural; // row indices by the sorted column
     this.groupOrder = null;
     this.hits = null; // 1 for each row that the filter lets through, or null without a filter
     this.folded = new Set("folded" in table.dataset && this.groups.length > 1 ? this.groups.keys() : []);
-    this.work = 0; // raised by every sorting and filtering, so that an older one that still runs can stop
+    this.sorts = 0; // raised by every sorting, so that an older one that still runs can stop
+    this.filters = 0; // the same of filtering
     this.dressed = new WeakSet();
     this.frame();
     this.update();
+    const sorted = this.columns.find(({ head }) => "sorted" in head.dataset);
+    if (sorted && this.rows.length > 1) this.sort(sorted);
   }
 
   frame() {
@@ -32,7 +39,7 @@ class Grid {
     this.table.replaceWith(frame);
     this.scroller.append(this.table);
     this.tools = new GridTools(this);
-    if (this.rows.length > 8) frame.prepend(this.tools.element);
+    frame.prepend(this.tools.element);
     for (const column of this.columns) this.frameHead(column);
     this.groups.forEach((group, g) => this.frameGroup(group, g));
     this.scroller.addEventListener("scroll", () => this.onScroll(), { passive: true });
@@ -81,31 +88,35 @@ class Grid {
     const isSame = this.sorted?.column === column;
     const first = column.kind.isNumber || column.kind.isTime ? -1 : 1;
     const sign = isSame ? -this.sorted.sign : first;
-    const work = (this.work += 1);
+    const sort = (this.sorts += 1);
     this.tools.say("Sorting…");
-    const texts = new Array(this.rows.length);
-    const read = (i) => (texts[i] = this.rows.text(i, column.index));
-    if (!(await inSlices(this.rows.length, read, () => this.work !== work))) return;
-    const keys = keysOf(column, texts);
+    column.keys ??= await this.readKeys(column, () => this.sorts !== sort);
+    if (this.sorts !== sort) return;
     this.sorted = { column, sign };
-    this.order = Array.from(keys.keys()).sort((a, b) => compareKeys(keys[a], keys[b], sign) || a - b);
+    this.order = sortedPlaces(column.keys, sign);
     this.sortGroups(column, sign);
     for (const other of this.columns) other.head.removeAttribute("aria-sort");
     column.head.setAttribute("aria-sort", sign > 0 ? "ascending" : "descending");
     this.update();
-    if (this.wanted !== undefined) this.filter(this.wanted);
+  }
+
+  // By what the rows sort; null when it was not wanted any more.
+  async readKeys(column, isStale) {
+    const texts = new Array(this.rows.length);
+    const read = (i) => (texts[i] = this.rows.text(i, column.index));
+    return (await inSlices(texts.length, read, isStale)) ? keysOf(column, texts) : null;
   }
 
   sortGroups(column, sign) {
     if (this.groups === NO_GROUPS || this.groups.length === 0) return;
-    const keys = keysOf(column, this.groups.map((group) => group.texts[column.index] ?? ""));
-    this.groupOrder = Array.from(keys.keys()).sort((a, b) => compareKeys(keys[a], keys[b], sign) || a - b);
+    this.groupOrder = sortedPlaces(keysOf(column, this.groups.map((group) => group.texts[column.index] ?? "")), sign);
   }
 
   async filter(text) {
     const words = text.toLowerCase().split(/\s+/).filter(Boolean);
-    const work = (this.work += 1);
-    this.wanted = text.trim() === "" ? undefined : text;
+    const filter = (this.filters += 1);
+    // Whoever types on asks for some of the rows that there are already.
+    const before = this.hits && text.startsWith(this.hitsOf) ? this.hits : null;
     if (words.length === 0) {
       this.hits = null;
       this.update();
@@ -115,12 +126,14 @@ class Grid {
     this.words ??= new Array(this.rows.length);
     const hits = new Uint8Array(this.rows.length);
     const look = (i) => {
+      if (before !== null && before[i] === 0) return;
       const found = (this.words[i] ??= this.rows.words(i).toLowerCase());
       hits[i] = words.every((word) => found.includes(word)) ? 1 : 0;
     };
-    if (!(await inSlices(this.rows.length, look, () => this.work !== work))) return;
+    if (!(await inSlices(this.rows.length, look, () => this.filters !== filter))) return;
     this.addHitsOfHeads(hits, words);
     this.hits = hits;
+    this.hitsOf = text;
     this.update();
   }
 
@@ -134,15 +147,14 @@ class Grid {
 
   // Row indices in the order of the table, without those that the filter holds back.
   visibleRows() {
-    const order = this.order ?? Array.from({ length: this.rows.length }, (_, i) => i);
-    return this.hits ? order.filter((i) => this.hits[i]) : order;
+    return this.hits ? this.order.filter((i) => this.hits[i]) : this.order;
   }
 
   // What stands in the body, from above: rows by their indices, heads of groups as -1 - index.
   listItems() {
     const rows = this.visibleRows();
     this.count = rows.length;
-    if (this.groups.length === 0) return rows.slice(0, MOST_ROWS);
+    if (this.groups.length === 0) return rows.subarray(0, MOST_ROWS);
     const owner = new Map();
     this.groups.forEach((group, g) => group.members.forEach((i) => owner.set(i, g)));
     const members = this.groups.map(() => []);
@@ -238,11 +250,13 @@ class Grid {
     return make("tr", { class: "spacer", "aria-hidden": "true" }, cell);
   }
 
+  // A row that says something of the rows.
+  remark(text) {
+    return make("tr", { class: "nothing" }, make("td", { colSpan: this.columns.length }, text));
+  }
+
   showNothing() {
-    const why = this.hits ? "No row holds what the filter asks for." : "There are no rows.";
-    this.body.replaceChildren(
-      make("tr", { class: "nothing" }, make("td", { colSpan: this.columns.length }, why)),
-    );
+    this.body.replaceChildren(this.remark(this.hits ? "No row holds what the filter asks for." : "There are no rows."));
   }
 
   // Columns only grow while rows come and go, so that nothing jumps.
@@ -272,11 +286,15 @@ class Grid {
     if (!this.isLong) return;
     const items = this.items;
     if (isPrinting) {
-      this.items = items.slice(0, 1000);
+      this.items = items.slice(0, MOST_ROWS_ON_PAPER);
       this.isLong = false;
     }
     this.range = null;
     this.render();
+    if (isPrinting && items.length > MOST_ROWS_ON_PAPER) {
+      const [printed, all] = [MOST_ROWS_ON_PAPER, items.length].map((count) => EXACT.format(count));
+      this.body.append(this.remark(`The first ${printed} of ${all} rows. A filter, or the CSV file, has the others.`));
+    }
     this.items = items;
     this.isLong = items.length > MOST_ROWS_AT_ONCE;
   }

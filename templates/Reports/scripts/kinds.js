@@ -4,12 +4,14 @@
 // A kind says how a text sorts (`key`; texts sort as texts), how a cell is dressed (`dress`), and whether it is a number
 // (`isNumber`), which stands to the right and sorts from the largest first. `plain` words a text for other programs.
 
+// A bar on a track that is 1 long.
 function setBar(cell, share) {
-  if (!Number.isFinite(share) || share <= 0) return;
-  const bar = make("span", { class: "bar" });
-  bar.style.width = `${Math.min(100, share * 100)}%`;
-  cell.append(bar);
+  if (!Number.isFinite(share)) return;
   cell.classList.add("has-bar");
+  if (share <= 0) return;
+  const bar = make("span", { class: "bar" });
+  bar.style.setProperty("--share", Math.min(1, share));
+  cell.append(bar);
 }
 
 // Two lines: the rounded value, and below it the exact one.
@@ -94,8 +96,11 @@ function valueNumber(text) {
   return Number.isNaN(plain) ? localNumber(text) : plain;
 }
 
+// What a statistic counts, its name says, which stands first in the row.
 function dressValue(cell, text, column) {
-  if (/^\d{4,}$/.test(text)) dressCount(cell, text, column);
+  if (!/^\d{4,}$/.test(text)) return;
+  const isBytes = /\bBytes$/.test(cell.parentElement?.cells?.[0]?.textContent ?? "");
+  (isBytes ? dressBytes : dressCount)(cell, text, column);
 }
 
 // How much the second of two values between "|" is above the first.
@@ -122,6 +127,12 @@ function dressPath(cell, text) {
   cell.classList.add("faint");
 }
 
+// The time of day, and below it the date, which most often is the same everywhere.
+function dressTime(cell, text) {
+  const [, date, time] = /^(\S+) (\S+)$/.exec(text) ?? [];
+  if (time) cell.replaceChildren(make("span", { class: "rounded" }, time), " ", make("span", { class: "exact" }, date));
+}
+
 const severityRank = (text) => SEVERITIES.findIndex((known) => known.name === text);
 const NUMBERS = { key: plainNumber, isNumber: true };
 
@@ -129,7 +140,7 @@ const KINDS = {
   text: {},
   address: {},
   stream: {}, // two addresses, which may take a line each
-  time: { isTime: true },
+  time: { isTime: true, dress: dressTime },
   duration: { key: durationSeconds, isNumber: true },
   number: { ...NUMBERS, dress: dressCount },
   identifier: NUMBERS,

@@ -9,6 +9,9 @@ class Page {
     this.status = document.getElementById("status");
     this.shows = 0; // raised by every view, so that one that was overtaken does not show up later
     this.grids = [];
+    this.progress = make("progress", { max: 1, value: 0, "aria-label": "Read so far" });
+    this.loading = make("div", { class: "loading", hidden: true }, make("span"), this.progress);
+    this.main.before(this.loading);
   }
 
   start() {
@@ -21,7 +24,15 @@ class Page {
     window.addEventListener("hashchange", () => this.show(this.asked()));
     window.addEventListener("beforeprint", () => this.grids.forEach((grid) => grid.expandForPrint(true)));
     window.addEventListener("afterprint", () => this.grids.forEach((grid) => grid.expandForPrint(false)));
+    window.addEventListener("load", () => this.checkStyles());
     this.show(this.asked());
+  }
+
+  checkStyles() {
+    if (document.styleSheets.length > 0) return;
+    const why = "The folder of this report has no StatsReport.css, so everything looks plain. The templates that it was made "
+      + "with lack the file, or somebody has removed it.";
+    this.main.before(make("p", { role: "alert" }, why));
   }
 
   // The view that the address names, else the page's first.
@@ -39,13 +50,14 @@ class Page {
   async show(call) {
     const view = VIEWS[call];
     const show = (this.shows += 1);
+    this.loading.hidden = true;
     this.menu.mark(call);
     this.main.setAttribute("aria-busy", "true");
     this.status.textContent = `Loading ${view.title}…`;
     if (!this.main.querySelector("article")) this.main.replaceChildren(make("p", { class: "note" }, "Loading…"));
     let content;
     try {
-      content = await this.make(view);
+      content = await this.make(view, (share) => show === this.shows && this.showProgress(view, share));
     } catch (error) {
       if (show === this.shows) this.explain(error instanceof Problem ? error : faultProblem(view, error));
       return;
@@ -56,17 +68,25 @@ class Page {
     this.status.textContent = `${view.title} is shown.`;
   }
 
-  async make(view) {
-    const source = await readDocument(view.document);
-    const name = view.sheetFor?.(source.documentElement) ?? view.sheet;
+  // Small documents come before anybody could read that they do.
+  showProgress(view, share) {
+    this.loading.hidden = false;
+    this.loading.firstChild.textContent = `Reading ${view.title}… ${Math.floor(share * 100)} %`;
+    this.progress.value = share;
+  }
+
+  async make(view, onProgress) {
+    const tree = await readDocument(view.document, view.wanted, onProgress);
+    const name = view.sheetFor?.(tree.attribute(tree.root, "Version")) ?? view.sheet;
     const sheet = await readSheet(name, view.document);
     const sources = new Map();
-    const fragment = sheet.transform(source, (body, rows) => sources.set(body, rows));
+    const fragment = sheet.transform(tree, (body, rows) => sources.set(body, rows));
     return { fragment, sources };
   }
 
   fill({ fragment, sources }) {
     drawCharts(fragment);
+    this.loading.hidden = true;
     this.main.replaceChildren(fragment);
     this.main.removeAttribute("aria-busy");
     showPictures(this.main);
@@ -87,6 +107,7 @@ class Page {
 
   // Says in the place of the view why there is none.
   explain(problem) {
+    this.loading.hidden = true;
     const links = problem.links.map(({ title, address }) => make("p", {}, make("a", { href: address }, title)));
     const title = make("h1", {}, problem.message);
     this.main.replaceChildren(

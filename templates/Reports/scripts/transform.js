@@ -26,85 +26,104 @@ function checkAttribute(name, value, isFixed) {
   }
 }
 
-// White space between the elements of a style sheet means nothing, apart from that in xsl:text.
-function dropWhiteSpace(element) {
-  if (element.namespaceURI === XSL_NAMESPACE && element.localName === "text") return;
-  for (const child of [...element.childNodes]) {
-    const isText = child.nodeType === Node.TEXT_NODE || child.nodeType === Node.CDATA_SECTION_NODE;
-    if (child.nodeType === Node.ELEMENT_NODE) dropWhiteSpace(child);
-    else if (!isText || /^[ \t\r\n]*$/.test(child.data)) child.remove();
-  }
-}
-
-function isInstruction(node, name) {
-  return node.namespaceURI === XSL_NAMESPACE && (!name || node.localName === name);
+function isInstruction(part, name) {
+  return typeof part !== "string" && part.isInstruction && (!name || part.name === name);
 }
 
 function attributeOf(instruction, name) {
-  const value = instruction.getAttribute(name);
-  if (value === null) throw new Error(`xsl:${instruction.localName} needs the attribute ${name}`);
+  const value = instruction.attributes.get(name);
+  if (value === undefined) throw new Error(`xsl:${instruction.name} needs the attribute ${name}`);
   return value;
+}
+
+// A part of a style sheet as plain data, which are quicker to walk than the elements of a document: a text, or
+// { name, isInstruction, attributes, children }. White space between elements means nothing, apart from that in xsl:text.
+function readPart(element) {
+  const isKnown = element.namespaceURI === XSL_NAMESPACE;
+  if (!isKnown && (element.namespaceURI || !KNOWN_ELEMENTS.has(element.localName))) {
+    throw new Error(`<${element.nodeName}> may not be made`);
+  }
+  const name = element.localName;
+  const attributes = new Map(Array.from(element.attributes, (attribute) => [attribute.name, attribute.value]));
+  const keepsSpace = isKnown && name === "text";
+  const children = [];
+  for (const child of element.childNodes) {
+    if (child.nodeType === Node.ELEMENT_NODE) children.push(readPart(child));
+    else if (child.nodeType !== Node.TEXT_NODE && child.nodeType !== Node.CDATA_SECTION_NODE) continue;
+    else if (keepsSpace || !/^[ \t\r\n]*$/.test(child.data)) children.push(child.data);
+  }
+  return { name, isInstruction: isKnown, attributes, children };
 }
 
 class StyleSheet {
   constructor(parsed) {
     const root = parsed.documentElement;
-    if (!root || !isInstruction(root, "stylesheet")) throw new Error("this is no style sheet");
-    dropWhiteSpace(root);
+    if (root?.namespaceURI !== XSL_NAMESPACE || root.localName !== "stylesheet") throw new Error("this is no style sheet");
     this.templates = new Map();
-    for (const child of root.children) {
-      if (isInstruction(child, "output")) continue;
-      if (!isInstruction(child, "template")) throw new Error(`<${child.nodeName}> may not stand here`);
-      const match = child.getAttribute("match");
-      if (match !== null && match !== "/") throw new Error(`the pattern ${match} is not known`);
-      this.templates.set(match ?? attributeOf(child, "name"), child);
+    for (const part of readPart(root).children) {
+      if (isInstruction(part, "output")) continue;
+      if (!isInstruction(part, "template")) throw new Error(`<${part.name ?? part}> may not stand here`);
+      const match = part.attributes.get("match");
+      if (match !== undefined && match !== "/") throw new Error(`the pattern ${match} is not known`);
+      this.templates.set(match ?? attributeOf(part, "name"), part);
     }
     if (!this.templates.has("/")) throw new Error("there is no template for /");
   }
 
-  // What the style sheet makes of `source`, as a fragment of this page. When `onRows` is given, bodies of grids of which
+  // What the style sheet makes of a tree, as a fragment of this page. When `onRows` is given, bodies of grids of which
   // all rows come from one for-each stay empty, and it is called with the body and the source of its rows.
-  transform(source, onRows = null) {
-    const run = new Transformation(this, source, onRows);
+  transform(tree, onRows = null) {
+    const run = new Transformation(this, tree, onRows);
     const fragment = document.createDocumentFragment();
-    const context = { node: source, position: 1, last: 1, variables: new Map() };
+    const context = { node: 0, position: 1, last: 1, variables: new Map() };
     run.instantiate(this.templates.get("/"), context, fragment);
     return fragment;
   }
 }
 
+// Stands in the place of an element of which the text alone is wanted.
+class TextKeeper {
+  nodeType = Node.ELEMENT_NODE;
+  text = "";
+
+  append(part) {
+    this.text += typeof part === "string" ? part : part.textContent;
+  }
+
+  setAttribute() {}
+}
+
 class Transformation {
-  constructor(sheet, source, onRows) {
+  constructor(sheet, tree, onRows) {
     this.sheet = sheet;
-    this.xpath = new XPathRunner(source);
+    this.tree = tree;
+    this.xpath = new XPath(tree);
     this.onRows = onRows;
     this.depth = 0;
   }
 
   // Runs the children of `template` and appends what comes out to `parent`.
   instantiate(template, context, parent) {
-    for (let child = template.firstChild; child; child = child.nextSibling) {
-      if (child.nodeType !== Node.ELEMENT_NODE) parent.append(document.createTextNode(child.data));
-      else if (!isInstruction(child)) parent.append(this.literal(child, context));
-      else if (child.localName === "variable") context = this.bind(child, context);
-      else if (child.localName !== "param" && child.localName !== "sort") this.perform(child, context, parent);
+    for (const child of template.children) {
+      if (typeof child === "string") parent.append(child);
+      else if (!child.isInstruction) parent.append(this.literal(child, context, parent));
+      else if (child.name === "variable") context = this.bind(child, context);
+      else if (child.name !== "param" && child.name !== "sort") this.perform(child, context, parent);
     }
   }
 
   perform(instruction, context, parent) {
-    const action = INSTRUCTIONS[instruction.localName];
-    if (!action) throw new Error(`xsl:${instruction.localName} is not known here`);
+    const action = INSTRUCTIONS[instruction.name];
+    if (!action) throw new Error(`xsl:${instruction.name} is not known here`);
     action(this, instruction, context, parent);
   }
 
-  literal(template, context) {
-    if (template.namespaceURI || !KNOWN_ELEMENTS.has(template.localName)) {
-      throw new Error(`<${template.nodeName}> may not be made`);
-    }
-    const element = document.createElement(template.localName);
-    for (const { name, value } of template.attributes) this.setAttribute(element, name, value, context);
-    const rows = this.onRows && template.localName === "tbody" ? rowsTemplate(template) : null;
-    if (rows) this.onRows(element, new RowSource(this, rows, context));
+  literal(template, context, parent = null) {
+    const element = document.createElement(template.name);
+    for (const [name, value] of template.attributes) this.setAttribute(element, name, value, context);
+    const isGrid = this.onRows && template.name === "tbody" && parent?.className === "grid";
+    const loop = isGrid ? rowsTemplate(template) : null;
+    if (loop) this.onRows(element, new RowSource(this, loop, context));
     else this.instantiate(template, context, element);
     return element;
   }
@@ -115,7 +134,7 @@ class Transformation {
     const value = pattern.replace(/\{\{|\}\}|\{((?:[^}"']|"[^"]*"|'[^']*')*)\}/g, (word, expression) => {
       if (expression === undefined) return word[0];
       isFixed = false;
-      return this.xpath.string(expression, context);
+      return this.xpath.text(expression, context);
     });
     checkAttribute(name, value, isFixed);
     element.setAttribute(name, value);
@@ -129,14 +148,15 @@ class Transformation {
 
   // The value of a variable or parameter, by its expression or by the text of its content.
   valueOf(element, context) {
-    if (element.hasAttribute("select")) return this.xpath.value(element.getAttribute("select"), context);
-    return this.textOf(element, context);
+    const select = element.attributes.get("select");
+    return select === undefined ? this.textOf(element, context) : this.xpath.value(select, context);
   }
 
+  // The text of what the children of `template` make.
   textOf(template, context) {
-    const content = document.createDocumentFragment();
-    this.instantiate(template, context, content);
-    return content.textContent;
+    const keeper = new TextKeeper();
+    this.instantiate(template, context, keeper);
+    return keeper.text;
   }
 
   call(name, context, parameters, parent) {
@@ -157,11 +177,11 @@ class Transformation {
   // The nodes that a for-each visits, in its order.
   nodesOf(loop, context) {
     const nodes = this.xpath.nodes(attributeOf(loop, "select"), context);
-    const sort = loop.firstElementChild;
-    if (!sort || !isInstruction(sort, "sort")) return nodes;
-    if (sort.getAttribute("data-type") !== "number") throw new Error("xsl:sort sorts numbers alone");
-    const select = sort.getAttribute("select") ?? ".";
-    const sign = sort.getAttribute("order") === "descending" ? -1 : 1;
+    const sort = loop.children[0];
+    if (sort === undefined || !isInstruction(sort, "sort")) return nodes;
+    if (sort.attributes.get("data-type") !== "number") throw new Error("xsl:sort sorts numbers alone");
+    const select = sort.attributes.get("select") ?? ".";
+    const sign = sort.attributes.get("order") === "descending" ? -1 : 1;
     const keyed = nodes.map((node, i) => ({
       node,
       key: this.xpath.number(select, { node, position: i + 1, last: nodes.length, variables: context.variables }),
@@ -175,12 +195,12 @@ class Transformation {
 
 const INSTRUCTIONS = {
   "value-of": (run, instruction, context, parent) => {
-    const text = run.xpath.string(attributeOf(instruction, "select"), context);
-    if (text !== "") parent.append(document.createTextNode(text));
+    const text = run.xpath.text(attributeOf(instruction, "select"), context);
+    if (text !== "") parent.append(text);
   },
 
   text: (run, instruction, context, parent) => {
-    parent.append(document.createTextNode(instruction.textContent));
+    parent.append(instruction.children.join(""));
   },
 
   if: (run, instruction, context, parent) => {
@@ -218,7 +238,7 @@ const INSTRUCTIONS = {
   "call-template": (run, instruction, context, parent) => {
     const parameters = new Map();
     for (const child of instruction.children) {
-      if (!isInstruction(child, "with-param")) throw new Error(`<${child.nodeName}> may not stand here`);
+      if (!isInstruction(child, "with-param")) throw new Error(`<${child.name ?? child}> may not stand here`);
       parameters.set(attributeOf(child, "name"), run.valueOf(child, context));
     }
     run.call(attributeOf(instruction, "name"), context, parameters, parent);

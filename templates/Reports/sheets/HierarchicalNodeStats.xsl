@@ -24,7 +24,7 @@
                 <tr>
                   <th data-kind="address">Physical address</th>
                   <th data-kind="address">Address</th>
-                  <th data-kind="bytes">Bytes</th>
+                  <th data-kind="bytes" data-sorted="">Bytes</th>
                   <th data-kind="number">Packets</th>
                   <th data-kind="bytes">Bytes sent</th>
                   <th data-kind="ratio">Share sent</th>

@@ -25,11 +25,11 @@
         <div class="pair">
           <xsl:for-each select="NodeStatistics/Stats">
             <xsl:for-each select="(Type[@Name = 'IP'][NodeStat] | Type[NodeStat][not(../Type[@Name = 'IP'][NodeStat])])[1]">
-              <xsl:call-template name="top-nodes"/>
+              <xsl:call-template name="top-nodes"><xsl:with-param name="links" select="true()"/></xsl:call-template>
             </xsl:for-each>
           </xsl:for-each>
           <xsl:for-each select="ProtocolStatistics/Stats[ProtoStat]">
-            <xsl:call-template name="top-protocols"/>
+            <xsl:call-template name="top-protocols"><xsl:with-param name="links" select="true()"/></xsl:call-template>
           </xsl:for-each>
           <xsl:for-each select="SummaryStatistics/Stats/Snapshot[1]/Group[@Name = 'Packet Sizes'][SummaryStat/PacketsValue != '']">
             <section class="part">

@@ -35,11 +35,11 @@
               </thead>
               <tbody>
                 <xsl:for-each select="Stats/ProtoStat">
-                  <xsl:variable name="name" select="Name"/>
-                  <xsl:variable name="path" select="Path"/>
-                  <xsl:variable name="latest" select="Bytes"/>
-                  <xsl:variable name="first" select="/ProtocolStatistics/History[1]/Stats/ProtoStat[Path = $path][Name = $name][1]/Bytes"/>
                   <tr>
+                    <xsl:variable name="name" select="Name"/>
+                    <xsl:variable name="path" select="Path"/>
+                    <xsl:variable name="latest" select="Bytes"/>
+                    <xsl:variable name="first" select="/ProtocolStatistics/History[1]/Stats/ProtoStat[Path = $path][Name = $name][1]/Bytes"/>
                     <th scope="row"><xsl:value-of select="Name"/></th>
                     <td><xsl:value-of select="Path"/></td>
                     <td>

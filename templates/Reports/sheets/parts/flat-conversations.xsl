@@ -11,7 +11,7 @@
             <th data-kind="address">From</th>
             <th data-kind="address">To</th>
             <th data-kind="text">Protocol</th>
-            <th data-kind="bytes">Bytes</th>
+            <th data-kind="bytes" data-sorted="">Bytes</th>
             <th data-kind="number">Packets</th>
             <th data-kind="ratio">Share of sender</th>
             <th data-kind="ratio">Share of receiver</th>

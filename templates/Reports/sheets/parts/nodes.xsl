@@ -9,6 +9,7 @@
         <thead>
           <tr>
             <th data-kind="address">Address</th>
+            <th data-kind="bytes" data-sorted="">Bytes</th>
             <th data-kind="bytes">Bytes sent</th>
             <th data-kind="ratio">Share sent</th>
             <th data-kind="bytes">Bytes received</th>
@@ -33,6 +34,7 @@
           <xsl:for-each select="NodeStat">
             <tr>
               <th scope="row"><xsl:value-of select="Addr"/></th>
+              <td><xsl:value-of select="BytesSent + BytesReceived"/></td>
               <td><xsl:value-of select="BytesSent"/></td>
               <td><xsl:value-of select="PctBytesSent"/></td>
               <td><xsl:value-of select="BytesReceived"/></td>

@@ -1,9 +1,11 @@
-  <!-- The nodes of the type that is the current node which sent and received most. -->
+  <!-- The nodes of the type that is the current node which sent and received most, with a link to all if wanted. -->
   <xsl:template name="top-nodes">
+    <xsl:param name="links" select="false()"/>
     <section class="part">
       <div class="part-head">
         <h2>Top talkers</h2>
         <p><xsl:value-of select="@Name"/></p>
+        <xsl:if test="$links"><p class="more"><a href="Nodes.htm">All nodes</a></p></xsl:if>
       </div>
       <table class="plain">
         <caption>Top talkers</caption>

@@ -1,8 +1,11 @@
-  <!-- The largest of the protocols below the current node that carry no other of its list. -->
+  <!-- The largest of the protocols below the current node that carry no other of its list, with a link to all if
+       wanted. -->
   <xsl:template name="top-protocols">
+    <xsl:param name="links" select="false()"/>
     <section class="part">
       <div class="part-head">
         <h2>Top protocols</h2>
+        <xsl:if test="$links"><p class="more"><a href="Protocols.htm">All protocols</a></p></xsl:if>
       </div>
       <table class="plain">
         <caption>Top protocols</caption>
