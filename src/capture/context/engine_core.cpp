@@ -1,6 +1,7 @@
 #include "capture/context/engine_core.h"
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 #include "capture/context/summary_statistics.h"
@@ -85,7 +86,7 @@ void EngineCore::Decode(std::span<const Packet> packets, NoteBatch* batch) {
   ProtocolTree& tree = ProtocolTree::Get();
   for (std::size_t i = 0; i < packets.size(); ++i) {
     if (names_ && MayHoldNames(facts[i])) Listen(facts[i], batch);
-    batch->notes[i] = PacketNote(packets[i], facts[i], tree.Classify(facts[i]));
+    std::construct_at(&batch->notes[i], packets[i], facts[i], tree.Classify(facts[i]));
     if (facts[i].is_wireless) batch->AddWireless(i, facts[i]);
   }
   batch->size = packets.size();

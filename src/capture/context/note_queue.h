@@ -68,7 +68,7 @@ class NoteQueue {
  private:
   static constexpr std::size_t kBatches = 32;
   /// How many are worth waking the thread for.
-  static constexpr std::size_t kSome = 8;
+  static constexpr std::size_t kSome = 16;
 
   void Run();
   void RaiseProblem();

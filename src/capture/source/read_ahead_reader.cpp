@@ -7,16 +7,17 @@
 #include <cstring>
 #include <exception>
 #include <mutex>
-#include <system_error>
 #include <thread>
 #include <utility>
+
+#include "platform/thread.h"
 
 namespace orvo {
 namespace {
 
-constexpr std::size_t kBlock = std::size_t{1} << 17;
+constexpr std::size_t kBlock = std::size_t{1} << 18;
 constexpr std::size_t kBlocks = 8;
-/// Captures are mostly read one after the other; of many that are not, each would take a thread and a megabyte.
+/// Captures are mostly read one after the other; of many that are not, each would take a thread and two megabytes.
 constexpr int kMostThreads = 4;
 
 std::atomic<int> g_threads = 0;
@@ -27,18 +28,18 @@ class ReadAheadReader final : public ByteReader {
   ReadAheadReader(const ReadAheadReader&) = delete;
   ReadAheadReader& operator=(const ReadAheadReader&) = delete;
   ~ReadAheadReader() override {
-    if (!thread_.joinable()) return;
+    if (!has_thread_) return;
     {
       std::lock_guard lock(mutex_);
       ending_ = true;
     }
     half_empty_.notify_one();
-    thread_.join();
+    thread_.Join();
   }
 
   std::size_t Read(std::uint8_t* room, std::size_t size) override {
     if (!begun_) Begin();
-    if (!thread_.joinable()) return reader_->Read(room, size);
+    if (!has_thread_) return reader_->Read(room, size);
     std::size_t count = 0;
     while (count < size && HasBlock(count == 0)) {
       const Block& block = (*blocks_)[used_ % kBlocks];
@@ -52,9 +53,9 @@ class ReadAheadReader final : public ByteReader {
     return count;
   }
 
-  std::uint64_t position() const override { return thread_.joinable() ? position_ : reader_->position(); }
+  std::uint64_t position() const override { return has_thread_ ? position_ : reader_->position(); }
   std::uint64_t size() const override { return reader_->size(); }
-  const std::string& problem() const override { return thread_.joinable() ? problem_ : reader_->problem(); }
+  const std::string& problem() const override { return has_thread_ ? problem_ : reader_->problem(); }
 
  private:
   struct Block {
@@ -67,16 +68,11 @@ class ReadAheadReader final : public ByteReader {
     begun_ = true;
     if (reader_->position() >= reader_->size() || std::thread::hardware_concurrency() < 2) return;
     position_ = reader_->position();
-    if (g_threads.fetch_add(1) < kMostThreads) {
-      try {
-        blocks_.reset(new std::array<Block, kBlocks>);
-        thread_ = std::thread([this] { Run(); });
-        return;
-      } catch (const std::system_error&) {
-        blocks_.reset();
-      }
-    }
+    blocks_ = std::make_unique_for_overwrite<std::array<Block, kBlocks>>();
+    has_thread_ = g_threads.fetch_add(1) < kMostThreads && Succeeded(thread_.Start(Run, this));
+    if (has_thread_) return;
     g_threads.fetch_sub(1);
+    blocks_.reset();
   }
 
   /// Whether there is a block to be used. Who waits for one learns what has ended the stream.
@@ -97,7 +93,13 @@ class ReadAheadReader final : public ByteReader {
     if (filled_ - used_ == kBlocks / 2) half_empty_.notify_one();
   }
 
-  void Run() {
+  static Status Run(void* self) {
+    static_cast<ReadAheadReader*>(self)->FillBlocks();
+    g_threads.fetch_sub(1);
+    return S_OK;
+  }
+
+  void FillBlocks() {
     std::unique_lock lock(mutex_);
     while (!ended_ && !ending_) {
       if (filled_ - used_ == kBlocks) {
@@ -114,7 +116,6 @@ class ReadAheadReader final : public ByteReader {
       if (block.size != 0) ++filled_;
       filled_one_.notify_one();
     }
-    g_threads.fetch_sub(1);
   }
 
   /// False when the stream ends before the block is full, which then holds the rest.
@@ -136,6 +137,7 @@ class ReadAheadReader final : public ByteReader {
   const std::unique_ptr<ByteReader> reader_;  // the thread's, as soon as there is one and until the stream has ended
   std::unique_ptr<std::array<Block, kBlocks>> blocks_;  // made with the thread, in turns its and the user's
   bool begun_ = false;
+  bool has_thread_ = false;
   std::size_t used_of_block_ = 0;
   std::uint64_t position_ = 0;
   std::string problem_;
@@ -147,7 +149,7 @@ class ReadAheadReader final : public ByteReader {
   bool ended_ = false;
   bool ending_ = false;
   std::exception_ptr exception_;
-  std::thread thread_;
+  Thread thread_;
 };
 
 }  // namespace
