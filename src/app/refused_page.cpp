@@ -42,13 +42,12 @@ RefusedPage RefusePage(std::string_view file, const TrustedPages& trusted) {
       "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
       "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
       "<title>{0} is not shown</title>\n<style>{1}</style>\n</head>\n<body>\n<h1>{0} is not shown</h1>\n"
-      "<p>This page has another script than the pages of this version of orvo-report, so it does not run. The report "
-      "was "
-      "made by another version or with templates of somebody's own, or somebody has changed the page.</p>\n"
-      "<h2>To see the report with the pages of this version</h2>\n<p>Copy them into its folder, and load this page "
-      "again:</p>\n<pre>{2}</pre>\n"
-      "<h2>To see it with the pages that it has</h2>\n<p>When you trust the templates that it was made with, name "
-      "their "
+      "<p>This page has another script than the pages of this version of orvo-report, so it does not run. The report\n"
+      "was made by another version or with templates of somebody's own, or somebody has changed the page.</p>\n"
+      "<h2>To see the report with the pages of this version</h2>\n"
+      "<p>Copy them into its folder, and load this page again:</p>\n<pre>{2}</pre>\n"
+      "<h2>To see it with the pages that it has</h2>\n"
+      "<p>When you trust the templates that it was made with, name their\n"
       "folder:</p>\n<pre>{3}</pre>\n</body>\n</html>\n",
       Escaped(file), kStyle, Escaped(copy), Escaped(view));
   page.policy = fmt::format("default-src 'none'; sandbox; frame-ancestors 'self'; style-src {}", HashSource(kStyle));
