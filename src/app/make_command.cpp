@@ -169,7 +169,7 @@ bool WriteReport(const MakeOptions& options, const Target& target, CaptureEngine
 /// takes all of it at once, while freeing the millions of pieces that a large capture leaves behind takes a while.
 struct LeaveToSystem {
   void operator()(CaptureEngine* engine) const {
-    static CaptureEngine* left = nullptr;  // not lost, for those who look for lost memory
+    static CaptureEngine* volatile left = nullptr;  // kept, though nobody reads it: it is not lost memory
     left = engine;
     left->RevokeClasses();
   }

@@ -195,7 +195,7 @@ TEST(ReportSets, AreListedOnceAndOnlyByWhoeverStartedLast) {
 
 /// A folder with the name of an hour's set.
 std::string Hour(int hour) {
-  char name[64];
+  char name[80];
   std::snprintf(name, sizeof(name), "Reports/Reports-2007-11-14 %02d.00.00 - %02d.00.00", hour, hour + 1);
   return name;
 }
