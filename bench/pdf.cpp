@@ -115,7 +115,6 @@ void Print(benchmark::State& state, const Section& section) {
         for (std::size_t i = 0; i < cells.size(); ++i) cells[i].text = words[i];
         table.AddRow(cells);
       }
-      table.End();
     }
     document.Save(path);
     Note(state, section.name, HeapMegabytes() - before);
