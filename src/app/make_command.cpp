@@ -44,7 +44,8 @@ struct Target {
   fs::path folder{};
 };
 
-bool HasKinds(const Target& target) {
+/// Of the formats, this one has pages, and kinds of reports to choose among.
+bool IsXml(const Target& target) {
   return target.format->type == kOutputXml;
 }
 
@@ -55,7 +56,7 @@ std::vector<Target> ChooseTargets(const MakeOptions& options) {
     targets.push_back({.format = format, .preferences = LoadPreferences(options.common.settings)});
     ChooseReport(options.common.report, *targets.back().preferences);
   }
-  if (!options.common.report.empty() && std::ranges::none_of(targets, HasKinds)) {
+  if (!options.common.report.empty() && std::ranges::none_of(targets, IsXml)) {
     PrintWarning("--report chooses among reports of format xml; the one of any other format is full");
   }
   return targets;
@@ -183,8 +184,7 @@ int Make(const MakeOptions& options) {
   const std::unique_ptr<CaptureEngine, LeaveToSystem> engine(MakeEngine(options.common, /*live=*/false).release());
   const Sources sources = OpenCaptures(options.captures);
   MakeFolders(options, &targets);
-  const auto has_pages = [](const Target& target) { return target.format->type == kOutputXml; };
-  if (std::ranges::any_of(targets, has_pages)) WarnOfMissingPages(options.common);
+  if (std::ranges::any_of(targets, IsXml)) WarnOfMissingPages(options.common);
 
   ReadCaptures(options, sources, filter.get(), *engine);
   bool all_written = true;

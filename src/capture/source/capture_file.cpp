@@ -27,12 +27,7 @@ constexpr std::size_t kMagic = 4;
 constexpr struct {
   std::string_view magic;
   const char* packer;
-} kPackers[] = {{"\xFD"
-                 "7zX",
-                 "xz"},
-                {"BZh", "bzip2"},
-                {"PK\x03\x04", "zip"},
-                {"\x04\x22\x4D\x18", "lz4"}};
+} kPackers[] = {{"\xFD\x37zX", "xz"}, {"BZh", "bzip2"}, {"PK\x03\x04", "zip"}, {"\x04\x22\x4D\x18", "lz4"}};
 
 SourceError ErrnoRefusal(int code, const std::string& path) {
   const char* remedy = path == "-"       ? "; name /dev/stdin to read standard input"
