@@ -126,6 +126,7 @@ TEST(ExpertFlow, ReadsTheFirstBytesOfAnswers) {
 
   // Over TCP, messages stand behind their length.
   EXPECT_EQ(EventsOfTalk(53, {{Be16(12) + Dns(1, 0x0100), 0}, {Be16(12) + Dns(1, 0x8182), 10}}), "DNS_ERROR");
+  EXPECT_EQ(EventsOfTalk(53, {{Be16(12) + Dns(1, 0x0100), 0}, {Be16(12) + Dns(1, 0x8183), 10}}), "DNS_NAME_NOT_FOUND");
 }
 
 TEST(FirstBytes, NeedToBeThereAndRight) {

@@ -42,7 +42,19 @@ class WirelessDocumentsTest : public XmlReportTest {
     node.last_time_received = Moment(-10);
     node.address = engine.live.AddPhysical(0x020000000001);
     node.type = kWirelessAccessPoint;
+    node.broadcast_packets = 21;
+    node.broadcast_bytes = 22;
+    node.multicast_packets = 23;
+    node.multicast_bytes = 24;
+    node.retry_packets = 25;
+    node.beacon_packets = 26;
+    node.wep_packets = 27;
+    node.icv_errors = 28;
+    node.min_size_sent = 60;
     node.max_size_sent = 1500;
+    node.min_size_received = 61;
+    node.max_size_received = 1400;
+    node.wep_key = 2;
     node.beacon_channel = 6;
     node.current_channel = 11;
     node.encryption = 3;
@@ -50,6 +62,7 @@ class WirelessDocumentsTest : public XmlReportTest {
     node.name_length = 2;
     node.name = {'h', 'i'};
     node.signal = {.min_percent = 1, .max_percent = 2, .current_percent = 3, .min_dbm = -90};
+    node.noise = {4, 5, 6, -95, -94, -93};
     return node;
   }
   /// Has only received, apart from broadcasts.
@@ -73,7 +86,17 @@ class WirelessDocumentsTest : public XmlReportTest {
     channel.frequency = 2437;
     channel.band = 4;
     channel.total = {.packets = 4, .bytes = 400};
+    channel.data = {.packets = 31, .bytes = 32};
+    channel.management = {.packets = 33, .bytes = 34};
+    channel.control = {.packets = 35, .bytes = 36};
+    channel.local = {.packets = 37, .bytes = 38};
+    channel.from_ds = {.packets = 39, .bytes = 40};
+    channel.to_ds = {.packets = 41, .bytes = 42};
+    channel.ds_to_ds = {.packets = 43, .bytes = 44};
+    channel.retry = {.packets = 45, .bytes = 46};
+    channel.protected_frames = {.packets = 47, .bytes = 48};
     channel.order = {.packets = 1, .bytes = 2};
+    channel.crc_packets = 5;
     channel.icv_errors = 3;
     channel.signal = {.min_percent = 10,
                       .max_percent = 20,
@@ -96,11 +119,11 @@ TEST_F(WirelessDocumentsTest, NodesAndChannels) {
       WirelessNodeStat { Node=2.0.0.0.0.1; NodeType=AP; FirstTimeSent=11/22/2026 14:04:09;
           LastTimeSent=11/22/2026 14:05:09; FirstTimeRec=11/22/2026 14:04:39; LastTimeRec=11/22/2026 14:04:59;
           PktsSent=10; PktsRec=5; TotalBytes=750; TotalPackets=15; BytesSent=250; BytesSentPct=0.250000;
-          BytesRec=500; BytesRecPct=0.500000; BroadcastPkts=0; BroadcastBytes=0; MulticastPkts=0; MulticastBytes=0;
-          MinSizeSent=0; MaxSizeSent=1500; AvgSizeSent=25; MinSizeRec=0; MaxSizeRec=0; AvgSizeRec=100;
-          RetryPackets=0; BeaconPackets=0; WEPPackets=0; WEPICVPackets=0; ESSID=hi; Channel=6; WEPKey=0;
-          SignalMin=1; SignalMax=2; SignalCur=3; SignaldBmMin=-90; SignaldBmMax=-127; SignaldBmCur=-127; NoiseMin=0;
-          NoiseMax=0; NoiseCur=0; NoisedBmMin=-127; NoisedBmMax=-127; NoisedBmCur=-127; Duration=00:01:00.000000;
+          BytesRec=500; BytesRecPct=0.500000; BroadcastPkts=21; BroadcastBytes=22; MulticastPkts=23;
+          MulticastBytes=24; MinSizeSent=60; MaxSizeSent=1500; AvgSizeSent=25; MinSizeRec=61; MaxSizeRec=1400;
+          AvgSizeRec=100; RetryPackets=25; BeaconPackets=26; WEPPackets=27; WEPICVPackets=28; ESSID=hi; Channel=6;
+          WEPKey=2; SignalMin=1; SignalMax=2; SignalCur=3; SignaldBmMin=-90; SignaldBmMax=-127; SignaldBmCur=-127;
+          NoiseMin=4; NoiseMax=5; NoiseCur=6; NoisedBmMin=-95; NoisedBmMax=-94; NoisedBmCur=-93; Duration=00:01:00.000000;
           Encryption=TKIP; Authentication=; Privacy=False; BeaconESSID=Off; Associations=; Trust=Trusted;
           DataRate Name=1 Mbits/s Packets Value=0; DataRate Name=1 Mbits/s Bytes Value=0;
           DataRate Name=2 Mbits/s Packets Value=0; DataRate Name=2 Mbits/s Bytes Value=0;
@@ -122,10 +145,10 @@ TEST_F(WirelessDocumentsTest, NodesAndChannels) {
   WirelessChannelStatistics Version=1.0 {
     Summary { TimeSaved=11/22/2026 14:05:09; Packets=10; Bytes=1000 }
     Stats {
-      ChannelStat { Channel=6; Frequency=2437; Band=802.11bg; Packets=4; Bytes=400; DataPackets=0; DataBytes=0;
-          MngtPackets=0; MngtBytes=0; CtrlPackets=0; CtrlBytes=0; LocalPackets=0; LocalBytes=0; FromDSPackets=0;
-          FromDSBytes=0; ToDSPackets=0; ToDSBytes=0; DS2DSPackets=0; DS2DSBytes=0; RetryPackets=0; RetryBytes=0;
-          ProtectedPackets=0; ProtectedBytes=0; OrderPackets=1; OrderBytes=2; CRCPackets=0; WEPICVErrors=3;
+      ChannelStat { Channel=6; Frequency=2437; Band=802.11bg; Packets=4; Bytes=400; DataPackets=31; DataBytes=32;
+          MngtPackets=33; MngtBytes=34; CtrlPackets=35; CtrlBytes=36; LocalPackets=37; LocalBytes=38; FromDSPackets=39;
+          FromDSBytes=40; ToDSPackets=41; ToDSBytes=42; DS2DSPackets=43; DS2DSBytes=44; RetryPackets=45; RetryBytes=46;
+          ProtectedPackets=47; ProtectedBytes=48; OrderPackets=1; OrderBytes=2; CRCPackets=5; WEPICVErrors=3;
           SignalMin=10; SignalMax=20; SignalCur=15; SignalAvg=12.500; SignaldBmMin=-80; SignaldBmMax=-70;
           SignaldBmCur=-75; SignaldBmAvg=-20.000; NoiseMin=0; NoiseMax=0; NoiseCur=0; NoiseAvg=0.000;
           NoisedBmMin=-127; NoisedBmMax=-127; NoisedBmCur=-127; NoisedBmAvg=;
